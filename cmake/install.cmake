@@ -1,0 +1,24 @@
+# Install rules and the CMake package: after `cmake --install`, a user writes
+#   find_package(qrx_host REQUIRED)
+#   target_link_libraries(app PRIVATE qrx_host::qrx_host)
+include(CMakePackageConfigHelpers)
+
+install(TARGETS qrx_host EXPORT qrx_hostTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+file(GLOB qrx_public_headers ${PROJECT_SOURCE_DIR}/src/api/*.h)
+install(FILES ${qrx_public_headers} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qrx_host)
+if(TARGET qrx-sim)
+  install(TARGETS qrx-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
+
+install(EXPORT qrx_hostTargets NAMESPACE qrx_host::
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qrx_host)
+configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/qrx_hostConfig.cmake.in
+  ${PROJECT_BINARY_DIR}/qrx_hostConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qrx_host)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/qrx_hostConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/qrx_hostConfig.cmake ${PROJECT_BINARY_DIR}/qrx_hostConfigVersion.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/qrx_host)

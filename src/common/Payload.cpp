@@ -1,0 +1,29 @@
+#include "common/Payload.h"
+
+#include <json/reader.h>
+#include <cstring>
+#include <memory>
+
+namespace qrx {
+
+bool parsePayload(const QByteArray &payload, Json::Value &out)
+{
+    const char *begin = payload.constData();
+    const void *nul = std::memchr(begin, '\0', static_cast<std::size_t>(payload.size()));
+    const char *end = nul ? static_cast<const char *>(nul) : begin + payload.size();
+
+    static const Json::CharReaderBuilder builder = [] {
+        Json::CharReaderBuilder b;
+        b["collectComments"] = false;
+        return b;
+    }();
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    out = Json::Value();
+    if (!reader->parse(begin, end, &out, nullptr)) {
+        out = Json::Value();
+        return false;
+    }
+    return true;
+}
+
+} // namespace qrx

@@ -1,0 +1,99 @@
+#include "link/FrameCodec.h"
+
+#include "common/Logging.h"
+
+#include <zlib.h>
+
+namespace qrx {
+
+namespace {
+
+constexpr char kHead1 = 0x4E;
+constexpr char kHead2 = 0x66;
+
+inline quint32 readBig16(const char *p)
+{
+    return (quint32(quint8(p[0])) << 8) | quint8(p[1]);
+}
+
+inline quint32 readBig32(const char *p)
+{
+    return (quint32(quint8(p[0])) << 24) | (quint32(quint8(p[1])) << 16)
+        | (quint32(quint8(p[2])) << 8) | quint8(p[3]);
+}
+
+} // namespace
+
+quint32 frameCrc(const char *data, int size)
+{
+    return static_cast<quint32>(
+        crc32(crc32(0L, Z_NULL, 0), reinterpret_cast<const Bytef *>(data), static_cast<uInt>(size)));
+}
+
+QByteArray encodeFrame(quint16 command, const QByteArray &payload)
+{
+    if (payload.size() > kMaxPayload) {
+        qCWarning(lcLink, "encodeFrame: payload too long (%d bytes), frame not sent", payload.size());
+        return QByteArray();
+    }
+    const int size = payload.size();
+    QByteArray frame;
+    frame.reserve(size + kFrameOverhead);
+    frame.append(kHead1);
+    frame.append(kHead2);
+    frame.append(char((size >> 8) & 0xFF));
+    frame.append(char(size & 0xFF));
+    frame.append(char((command >> 8) & 0xFF));
+    frame.append(char(command & 0xFF));
+    frame.append(payload);
+    const quint32 crc = frameCrc(frame.constData() + 2, frame.size() - 2);
+    frame.append(char((crc >> 24) & 0xFF));
+    frame.append(char((crc >> 16) & 0xFF));
+    frame.append(char((crc >> 8) & 0xFF));
+    frame.append(char(crc & 0xFF));
+    return frame;
+}
+
+QVector<Frame> FrameDecoder::feed(const QByteArray &bytes)
+{
+    QVector<Frame> frames;
+    feed(bytes, [&frames](quint16 command, QByteArray payload) {
+        frames.append(Frame{command, std::move(payload)});
+    });
+    return frames;
+}
+
+void FrameDecoder::scan(EmitFn deliver, void *ctx)
+{
+    const char *data = m_buffer.constData();
+    const int size = m_buffer.size();
+    int pos = 0;
+    // The same steps as dropping bytes from the front one at a time, with
+    // "the buffer" being the bytes from pos to the end.
+    while (size - pos > 9) {
+        const char *p = data + pos;
+        if (p[0] != kHead1 || p[1] != kHead2) {
+            ++pos;
+            qCDebug(lcLink, "onTcpSocketReadyRead: head error");
+            continue;
+        }
+        const int length = int(readBig16(p + 2));
+        const quint16 command = quint16(readBig16(p + 4));
+        if (length + 9 >= size - pos)
+            break; // wait for the rest of the frame
+        const quint32 received = readBig32(p + 6 + length);
+        if (frameCrc(p + 2, length + 4) != received) {
+            ++pos;
+            qCDebug(lcLink, "%x", received);
+            qCDebug(lcLink, "onTcpSocketReadyRead: crc32 error");
+            continue;
+        }
+        pos += length + kFrameOverhead;
+        deliver(ctx, command, p + 6, length);
+        // deliver may not touch m_buffer: data stays valid.
+    }
+    if (pos > 0)
+        m_buffer.remove(0, pos);
+}
+
+} // namespace qrx

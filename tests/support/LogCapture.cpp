@@ -1,0 +1,59 @@
+#include "support/LogCapture.h"
+
+#include <QMutexLocker>
+
+namespace {
+LogCapture *g_active = nullptr;
+}
+
+LogCapture::LogCapture(const char *categoryPrefix)
+    : m_prefix(categoryPrefix)
+{
+    g_active = this;
+    m_previous = qInstallMessageHandler(&LogCapture::handler);
+}
+
+LogCapture::~LogCapture()
+{
+    qInstallMessageHandler(m_previous);
+    g_active = nullptr;
+}
+
+void LogCapture::handler(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    LogCapture *self = g_active;
+    if (self && context.category && QByteArray(context.category).startsWith(self->m_prefix)) {
+        QMutexLocker lock(&self->m_mutex);
+        self->m_lines.append(message);
+        return;
+    }
+    if (self && self->m_previous)
+        self->m_previous(type, context, message);
+}
+
+QStringList LogCapture::lines() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_lines;
+}
+
+int LogCapture::count(const QString &line) const
+{
+    QMutexLocker lock(&m_mutex);
+    return int(m_lines.count(line));
+}
+
+bool LogCapture::contains(const QString &fragment) const
+{
+    QMutexLocker lock(&m_mutex);
+    for (const QString &l : m_lines)
+        if (l.contains(fragment))
+            return true;
+    return false;
+}
+
+void LogCapture::clear()
+{
+    QMutexLocker lock(&m_mutex);
+    m_lines.clear();
+}
