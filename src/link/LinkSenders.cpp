@@ -1,0 +1,194 @@
+#include "link/LinkSenders.h"
+
+#include "common/CompactJson.h"
+#include "common/Logging.h"
+
+#include <QCoreApplication>
+#include <QtEndian>
+
+#include <iterator>
+
+namespace {
+
+// The command codes of the link's own send slots.
+enum Command : quint16 {
+    SetServoStatus = 0x2001,
+    GetServoStatus = 0x2002,
+    SetOperationMode = 0x2101,
+    GetOperationMode = 0x2102,
+    SetCoordinationMode = 0x2201,
+    GetCoordinationMode = 0x2202,
+    SendDeadman = 0x2301,
+    SetSpeed = 0x2601,
+    GetSpeed = 0x2602,
+    SetTestMode = 0x2701,
+    GetTestMode = 0x2702,
+    StopMove = 0x2902,
+    GetPosition = 0x2A02,
+    ClearError = 0x2B01,
+    ClearAllError = 0x3201,
+    GetSelectTool = 0x380B,
+    GetRobotRunStatus = 0x3D02,
+};
+
+// Log line of setCoordinationMode, by coordinate value; other values are
+// sent without a line.
+const char *const kCoordinationLines[] = {
+    QT_TRANSLATE_NOOP("TcpConnectModule", "发送设置当前坐标系为关节坐标系"),
+    QT_TRANSLATE_NOOP("TcpConnectModule", "发送设置当前坐标系为直角坐标系"),
+    QT_TRANSLATE_NOOP("TcpConnectModule", "发送设置当前坐标系为工具坐标系"),
+    QT_TRANSLATE_NOOP("TcpConnectModule", "发送设置当前坐标系为用户坐标系"),
+};
+
+// Sender log lines are looked up in the TcpConnectModule context.
+QString linkText(const char *text)
+{
+    return QCoreApplication::translate("TcpConnectModule", text);
+}
+
+void logLine(const QString &line)
+{
+    qCDebug(lcLink).noquote() << line;
+}
+
+} // namespace
+
+bool LinkSenders::sendJson(quint16 command, const Json::Value &object)
+{
+    return sendData(command, qrx::jsonPayload(object));
+}
+
+void LinkSenders::setCurrentRobotSource(std::function<int()> source)
+{
+    QMutexLocker lock(&m_robotSourceMutex);
+    m_robotSource = std::move(source);
+}
+
+int LinkSenders::currentRobot() const
+{
+    std::function<int()> source;
+    {
+        QMutexLocker lock(&m_robotSourceMutex);
+        source = m_robotSource;
+    }
+    return source ? source() : 1;
+}
+
+bool LinkSenders::sendRobotOnly(quint16 command)
+{
+    Json::Value object(Json::objectValue);
+    object["robot"] = currentRobot();
+    return sendJson(command, object);
+}
+
+bool LinkSenders::setServoStatus(ServoStatus servoStatus)
+{
+    const int status = static_cast<qint8>(servoStatus);
+    logLine(QCoreApplication::translate("TcpConnectModule", "发送伺服状态 status=%1").arg(status));
+    Json::Value object(Json::objectValue);
+    object["robot"] = currentRobot();
+    object["status"] = status;
+    return sendJson(SetServoStatus, object);
+}
+
+bool LinkSenders::getServoStatus()
+{
+    return sendRobotOnly(GetServoStatus);
+}
+
+bool LinkSenders::setOperationMode(OperationMode operationMode)
+{
+    const int mode = int(operationMode);
+    logLine(QCoreApplication::translate("TcpConnectModule", "发送当前操作模式 mode=%1").arg(mode));
+    Json::Value object(Json::objectValue);
+    object["mode"] = mode;
+    return sendJson(SetOperationMode, object);
+}
+
+bool LinkSenders::getOperationMode()
+{
+    return sendData(GetOperationMode, QByteArray());
+}
+
+bool LinkSenders::setCoordinationMode(CoordinationMode coordinationMode)
+{
+    const int coord = int(coordinationMode);
+    if (coord >= 0 && coord < int(std::size(kCoordinationLines)))
+        logLine(linkText(kCoordinationLines[coord]));
+    Json::Value object(Json::objectValue);
+    object["coord"] = coord;
+    object["robot"] = currentRobot();
+    return sendJson(SetCoordinationMode, object);
+}
+
+bool LinkSenders::getCoordinationMode()
+{
+    return sendRobotOnly(GetCoordinationMode);
+}
+
+bool LinkSenders::sendDeadmanCommand(uchar status)
+{
+    logLine(status != 0 ? QCoreApplication::translate("TcpConnectModule", "向控制器发送上电命令")
+                        : QCoreApplication::translate("TcpConnectModule", "向控制器发送下电命令"));
+    Json::Value object(Json::objectValue);
+    object["deadman"] = int(status);
+    return sendJson(SendDeadman, object);
+}
+
+bool LinkSenders::setSpeed(signed char speed)
+{
+    Json::Value object(Json::objectValue);
+    object["robot"] = currentRobot();
+    object["speed"] = int(speed);
+    return sendJson(SetSpeed, object);
+}
+
+bool LinkSenders::getSpeed()
+{
+    return sendRobotOnly(GetSpeed);
+}
+
+bool LinkSenders::setTestMode(signed char testMode)
+{
+    return sendData(SetTestMode, QByteArray(1, static_cast<char>(testMode)));
+}
+
+bool LinkSenders::getTestMode()
+{
+    return sendData(GetTestMode, QByteArray());
+}
+
+bool LinkSenders::sendStopMoveCommand(int axis)
+{
+    Json::Value object(Json::objectValue);
+    object["axis"] = axis;
+    return sendJson(StopMove, object);
+}
+
+bool LinkSenders::getPosition()
+{
+    return sendRobotOnly(GetPosition);
+}
+
+bool LinkSenders::clearError(ErrorList error)
+{
+    QByteArray payload(4, '\0');
+    qToBigEndian<quint32>(quint32(error), payload.data());
+    return sendData(ClearError, payload);
+}
+
+bool LinkSenders::clearAllError()
+{
+    logLine(QCoreApplication::translate("TcpConnectModule", "发送清除错误"));
+    return sendRobotOnly(ClearAllError);
+}
+
+bool LinkSenders::getSelectTool()
+{
+    return sendRobotOnly(GetSelectTool);
+}
+
+bool LinkSenders::getRobotRunStatus()
+{
+    return sendRobotOnly(GetRobotRunStatus);
+}
