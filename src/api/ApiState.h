@@ -1,0 +1,57 @@
+#pragma once
+// What every exported function shares: the one Robot the host API talks to,
+// the "no link" test, the payload writer and the request-and-wait pattern.
+//
+// The API robot pointer is null until the first connect_robot() and is never
+// cleared afterwards: after a close it keeps pointing at the closed Robot, so
+// setters hand their frames to the closed link and getters block, until the
+// next connect_robot() replaces it with a fresh Robot.
+
+#include "robot/Robot.h"
+
+#include <QByteArray>
+#include <QMutexLocker>
+#include <json/value.h>
+
+namespace qrx::api {
+
+// The Robot the API talks to, or null before the first connect_robot().
+Robot *apiRobot();
+void setApiRobot(Robot *robot);
+
+// The payload of a command: compact JSON, keys ascending, one line feed.
+QByteArray payloadOf(const Json::Value &value);
+
+// A null name pointer reads as the empty name.
+inline const char *nameOrEmpty(const char *name) { return name ? name : ""; }
+
+// Request-and-wait: lock the reply mutex, run send() (which hands one or more
+// queries to the robot), wait on the reply condition without a time-out,
+// unlock. Any waking reply of the robot's handlers ends the wait, whatever it
+// answers; the caller then reads the cache as it stands.
+template <class Send>
+void requestAndWait(Robot *robot, Send &&send)
+{
+    QMutexLocker lock(&robot->replyMutex);
+    send();
+    robot->replyCondition.wait(&robot->replyMutex);
+}
+
+// The common case: one query with its code and payload.
+void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload = QByteArray());
+
+// Makes sure a Qt application exists before the library creates its first
+// object. A host that runs no Qt application of its own gets one on a thread
+// that the library owns; the result is that thread's context object (null
+// when the host's own application is used).
+QObject *libraryContext();
+
+} // namespace qrx::api
+
+// Early return of every exported function without a link:
+//   QRX_ROBOT_OR_RETURN(robot);          in a void function
+//   QRX_ROBOT_OR_RETURN(robot, 0);       in a function with a result
+#define QRX_ROBOT_OR_RETURN(var, ...)              \
+    Robot *const var = ::qrx::api::apiRobot();     \
+    if (!var)                                      \
+        return __VA_ARGS__

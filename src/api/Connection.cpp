@@ -1,0 +1,111 @@
+// connect_robot, disconnect_robot, connection_status, setErrorHandle, show_log.
+
+#include "api/ApiState.h"
+#include "api/qrx_host.h"
+#include "common/Logging.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QThread>
+#include <QTime>
+
+#include <cstring>
+
+using qrx::api::apiRobot;
+
+namespace {
+
+constexpr quint16 kPostConnectionRequest = 0x5052;
+constexpr quint16 kFarewell = 0x7277;
+constexpr int kConnectPolls = 5;
+constexpr int kConnectPollMs = 1000;
+
+// Waits ms milliseconds while the calling thread's events keep running, at
+// most 100 ms per pass. The deadline is a time of day, so a wait that would
+// cross midnight ends at once. A thread without an event loop of its own has
+// nothing to process and naps instead of spinning.
+void pauseWithEvents(int ms)
+{
+    const QTime deadline = QTime::currentTime().addMSecs(ms);
+    const bool hasLoop = QThread::currentThread()->eventDispatcher() != nullptr;
+    while (QTime::currentTime() < deadline) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 100);
+        if (!hasLoop)
+            QThread::msleep(5);
+        else
+            QThread::usleep(500);
+    }
+}
+
+// The Robot for ip: created on the library's own application thread when the
+// host runs no Qt application, so that its timers have an event loop.
+Robot *robotFor(const QString &ip)
+{
+    QObject *context = qrx::api::libraryContext();
+    if (!context || context->thread() == QThread::currentThread())
+        return Robot::instance(ip);
+    Robot *robot = nullptr;
+    QMetaObject::invokeMethod(
+        context, [&] { robot = Robot::instance(ip); }, Qt::BlockingQueuedConnection);
+    return robot;
+}
+
+} // namespace
+
+extern "C" {
+
+int connect_robot(const char *ip)
+{
+    Robot *current = apiRobot();
+    if (current && !current->isClosed())
+        return 0;
+
+    const QString address = QString::fromLatin1(ip ? ip : "", ip ? int(std::strlen(ip)) : 0);
+    Robot *robot = robotFor(address);
+    qrx::api::setApiRobot(robot);
+
+    if (robot->isClosed())
+        robot->restart();
+    else
+        robot->firstStart();
+
+    for (int poll = 0; poll < kConnectPolls; ++poll) {
+        if (robot->connected.load()) {
+            QString line;
+            QDebug(&line).nospace() << robot;
+            qCDebug(lcApi).noquote() << line;
+            robot->send(kPostConnectionRequest, QByteArray());
+            return robot->connected.load();
+        }
+        pauseWithEvents(kConnectPollMs);
+    }
+    robot->close();
+    return 0;
+}
+
+void disconnect_robot(void)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    if (!robot->isClosed())
+        Robot::instance()->send(kFarewell, QByteArray());
+    robot->close();
+}
+
+int connection_status(void)
+{
+    QRX_ROBOT_OR_RETURN(robot, 0);
+    return robot->connected.load();
+}
+
+void setErrorHandle(void (*handler)(const char *text))
+{
+    Robot::setErrorCallback(handler);
+}
+
+std::string show_log()
+{
+    QRX_ROBOT_OR_RETURN(robot, std::string("error"));
+    return robot->lastMessage();
+}
+
+} // extern "C"

@@ -1,0 +1,260 @@
+/*
+ * qrx_host: drive a robot controller from a host program.
+ *
+ * Call connect_robot() with the controller's IP address, then any of the
+ * functions below, and disconnect_robot() at the end. Every function returns
+ * at once when no connect_robot() was ever called ("no link").
+ *
+ * Two calling patterns:
+ *  - send: the function builds the command and hands it to the link; it
+ *    never waits for an acknowledgement.
+ *  - wait: the function sends a query and blocks the calling thread, without
+ *    a time-out, until the controller's next status reply of any kind
+ *    arrives; it then returns the value the library holds at that moment
+ *    (possibly one from an earlier reply). A host that needs a bound calls
+ *    these from a thread of its own.
+ *
+ * Arrays are caller-owned buffers of at least the length given in brackets;
+ * they are not tested for null. Names are NUL-terminated text; a null name is
+ * taken as the empty name. "robot" in a payload is the robot currently
+ * addressed (1 unless the controller selected another one).
+ *
+ * The library needs no Qt application of the host: if there is none, it runs
+ * one of its own on a thread it owns. A host that is a Qt program keeps its
+ * own application.
+ */
+#ifndef QRX_HOST_H
+#define QRX_HOST_H
+
+#ifndef __cplusplus
+#include <stdbool.h>
+#endif
+
+#if defined(_WIN32)
+#  if defined(QRX_HOST_BUILDING)
+#    define QRX_HOST_API __declspec(dllexport)
+#  else
+#    define QRX_HOST_API __declspec(dllimport)
+#  endif
+#  define QRX_HOST_CALL __cdecl
+#else
+#  define QRX_HOST_API __attribute__((visibility("default")))
+#  define QRX_HOST_CALL
+#endif
+
+/* Longest variable or position name a queue record carries, NUL included. */
+#define QRX_NAME_LEN 32
+
+#ifdef __cplusplus
+#include <string>
+extern "C" {
+#endif
+
+/* ------------------------------------------------------------------------
+ * Connection
+ * ------------------------------------------------------------------------ */
+
+/* Connects to the controller at ip (ASCII dotted address; null gives the empty
+ * address), port 6001. Returns 0 at once, sending nothing, while a link is
+ * already running or connecting. Otherwise starts the link and checks the
+ * connection five times, 1000 ms apart, keeping the calling thread's Qt events
+ * running; on success sends 0x5052 (empty) and returns 1, else closes the link
+ * and returns 0 after about five seconds. */
+QRX_HOST_API int QRX_HOST_CALL connect_robot(const char *ip);
+
+/* Sends the farewell 0x7277 (empty) unless the link is already closed, then
+ * closes the link. Does not wait. Nothing without a link. */
+QRX_HOST_API void QRX_HOST_CALL disconnect_robot(void);
+
+/* 1 while connected to the controller, 0 otherwise (0 without a link). */
+QRX_HOST_API int QRX_HOST_CALL connection_status(void);
+
+/* Registers the function that receives every error, warning and information
+ * text of the controller as NUL-terminated UTF-8 ("错误： ...", "警告： ...",
+ * "消息： ..."). It is called on the library's link thread; the text is valid
+ * during the call only. Null switches delivery off. */
+QRX_HOST_API void QRX_HOST_CALL setErrorHandle(void (*handler)(const char *text));
+
+/* ------------------------------------------------------------------------
+ * Servo, mode, coordinate system, speed, jogging
+ * ------------------------------------------------------------------------ */
+
+/* Sends 0x2001 {"robot","status":1} and 0x2301 {"deadman":1}, waits.
+ * Returns 1 when the servo state is then 1, else 0. */
+QRX_HOST_API int QRX_HOST_CALL servo_power_on(void);
+/* Sends 0x2301 {"deadman":0}, waits. */
+QRX_HOST_API void QRX_HOST_CALL servo_power_off(void);
+/* Sends 0x2001 {"robot","status":state}. Does not wait. */
+QRX_HOST_API void QRX_HOST_CALL set_servo_state(int state);
+/* The servo state last reported (3: drives running). Sends nothing. */
+QRX_HOST_API int QRX_HOST_CALL get_servo_state(void);
+/* Sends 0x3201 {"robot"}. */
+QRX_HOST_API void QRX_HOST_CALL clear_servo_error(void);
+/* Sends 0x2101 {"mode":mode} (0 teach, 1 remote, 2 run). */
+QRX_HOST_API void QRX_HOST_CALL set_current_mode(int mode);
+/* Sends 0x2102 (empty), waits, returns the operation mode. */
+QRX_HOST_API int QRX_HOST_CALL get_current_mode(void);
+/* Sends 0x2201 {"robot","coord":coord} (0 joint, 1 Cartesian, 2 tool, 3 user). */
+QRX_HOST_API void QRX_HOST_CALL set_current_coord(int coord);
+/* Sends 0x2202 {"robot"}, waits, returns the coordinate system. */
+QRX_HOST_API int QRX_HOST_CALL get_current_coord(void);
+/* Sends 0x2601 {"robot","speed"}, speed clamped to 0..103 (101-103: jog steps). */
+QRX_HOST_API void QRX_HOST_CALL set_jogging_speed(int speed);
+/* Sends 0x2602 {"robot"}, waits, returns the jog speed. */
+QRX_HOST_API int QRX_HOST_CALL get_jogging_speed(void);
+/* Axis 1..7: sends 0x2901 {"axis","direction":+1/-1} now and every 200 ms
+ * until stop_jogging(). Nothing unless the servo state is 3. */
+QRX_HOST_API void QRX_HOST_CALL start_jogging(int axis, bool direction);
+/* Stops the jog timer, sends 0x2902 {"axis"}. */
+QRX_HOST_API void QRX_HOST_CALL stop_jogging(int axis);
+/* Sends 0x3d02 {"robot"}, waits, returns the running state (2: job running). */
+QRX_HOST_API int QRX_HOST_CALL get_robot_running_state(void);
+
+/* ------------------------------------------------------------------------
+ * Motion (send only; vel, coord, acc, dec passed through unchecked)
+ * ------------------------------------------------------------------------ */
+
+/* 0x4501 {"robot","vel","coord","acc","dec","pos"[6]}. */
+QRX_HOST_API void QRX_HOST_CALL robot_movj(double *pos, int vel, int coord, int acc, int dec);
+/* 0x4502, as robot_movj. */
+QRX_HOST_API void QRX_HOST_CALL robot_movl(double *pos, int vel, int coord, int acc, int dec);
+/* 0x4503 {..., "posOne"[6], "posTwo"[6], "posThree"[6], "isFull":false}. */
+QRX_HOST_API void QRX_HOST_CALL robot_movc(double *posOne, double *posTwo, double *posThree,
+                                           int vel, int coord, int acc, int dec);
+/* 0x4503, as robot_movc with "isFull":true (full circle). */
+QRX_HOST_API void QRX_HOST_CALL robot_movca(double *posOne, double *posTwo, double *posThree,
+                                            int vel, int coord, int acc, int dec);
+/* 0x4504 {..., "pos": count arrays of 6}; "pos" left out when count <= 0. */
+QRX_HOST_API void QRX_HOST_CALL robot_movs(int count, double **pos, int vel, int coord, int acc, int dec);
+/* 0x4507, as robot_movj with pos[12] (robot and external axes). */
+QRX_HOST_API void QRX_HOST_CALL robot_extra_movj(double *pos, int vel, int coord, int acc, int dec);
+/* 0x4508 {"robot","vel","coord","pos"[12]}: no acc, no dec. */
+QRX_HOST_API void QRX_HOST_CALL robot_extra_movl(double *pos, int vel, int coord);
+/* 0x4509, as robot_movc with three positions [12] and no "isFull". */
+QRX_HOST_API void QRX_HOST_CALL robot_extra_movc(double *posOne, double *posTwo, double *posThree,
+                                                 int vel, int coord, int acc, int dec);
+
+/* ------------------------------------------------------------------------
+ * IO, positions, variables, motor figures
+ * ------------------------------------------------------------------------ */
+
+/* 0x3601 {"port","status"}. */
+QRX_HOST_API void QRX_HOST_CALL set_dout(int port, int status);
+/* 0x3607 {"port","value"}. */
+QRX_HOST_API void QRX_HOST_CALL set_aout(int port, double value);
+/* 0x3602 (empty), waits, copies the digital outputs to out[16]. */
+QRX_HOST_API void QRX_HOST_CALL get_dout(double *out);
+/* 0x3605 (empty), waits, copies the digital inputs to out[16]. */
+QRX_HOST_API void QRX_HOST_CALL get_din(double *out);
+/* 0x3608 (empty), waits, copies the analog outputs to out[16]. */
+QRX_HOST_API void QRX_HOST_CALL get_aout(double *out);
+/* 0x360a (empty), waits, copies the analog inputs to out[16]. */
+QRX_HOST_API void QRX_HOST_CALL get_ain(double *out);
+/* 0x2f07 {"robot","coord"}, waits, copies the current position to pos[6]. */
+QRX_HOST_API void QRX_HOST_CALL get_current_position(double *pos, int coord);
+/* 0x7012 {"robot","coord":0}, waits, copies the external-axis position to pos[5]. */
+QRX_HOST_API void QRX_HOST_CALL get_current_sync_position(double *pos);
+/* 0x5605 {"robot","posName"}, waits, copies the global position to out[14]. */
+QRX_HOST_API void QRX_HOST_CALL get_GPosition(const char *name, double *out);
+/* 0x5604 {"posName","coord","robot","pos"[14]}: robotAxes[7] then syncAxes[7]. */
+QRX_HOST_API void QRX_HOST_CALL set_GPosition(const char *posName, int coord, double *robotAxes, double *syncAxes);
+/* 0x560b {"varType","varName"}, waits, returns the cached value of the named
+ * global variable ("GI001", "GD002", "GB003"; others give 0.0). */
+QRX_HOST_API double QRX_HOST_CALL get_global_variant(const char *name);
+/* 0x5607 {"varType","varName","varValue"}; varType GB 1, GI 2, GD 3, other 0. */
+QRX_HOST_API void QRX_HOST_CALL set_global_variant(const char *name, double value);
+/* 0x560b {"varType","varName"}, waits, returns the value of the last global
+ * variable reply, whatever variable it named. */
+QRX_HOST_API double QRX_HOST_CALL get_global_var(const char *name);
+/* 0x2a06 {"robot"}, waits, copies the torque rows: robot [7], [7], external [5], [5]. */
+QRX_HOST_API void QRX_HOST_CALL get_motor_torque(double *robotOne, double *robotTwo, double *syncOne, double *syncTwo);
+/* 0x2a04 {"robot"}, waits, copies the speed rows: robot [7], [7], external [5], [5]. */
+QRX_HOST_API void QRX_HOST_CALL get_motor_vel(double *robotOne, double *robotTwo, double *syncOne, double *syncTwo);
+/* 0x2a0a {"robot"}, waits, copies the overload rows: robot [7], external [5]. */
+QRX_HOST_API void QRX_HOST_CALL get_motor_overload(double *robot, double *sync);
+
+/* ------------------------------------------------------------------------
+ * Jobs (names without the ".JBR" extension)
+ * ------------------------------------------------------------------------ */
+
+/* 0x3114 {"robot":1,"jobName","suffixname":".JBR"}; nothing while a job runs. */
+QRX_HOST_API void QRX_HOST_CALL open_job(const char *name);
+/* 0x2501 {"jobname","robot","line":1,"continueRun":0,"startOver":true};
+ * nothing while a job runs or with the servo off. */
+QRX_HOST_API void QRX_HOST_CALL run_job(const char *name);
+/* 0x2501 {"jobname","robot","line"}; preconditions as run_job. */
+QRX_HOST_API void QRX_HOST_CALL step_job(const char *name, int line);
+/* 0x2401 {"type":1,"robot"}. */
+QRX_HOST_API void QRX_HOST_CALL pause_job(void);
+/* 0x2503 {"robot"}. */
+QRX_HOST_API void QRX_HOST_CALL stop_job(void);
+/* Queries the mode (0x2102, waits); returns 1 when not in run mode, 2 when the
+ * servo state is not 1, else sends 0x2501 {"robot","continueRun":1,"line":1,
+ * "startOver":false} and returns 0. */
+QRX_HOST_API int QRX_HOST_CALL continue_job(void);
+/* 0x2501 {"index":1,"robot","callerName":"moveToPos","continueRun":true,
+ * "onFileRun":true,"startOver":false}. */
+QRX_HOST_API void QRX_HOST_CALL continue_run(void);
+/* 0x3111 {"robot","jobfilename","suffixname":".JBR"}. */
+QRX_HOST_API void QRX_HOST_CALL delete_job(const char *name);
+/* 0x5011 {"robot","index":count}. */
+QRX_HOST_API void QRX_HOST_CALL set_runs(int count);
+/* Sends 0x3503 {"robot"} and returns at once the running line held before
+ * this query's answer. */
+QRX_HOST_API int QRX_HOST_CALL get_job_running_lines(void);
+/* 0x3309 {"robot"}, waits, copies the cycle figures to out[7]. */
+QRX_HOST_API void QRX_HOST_CALL get_single_cycle(double *out);
+
+/* ------------------------------------------------------------------------
+ * Continuous motion
+ * ------------------------------------------------------------------------ */
+
+/* Sends 0x50b1 {"open":true/false}; when closing also 0x2101 {"mode":0}. */
+QRX_HOST_API void QRX_HOST_CALL continuous_motion_mode(int open);
+/* Sends 0x50b8 (empty). */
+QRX_HOST_API void QRX_HOST_CALL continuous_motion_start(void);
+/* Sends 0x50b7 (empty). */
+QRX_HOST_API void QRX_HOST_CALL continuous_motion_suspend(void);
+/* Sends 0x50b9 (empty). */
+QRX_HOST_API void QRX_HOST_CALL continuous_motion_stop(void);
+
+/* ------------------------------------------------------------------------
+ * Tools, user frames, calibration
+ * ------------------------------------------------------------------------ */
+
+/* 0x380a {"curToolNum","robot"}. */
+QRX_HOST_API void QRX_HOST_CALL switch_tool_hand(int toolNum);
+/* 0x380b {"robot"}, waits, returns the current tool (0: none). */
+QRX_HOST_API int QRX_HOST_CALL get_current_tool_hand(void);
+/* 0x3805 {"robot","toolNum","tool":{"x","y","z","A","B","C"}} from tool[6]. */
+QRX_HOST_API void QRX_HOST_CALL set_tool_hand_param(int toolNum, double *tool);
+/* 0x3806 {"toolNum"}, waits, copies x, y, z, A, B, C to out[6]. */
+QRX_HOST_API void QRX_HOST_CALL query_tool_hand_param(int toolNum, double *out);
+/* 0x3c08 {"robot","userNum"}, then 0x3c0a {"userNum","inquire":"Calibration"}. */
+QRX_HOST_API void QRX_HOST_CALL set_user_coord_number(int userNum);
+/* 0x7207 (empty), waits, copies the four-point data to out[9].
+ * Call it only after connect_robot(). */
+QRX_HOST_API void QRX_HOST_CALL ask_four_point(double *out);
+/* 0x7202 {"pointNum","status"}. */
+QRX_HOST_API void QRX_HOST_CALL four_point_mark(int pointNum, int status);
+/* 0x7201 {"ParamOf4Points":[first,second]}, waits, copies the result to out[5]. */
+QRX_HOST_API void QRX_HOST_CALL four_point_calculation(double first, double second, double *out);
+/* 0x7205 (empty), waits, returns the DH calculation result. */
+QRX_HOST_API bool QRX_HOST_CALL result_for_DH(void);
+/* 0x3301 {"axis","clearEncoder":false}, waits, returns whether the zero
+ * calibration succeeded. False at once (nothing sent) while the servo state is
+ * 2 or 3; true without a link. */
+QRX_HOST_API bool QRX_HOST_CALL set_axis_zero_position(int axis);
+/* 0x3307 {"axis","robot","value"[7]} with value at index axis-1; nothing when
+ * axis is not 1..6 or value is outside -360..360. */
+QRX_HOST_API void QRX_HOST_CALL set_zero_pos_shift(int axis, double value);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+/* The last error, warning or information text of the controller (UTF-8),
+ * "error" without a link. C++ callers only. */
+extern "C" QRX_HOST_API std::string QRX_HOST_CALL show_log();
+#endif
+
+#endif /* QRX_HOST_H */
