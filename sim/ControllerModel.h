@@ -1,0 +1,62 @@
+#pragma once
+// The state of the simulated controller. Handlers and tick hooks read and
+// change it on the simulator thread; tests reach it through
+// SimHandle::withModel. Each family of commands keeps its fields in its own
+// section below, so that families never step on each other.
+
+#include <QString>
+#include <QtGlobal>
+#include <json/value.h>
+#include <vector>
+
+namespace qrxsim {
+
+// Continuous motion (commands/SessionCommands.cpp): the mode, the queue of
+// instruction objects received with 0x50B4, and the run state.
+struct ContinuousMotion
+{
+    enum State { Stopped, Running, Suspended };
+    static constexpr qint64 stepMs = 100; // one queued instruction per step while running
+    bool open = false;
+    State state = Stopped;
+    std::vector<Json::Value> queue; // the "data" objects, in order
+    int executed = 0;               // instructions worked off
+    int refusedQueues = 0;          // queues received while the mode was closed
+    qint64 sinceStepMs = 0;
+};
+
+struct ControllerModel
+{
+    // ---- controller identity ---------------------------------------------
+    int robotCount = 1;    // robots driven by this controller (1..4)
+    int currentRobot = 1;  // the robot that commands address by default
+
+    // ---- status: servo, mode, coordinate, deadman, speed, test mode ------
+    // Changed by the set commands (0x2001, 0x2101, 0x2201, 0x2301, 0x2601,
+    // 0x2701) and reported back by StatusCommands.cpp.
+    int servoStatus = 0;      // 0x2003 "status" (3 = running)
+    int operationMode = 0;    // 0x2103 "mode": 0 teach, 1 remote, 2 run
+    int coordinate = 0;       // 0x2203 "coord": 0 joint, 1 Cartesian, 2 tool, 3 user
+    int deadman = 0;          // 0x2303 "deadman"
+    int speed = 10;           // 0x2603 "speed": percent, or jog-step codes 101..103
+    qint8 testMode = 0;       // 0x2703, one raw byte
+    int currentTool = 0;      // 0x380C "curToolNum"
+    int runStatus = 0;        // 0x3D03 "status"
+    double positionDeg[7] = {0.0, 0.0, 0.0, 0.0, 0.0, 0.0, 0.0}; // 0x2A03 "posDeg"
+    int configuration = 0;    // 0x2A03 "configuration"
+
+    // ---- robot reports: type, kinematic parameters, positions -------------
+
+    // ---- IO and variables -------------------------------------------------
+
+    // ---- motion -----------------------------------------------------------
+
+    // ---- session: post-connection request, farewell, continuous motion ---
+    int postConnectionRequests = 0; // 0x5052 received
+    int farewells = 0;              // 0x7277 received
+    ContinuousMotion continuous;
+
+    // ---- jobs -------------------------------------------------------------
+};
+
+} // namespace qrxsim

@@ -1,0 +1,86 @@
+#include "sim/Recorder.h"
+
+#include <QDeadlineTimer>
+#include <QMutexLocker>
+#include <algorithm>
+
+namespace qrxsim {
+
+void Recorder::append(ReceivedFrame frame)
+{
+    QMutexLocker lock(&m_mutex);
+    m_frames.append(std::move(frame));
+    m_changed.wakeAll();
+}
+
+QVector<ReceivedFrame> Recorder::frames() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_frames;
+}
+
+QVector<ReceivedFrame> Recorder::frames(quint16 command) const
+{
+    QMutexLocker lock(&m_mutex);
+    QVector<ReceivedFrame> out;
+    std::copy_if(m_frames.cbegin(), m_frames.cend(), std::back_inserter(out),
+                 [command](const ReceivedFrame &f) { return f.command == command; });
+    return out;
+}
+
+ReceivedFrame Recorder::last(quint16 command) const
+{
+    QMutexLocker lock(&m_mutex);
+    const auto it = std::find_if(m_frames.crbegin(), m_frames.crend(),
+                                 [command](const ReceivedFrame &f) { return f.command == command; });
+    return it == m_frames.crend() ? ReceivedFrame() : *it;
+}
+
+void Recorder::clear()
+{
+    QMutexLocker lock(&m_mutex);
+    m_frames.clear();
+}
+
+void Recorder::setClientCount(int count)
+{
+    QMutexLocker lock(&m_mutex);
+    m_clients = count;
+    m_changed.wakeAll();
+}
+
+int Recorder::clientCount() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_clients;
+}
+
+bool Recorder::hasFrameLocked(quint16 command) const
+{
+    return std::any_of(m_frames.cbegin(), m_frames.cend(),
+                       [command](const ReceivedFrame &f) { return f.command == command; });
+}
+
+bool Recorder::waitForFrame(quint16 command, int timeoutMs) const
+{
+    return waitUntil([this, command] { return hasFrameLocked(command); }, timeoutMs);
+}
+
+bool Recorder::waitForClient(int timeoutMs) const
+{
+    return waitUntil([this] { return m_clients > 0; }, timeoutMs);
+}
+
+bool Recorder::waitUntil(const std::function<bool()> &done, int timeoutMs) const
+{
+    QDeadlineTimer deadline(timeoutMs);
+    QMutexLocker lock(&m_mutex);
+    while (!done()) {
+        if (deadline.hasExpired())
+            return false;
+        m_changed.wait(&m_mutex, deadline);
+    }
+    return true;
+}
+
+} // namespace qrxsim

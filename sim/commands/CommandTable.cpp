@@ -1,0 +1,38 @@
+#include "sim/commands/CommandTable.h"
+
+#include "sim/commands/Families.h"
+
+namespace qrxsim {
+
+namespace {
+
+template <typename Entry>
+void append(std::vector<Entry> &to, std::vector<Entry> from)
+{
+    to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+}
+
+} // namespace
+
+std::vector<CommandEntry> commandTable()
+{
+    std::vector<CommandEntry> table;
+    append(table, heartbeatCommands());
+    append(table, sessionCommands());
+    return table;
+}
+
+std::vector<TickEntry> tickTable()
+{
+    std::vector<TickEntry> table;
+    append(table, sessionTicks());
+    return table;
+}
+
+std::vector<ConnectEntry> connectTable()
+{
+    std::vector<ConnectEntry> table;
+    return table;
+}
+
+} // namespace qrxsim

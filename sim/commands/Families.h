@@ -1,0 +1,16 @@
+#pragma once
+// The families of simulated controller behaviour. Each is defined in
+// commands/<Family>Commands.cpp and listed once in CommandTable.cpp.
+
+#include "sim/commands/CommandTable.h"
+
+namespace qrxsim {
+
+// 0x7266 heartbeat request -> 0x7267 with the same payload.
+std::vector<CommandEntry> heartbeatCommands();
+
+// Post-connection request, farewell, continuous motion.
+std::vector<CommandEntry> sessionCommands();
+std::vector<TickEntry> sessionTicks();
+
+} // namespace qrxsim

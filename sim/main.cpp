@@ -1,0 +1,96 @@
+// qrx-sim: a simulated robot controller on the controller's frame port.
+
+#include "sim/Simulator.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QHostAddress>
+#include <QSocketNotifier>
+#include <QTextStream>
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+int g_signalPipe[2] = {-1, -1};
+
+void onSignal(int)
+{
+    const char byte = 1;
+    // Only async-signal-safe work here: the event loop reads the pipe.
+    [[maybe_unused]] const ssize_t written = ::write(g_signalPipe[1], &byte, 1);
+}
+
+// Ctrl-C and SIGTERM end the event loop, so the simulator closes its
+// clients and its port before the process exits.
+void quitOnSignals(QCoreApplication &app)
+{
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) != 0)
+        return;
+    auto *notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, &app);
+    QObject::connect(notifier, &QSocketNotifier::activated, &app, [&app] { app.quit(); });
+    struct sigaction action = {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("qrx-sim"));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "A simulated robot controller for qrx_host.\n"
+        "It listens for host programs on the controller's frame port, answers their\n"
+        "heartbeats (0x7266 -> 0x7267), can send heartbeats of its own, and answers\n"
+        "the commands it knows from its command tables. Stop it with Ctrl-C."));
+    parser.addHelpOption();
+    const QCommandLineOption addressOption(QStringLiteral("address"),
+                                           QStringLiteral("Address to listen on (default 127.0.0.1)."),
+                                           QStringLiteral("A"), QStringLiteral("127.0.0.1"));
+    const QCommandLineOption portOption(QStringLiteral("port"),
+                                        QStringLiteral("Port to listen on (default 6001)."),
+                                        QStringLiteral("P"), QStringLiteral("6001"));
+    const QCommandLineOption heartbeatOption(
+        QStringLiteral("heartbeat"),
+        QStringLiteral("Send the controller heartbeat 0x7266 {\"time\":N} every MS milliseconds "
+                       "(default 0: off)."),
+        QStringLiteral("MS"), QStringLiteral("0"));
+    const QCommandLineOption verboseOption(QStringLiteral("verbose"),
+                                           QStringLiteral("Print one line per frame received or sent."));
+    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption});
+    parser.process(app);
+
+    QTextStream err(stderr);
+    const QHostAddress address(parser.value(addressOption));
+    bool portOk = false;
+    const uint port = parser.value(portOption).toUInt(&portOk);
+    bool heartbeatOk = false;
+    const int heartbeat = parser.value(heartbeatOption).toInt(&heartbeatOk);
+    if (address.isNull() || !portOk || port > 0xFFFF || !heartbeatOk || heartbeat < 0) {
+        err << "qrx-sim: bad --address, --port or --heartbeat value; see --help\n";
+        return 2;
+    }
+
+    qSetMessagePattern(QStringLiteral("%{message}"));
+    qrxsim::Simulator simulator;
+    simulator.setVerbose(parser.isSet(verboseOption));
+    if (!simulator.listen(address, quint16(port)))
+        return 1;
+    simulator.setControllerHeartbeat(heartbeat);
+    quitOnSignals(app);
+
+    QTextStream out(stdout);
+    out << "qrx-sim listening on " << address.toString() << ':' << simulator.port() << Qt::endl;
+
+    const int code = app.exec();
+    simulator.shutdown();
+    return code;
+}
