@@ -1,0 +1,65 @@
+#pragma once
+// The controller link: one TCP connection to the controller (port 6001),
+// kept alive by a heartbeat, watched by a receive time-out and reconnected
+// by itself after a loss. It runs in a thread of its own
+// (TcpConnectModulePrivate); received frames reach the dispatcher
+// onReceivedData() in that thread, and the notifications of LinkNotifications
+// leave from there.
+//
+//   TcpConnectModule link("192.168.1.13", 6001, 300000);
+//   link.start();                     // first attempt after timeBase/180 ms
+//   link.sendData(0x2002, payload);   // false while the link is down
+//
+// timeBase sets both timers: the check every timeBase/180 ms and the
+// time-out check every timeBase/150 ms (1666 ms and 2000 ms for 300000).
+// connectSucceed(1) is emitted on every connect, connectSucceed(0) on every
+// loss (twice when the socket drops, as the controller software always did).
+
+#include "link/LinkSenders.h"
+
+#include <QDateTime>
+#include <QSharedPointer>
+#include <QString>
+
+class TcpConnectModulePrivate;
+
+class TcpConnectModule : public LinkSenders
+{
+    Q_OBJECT
+public:
+    TcpConnectModule(QString ip, quint16 port, int timeBase, QObject *parent = nullptr);
+    // Quits and joins the link thread, also while a connect attempt waits.
+    ~TcpConnectModule() override;
+
+    // Starts the link thread; returns once its timers run.
+    void start();
+
+    // Frames the payload and writes it if the link is up; false, and nothing
+    // written, when it is down or the payload is longer than 65535 bytes.
+    // Callable from any thread: the write is queued into the link thread.
+    bool sendData(quint16 command, QByteArray payload) override;
+    // Writes bytes that are already framed, under the same conditions.
+    bool sendBytes(QByteArray frame);
+
+    // Closes the current connection; the next check connects to ip.
+    void resetIp(QString ip);
+    // Manual stop: no reconnect until startConnect().
+    void stopConnect();
+    // Manual start: connects at once.
+    void startConnect();
+    // Emits connectSucceed(connected) and returns it.
+    bool connectStatus();
+    bool isStopped() const;
+
+    // When the link was last seen alive (connect, heartbeat answer or any
+    // message other than a heartbeat request).
+    QDateTime lastReceiveTime() const;
+
+public Q_SLOTS:
+    void setLastPingTime(QDateTime rectime);
+    // Re-emits the link thread's status from the façade.
+    bool onConnectSucceed(int status);
+
+private:
+    QSharedPointer<TcpConnectModulePrivate> d;
+};
