@@ -1,0 +1,89 @@
+#include "robot/JsonRead.h"
+
+#include <cmath>
+#include <limits>
+
+namespace qrx {
+
+namespace {
+
+const Json::Value &member(const Json::Value &object, const char *key)
+{
+    static const Json::Value null;
+    if (!object.isObject())
+        return null;
+    const Json::Value *found = object.find(key, key + std::char_traits<char>::length(key));
+    return found ? *found : null;
+}
+
+} // namespace
+
+double jsonRealValue(const Json::Value &value)
+{
+    if (value.isBool())
+        return value.asBool() ? 1.0 : 0.0;
+    if (value.isNumeric())
+        return value.asDouble();
+    return 0.0;
+}
+
+int jsonNumber(const Json::Value &value)
+{
+    if (value.isInt())
+        return value.asInt();
+    if (value.isBool())
+        return value.asBool() ? 1 : 0;
+    if (!value.isNumeric())
+        return 0;
+    const double real = value.asDouble();
+    if (std::isnan(real))
+        return 0;
+    if (real >= double(std::numeric_limits<int>::max()))
+        return std::numeric_limits<int>::max();
+    if (real <= double(std::numeric_limits<int>::min()))
+        return std::numeric_limits<int>::min();
+    return int(real);
+}
+
+int jsonInt(const Json::Value &object, const char *key)
+{
+    return jsonNumber(member(object, key));
+}
+
+double jsonReal(const Json::Value &object, const char *key)
+{
+    return jsonRealValue(member(object, key));
+}
+
+bool jsonBool(const Json::Value &object, const char *key)
+{
+    const Json::Value &value = member(object, key);
+    if (value.isBool())
+        return value.asBool();
+    return jsonNumber(value) != 0;
+}
+
+QString jsonString(const Json::Value &object, const char *key)
+{
+    const Json::Value &value = member(object, key);
+    if (!value.isString())
+        return QString();
+    const char *begin = nullptr;
+    const char *end = nullptr;
+    value.getString(&begin, &end);
+    return QString::fromUtf8(begin, int(end - begin));
+}
+
+int jsonReals(const Json::Value &object, const char *key, double *out, int n)
+{
+    const Json::Value &array = member(object, key);
+    if (!array.isArray())
+        return 0;
+    const Json::ArrayIndex size = array.size();
+    int copied = 0;
+    for (Json::ArrayIndex i = 0; i < size && copied < n; ++i)
+        out[copied++] = jsonRealValue(array[i]);
+    return copied;
+}
+
+} // namespace qrx

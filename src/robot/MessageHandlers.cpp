@@ -1,0 +1,104 @@
+// Errors, warnings and information from the controller (0x2B03, 0x2B04,
+// 0x2B05 {"data", "type"}).
+//
+// Each message's "data" text goes, behind its prefix, to the host's error
+// callback (called here, on the link thread, with NUL-terminated UTF-8 that
+// is valid only during the call) and is kept without the prefix as the last
+// message. An error of type 0x6010 whose text begins with the name of the
+// current robot ("机器人1" .. "机器人4") is that robot's servo error.
+// None of these handlers wakes a waiting request: a message alone does not
+// answer a query.
+
+#include "robot/Robot.h"
+
+#include "common/Payload.h"
+#include "robot/JsonRead.h"
+
+#include <QCoreApplication>
+#include <QDateTime>
+
+#include <atomic>
+
+namespace {
+
+std::atomic<Robot::ErrorCallback> s_errorCallback{nullptr};
+
+constexpr int kServoErrorType = 0x6010;
+
+const char *const kRobotNames[] = {
+    QT_TRANSLATE_NOOP("Robot", "机器人1"),
+    QT_TRANSLATE_NOOP("Robot", "机器人2"),
+    QT_TRANSLATE_NOOP("Robot", "机器人3"),
+    QT_TRANSLATE_NOOP("Robot", "机器人4"),
+};
+
+} // namespace
+
+namespace qrx {
+
+void storeErrorCallback(Robot::ErrorCallback callback)
+{
+    s_errorCallback.store(callback);
+}
+
+} // namespace qrx
+
+bool Robot::deliverMessage(const char *prefix, const QByteArray &payload, QString *data, int *type,
+                           bool *hasType)
+{
+    Json::Value root;
+    if (!qrx::parsePayload(payload, root) || !root.isObject() || !root.isMember("data"))
+        return false;
+    *data = qrx::jsonString(root, "data");
+    *hasType = root.isMember("type");
+    *type = qrx::jsonInt(root, "type");
+
+    const QString text = QCoreApplication::translate("Robot", prefix) + *data;
+    if (const ErrorCallback callback = s_errorCallback.load()) {
+        const QByteArray utf8 = text.toUtf8(); // NUL-terminated, alive during the call
+        callback(utf8.constData());
+    }
+    storeMessage(data->toStdString());
+    return true;
+}
+
+void Robot::robot_net_slot_errProcess(const QByteArray &payload)
+{
+    QString data;
+    int type = 0;
+    bool hasType = false;
+    if (!deliverMessage(QT_TRANSLATE_NOOP("Robot", "错误： "), payload, &data, &type, &hasType))
+        return;
+    // The time of the error; kept for a log sink, not handed over.
+    const QString when = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
+    Q_UNUSED(when);
+    if (!hasType)
+        return;
+    const QString code = QCoreApplication::translate("Robot", "错误代码: 0x") + QString::number(uint(type), 16);
+    if (code != QCoreApplication::translate("Robot", "错误代码: 0x") + QString::number(kServoErrorType, 16))
+        return;
+    const QString head = data.left(4);
+    for (int robot = 1; robot <= 4; ++robot) {
+        if (head == QCoreApplication::translate("Robot", kRobotNames[robot - 1])) {
+            if (robot == currentRobot())
+                emit robot_servo_err_info(data);
+            return;
+        }
+    }
+}
+
+void Robot::robot_net_slot_warnProcess(const QByteArray &payload)
+{
+    QString data;
+    int type = 0;
+    bool hasType = false;
+    deliverMessage(QT_TRANSLATE_NOOP("Robot", "警告： "), payload, &data, &type, &hasType);
+}
+
+void Robot::robot_net_slot_infoProcess(const QByteArray &payload)
+{
+    QString data;
+    int type = 0;
+    bool hasType = false;
+    deliverMessage(QT_TRANSLATE_NOOP("Robot", "消息： "), payload, &data, &type, &hasType);
+}

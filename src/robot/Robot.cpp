@@ -1,0 +1,181 @@
+#include "robot/Robot.h"
+
+#include "common/Logging.h"
+#include "link/TcpConnectModule.h"
+#include "robot/RobotWiring.h"
+
+#include <QAbstractEventDispatcher>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QMutexLocker>
+#include <QThread>
+#include <QTimer>
+
+namespace {
+
+constexpr quint16 kControllerPort = 6001;
+constexpr quint16 kSetOperationMode = 0x2101;
+constexpr int kJogPeriodMs = 200;
+
+QMutex s_instanceMutex;
+Robot *s_instance = nullptr;
+std::atomic<int> s_linkTimeBase{300000};
+std::atomic<bool> s_forceModeNotification{false};
+
+} // namespace
+
+// The host's error callback lives beside the message handlers.
+namespace qrx {
+void storeErrorCallback(Robot::ErrorCallback callback);
+}
+
+Robot *Robot::instance(const QString &ip)
+{
+    QMutexLocker lock(&s_instanceMutex);
+    if (!s_instance)
+        s_instance = new Robot(ip);
+    return s_instance;
+}
+
+Robot *Robot::instance()
+{
+    return instance(QString());
+}
+
+void Robot::setLinkTimeBase(int timeBase)
+{
+    s_linkTimeBase.store(timeBase);
+}
+
+int Robot::linkTimeBase()
+{
+    return s_linkTimeBase.load();
+}
+
+void Robot::setErrorCallback(ErrorCallback callback)
+{
+    qrx::storeErrorCallback(callback);
+}
+
+void Robot::forceModeNotification()
+{
+    s_forceModeNotification.store(true);
+}
+
+bool Robot::takeForceModeNotification()
+{
+    return s_forceModeNotification.exchange(false);
+}
+
+Robot::Robot(const QString &ip, QObject *parent)
+    : QObject(parent)
+{
+    qrx::registerLinkMetaTypes();
+    qrx::registerRobotTypeMetaType();
+    qRegisterMetaType<QVector<double>>("QVector<double>");
+    qRegisterMetaType<schar>("schar");
+
+    m_link = new TcpConnectModule(ip, kControllerPort, s_linkTimeBase.load());
+    m_link->setParent(this);
+    m_link->setCurrentRobotSource([this] { return currentRobot(); });
+    qrx::wireRobot(m_link, this);
+
+    jogTimer = new QTimer(this);
+    jogTimer->setInterval(kJogPeriodMs);
+}
+
+Robot::~Robot()
+{
+    QMutexLocker lock(&s_instanceMutex);
+    if (s_instance == this)
+        s_instance = nullptr;
+}
+
+TcpConnectModule *Robot::link() const
+{
+    return m_link;
+}
+
+bool Robot::send(quint16 command, const QByteArray &payload)
+{
+    if (command == kSetOperationMode) {
+        replyFlag.store(0);
+        lastRequestTime = QDateTime::currentDateTime();
+    }
+    return m_link->sendData(command, payload);
+}
+
+void Robot::firstStart()
+{
+    setReady(true);
+    m_link->start();
+}
+
+void Robot::restart()
+{
+    // startConnect() writes the "手动开始" line itself.
+    setReady(true);
+    forceModeNotification();
+    m_link->startConnect();
+}
+
+void Robot::close()
+{
+    m_link->stopConnect();
+    setReady(false);
+    QMutexLocker lock(&s_instanceMutex);
+    if (s_instance == this)
+        s_instance = nullptr;
+}
+
+bool Robot::isClosed() const
+{
+    return m_link->isStopped();
+}
+
+int Robot::currentRobot() const
+{
+    const int override = m_overrideRobot.load();
+    return override != 0 ? override : m_defaultRobot.load();
+}
+
+void Robot::setCurrentRobot(int robot)
+{
+    m_overrideRobot.store(robot);
+    m_defaultRobot.store(robot);
+}
+
+std::string Robot::lastMessage() const
+{
+    QMutexLocker lock(&m_messageMutex);
+    return m_lastMessage;
+}
+
+void Robot::storeMessage(const std::string &text)
+{
+    QMutexLocker lock(&m_messageMutex);
+    m_lastMessage = text;
+}
+
+void Robot::wakeWaiters()
+{
+    replyMutex.lock();
+    replyCondition.wakeAll();
+    replyMutex.unlock();
+}
+
+void Robot::waitingPause(int ms)
+{
+    QElapsedTimer clock;
+    clock.start();
+    for (qint64 left = ms; left > 0; left = ms - clock.elapsed()) {
+        const int slice = int(qMin<qint64>(left, 100));
+        if (!QAbstractEventDispatcher::instance()) {
+            QThread::msleep(ulong(slice));
+            continue;
+        }
+        QEventLoop loop;
+        QTimer::singleShot(slice, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+}
