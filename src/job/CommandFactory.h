@@ -1,0 +1,25 @@
+#pragma once
+// Creation of instructions by type code. The table of classes and their
+// type codes is in CommandFactory.cpp.
+
+#include "job/Command.h"
+
+#include <json/value.h>
+#include <memory>
+
+namespace qrx {
+
+// A new instruction of that type code with its defaults, or null for the
+// codes that create nothing: 0, 29, 31 (the NOP/END brackets), 36, 38, 69,
+// 100, 114 and every code outside 1-219.
+std::unique_ptr<Command> newCommand(int type);
+
+// The instruction that a JSON object describes: "type" selects the class,
+// then the object reads itself with fromJson(json, table). Null for the
+// codes that create nothing (the caller skips them).
+std::unique_ptr<Command> createCommand(const Json::Value &json, PositionTable *table);
+
+// The class name of a type code ("MoveCommand"), or null.
+const char *commandClassName(int type);
+
+} // namespace qrx

@@ -1,0 +1,135 @@
+#pragma once
+// The JSON keys of an instruction family, each bound to the member that
+// holds it, in the order the family writes them. One table per class drives
+// its toJson and fromJson.
+
+#include "job/Command.h"
+#include "job/Condition.h"
+#include "job/JsonRead.h"
+#include "job/ParaCommand.h"
+#include "job/RobotPos.h"
+
+#include <initializer_list>
+#include <memory>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+namespace qrx {
+
+template <class C>
+struct Field
+{
+    using Member = std::variant<int C::*, double C::*, bool C::*, std::string C::*, Json::Value C::*,
+                                std::unique_ptr<ParaVCommand> C::*, std::unique_ptr<ParaAccCommand> C::*,
+                                std::unique_ptr<ParaDecCommand> C::*, std::unique_ptr<ParaPlCommand> C::*,
+                                std::unique_ptr<ParaTimeCommand> C::*, std::unique_ptr<ParaSpinCommand> C::*,
+                                std::unique_ptr<ParaSyncCommand> C::*, CommandConditionFINAL C::*,
+                                PositionRef C::*>;
+
+    template <class M>
+    Field(const char *key, M C::*member)
+        : key(key), member(member)
+    {
+    }
+    // A parameter object that falls back to the flat key of the older form
+    // when its own key is missing.
+    template <class M>
+    Field(const char *key, const char *flatKey, M C::*member)
+        : key(key), flatKey(flatKey), member(member)
+    {
+    }
+
+    const char *key;
+    const char *flatKey = nullptr;
+    Member member;
+};
+
+template <class C>
+using FieldList = std::vector<Field<C>>;
+
+namespace detail {
+
+template <class T>
+struct IsUniquePtr : std::false_type {};
+template <class T>
+struct IsUniquePtr<std::unique_ptr<T>> : std::true_type {};
+
+template <class C>
+void writeFields(const C &object, const FieldList<C> &fields, Json::Value &json)
+{
+    for (const Field<C> &field : fields) {
+        std::visit([&](auto member) {
+            using M = std::decay_t<decltype(object.*member)>;
+            const M &value = object.*member;
+            if constexpr (IsUniquePtr<M>::value)
+                json[field.key] = value ? value->toJson() : Json::Value();
+            else if constexpr (std::is_same_v<M, CommandConditionFINAL> || std::is_same_v<M, PositionRef>)
+                json[field.key] = value.toJson();
+            else
+                json[field.key] = value;
+        }, field.member);
+    }
+}
+
+template <class C>
+void readFields(C &object, const FieldList<C> &fields, const Json::Value &json, PositionTable *table)
+{
+    using namespace jsonread;
+    for (const Field<C> &field : fields) {
+        const Json::Value &value = member(json, field.key);
+        std::visit([&](auto memberPtr) {
+            auto &target = object.*memberPtr;
+            using M = std::decay_t<decltype(target)>;
+            if constexpr (std::is_same_v<M, int>) {
+                target = toInt(value);
+            } else if constexpr (std::is_same_v<M, double>) {
+                target = toDouble(value);
+            } else if constexpr (std::is_same_v<M, bool>) {
+                target = toBool(value);
+            } else if constexpr (std::is_same_v<M, std::string>) {
+                target = jsonread::toString(value);
+            } else if constexpr (std::is_same_v<M, Json::Value>) {
+                target = value;
+            } else if constexpr (IsUniquePtr<M>::value) {
+                target = std::make_unique<typename M::element_type>();
+                if (value.isObject()) {
+                    target->fromJson(value);
+                } else if (field.flatKey) {
+                    target->data = readDouble(json, field.flatKey);
+                }
+            } else if constexpr (std::is_same_v<M, CommandConditionFINAL>) {
+                target.fromJson(value);
+            } else {
+                static_assert(std::is_same_v<M, PositionRef>);
+                target.fromJson(value, table);
+            }
+        }, field.member);
+    }
+}
+
+} // namespace detail
+
+// Implements toJson and fromJson of Derived from Derived::fields(), after
+// those of Base (Command, or TimerCommand for WaitCommand).
+template <class Derived, class Base = Command>
+class FieldCommand : public Base
+{
+public:
+    using Base::Base;
+
+    Json::Value toJson() const override
+    {
+        Json::Value json = Base::toJson();
+        detail::writeFields(static_cast<const Derived &>(*this), Derived::fields(), json);
+        return json;
+    }
+
+    void fromJson(const Json::Value &json, PositionTable *table) override
+    {
+        Base::fromJson(json, table);
+        detail::readFields(static_cast<Derived &>(*this), Derived::fields(), json, table);
+    }
+};
+
+} // namespace qrx

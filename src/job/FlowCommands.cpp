@@ -1,0 +1,308 @@
+#include "job/FlowCommands.h"
+
+#include "job/RenderHelpers.h"
+
+namespace qrx {
+
+using namespace render;
+
+// --- TIMER, WAIT ---------------------------------------------------------
+
+TimerCommand::TimerCommand(int type)
+    : FieldCommand(type), paraTime(std::make_unique<ParaTimeCommand>())
+{
+}
+
+const FieldList<TimerCommand> &TimerCommand::fields()
+{
+    using C = TimerCommand;
+    static const FieldList<C> list = {
+        {"duration", &C::duration}, {"desType", &C::desType}, {"desValue", &C::desValue},
+        {"paraTime", &C::paraTime},
+    };
+    return list;
+}
+
+std::string TimerCommand::durationText() const
+{
+    return desType == 0 ? num(duration) : desValue;
+}
+
+std::string TimerCommand::toString() const
+{
+    if (type != 7)
+        return withTail(kUnknownCommandText);
+    return withTail("TIMER T = " + durationText());
+}
+
+const FieldList<WaitCommand> &WaitCommand::fields()
+{
+    using C = WaitCommand;
+    static const FieldList<C> list = {
+        {"waitConditionFinal", &C::waitConditionFinal}, {"now", &C::now},
+        {"m_filterTime", &C::m_filterTime},
+    };
+    return list;
+}
+
+std::string WaitCommand::toString() const
+{
+    if (type != 8)
+        return withTail(kUnknownCommandText);
+    return withTail("WAIT " + waitConditionFinal.toString() + "  T = " + durationText() + "  F = "
+                    + num(m_filterTime) + " NOW = " + num(now));
+}
+
+// --- blocks ----------------------------------------------------------------
+
+const FieldList<IFCommand> &IFCommand::fields()
+{
+    static const FieldList<IFCommand> list = {{"ifconditionArrayFINAL", &IFCommand::ifconditionArrayFINAL}};
+    return list;
+}
+
+std::string IFCommand::toString() const
+{
+    switch (type) {
+    case 9: return withTail("IF " + ifconditionArrayFINAL.toString());
+    case 10: return withTail("ELSE");
+    case 11: return withTail("ELSEIF " + ifconditionArrayFINAL.toString());
+    case 12: return withTail("ENDIF");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<WHILECommand> &WHILECommand::fields()
+{
+    static const FieldList<WHILECommand> list = {
+        {"whileconditionArrayFINAL", &WHILECommand::whileconditionArrayFINAL}};
+    return list;
+}
+
+std::string WHILECommand::toString() const
+{
+    switch (type) {
+    case 13: return withTail("WHILE " + whileconditionArrayFINAL.toString());
+    case 14: return withTail("ENDWHILE");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<UNTILCommand> &UNTILCommand::fields()
+{
+    static const FieldList<UNTILCommand> list = {
+        {"untilconditionArrayFINAL", &UNTILCommand::untilconditionArrayFINAL}};
+    return list;
+}
+
+std::string UNTILCommand::toString() const
+{
+    switch (type) {
+    case 87: return withTail("UNTIL " + untilconditionArrayFINAL.toString());
+    case 88: return withTail("ENDUNTIL");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<JUMPCommand> &JUMPCommand::fields()
+{
+    using C = JUMPCommand;
+    static const FieldList<C> list = {
+        {"label", &C::label}, {"jumpConditionFlag", &C::jumpConditionFlag},
+        {"jumpCondition", &C::jumpCondition},
+    };
+    return list;
+}
+
+std::string JUMPCommand::toString() const
+{
+    switch (type) {
+    case 52: {
+        std::string line = "JUMP " + label;
+        if (jumpConditionFlag)
+            line += "  WHEN " + jumpCondition.toString();
+        return withTail(line);
+    }
+    case 53: return withTail("LABEL " + label);
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+// --- calls and threads -------------------------------------------------------
+
+const FieldList<CallCommand> &CallCommand::fields()
+{
+    static const FieldList<CallCommand> list = {
+        {"lineNoToCall", &CallCommand::lineNoToCall}, {"jobName", &CallCommand::jobName}};
+    return list;
+}
+
+std::string CallCommand::toString() const
+{
+    if (type != 15)
+        return withTail(kUnknownCommandText);
+    return withTail("CALL [$" + jobName + "$]");
+}
+
+const FieldList<Call_luafileCommand> &Call_luafileCommand::fields()
+{
+    static const FieldList<Call_luafileCommand> list = {
+        {"luafileName", &Call_luafileCommand::luafileName}};
+    return list;
+}
+
+std::string Call_luafileCommand::toString() const
+{
+    if (type != 215)
+        return withTail(kUnknownCommandText);
+    return withTail("CALL_LUAFILE [$" + luafileName + "$]");
+}
+
+const FieldList<PTHREADCommand> &PTHREADCommand::fields()
+{
+    using C = PTHREADCommand;
+    static const FieldList<C> list = {
+        {"jobName", &C::jobName}, {"localOrGlobal", &C::localOrGlobal},
+        {"m_VariableValue", &C::m_VariableValue},
+    };
+    return list;
+}
+
+std::string PTHREADCommand::toString() const
+{
+    const bool global = localOrGlobal != 0;
+    switch (type) {
+    case 90: return withTail("PTHREAD_START [$" + jobName + (global ? "$] GLOBAL" : "$] LOCAL"));
+    case 91: return withTail("PTHREAD_END [$" + jobName + (global ? "$] GLOBAL" : "$] LOCAL"));
+    case 114: return withTail("PTHREAD_ENDALL");
+    case 209:
+        if (jobName.empty())
+            return withTail(std::string("PTHREAD_STATE ") + " MainProgram " + m_VariableValue);
+        return withTail("PTHREAD_STATE [$" + jobName + (global ? "$] GLOBAL " : "$] LOCAL ") + m_VariableValue);
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<PROGRAMRUNCommand> &PROGRAMRUNCommand::fields()
+{
+    static const FieldList<PROGRAMRUNCommand> list = {
+        {"programtype", &PROGRAMRUNCommand::programtype}, {"jobname", &PROGRAMRUNCommand::jobname}};
+    return list;
+}
+
+std::string PROGRAMRUNCommand::toString() const
+{
+    switch (type) {
+    case 111: return withTail("STOPRUN");
+    case 112: return withTail("RESTARTRUN");
+    case 113:
+        if (programtype == 1)
+            return withTail("PAUSERUN ALL");
+        if (programtype == 2)
+            return withTail("PAUSERUN MAIN");
+        return withTail("PAUSERUN " + jobname);
+    case 119:
+        if (programtype == 2)
+            return withTail("CONTINUERUN MAIN");
+        return withTail("CONTINUERUN " + jobname);
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+// --- statements ----------------------------------------------------------------
+
+const FieldList<SysSettingCommand> &SysSettingCommand::fields()
+{
+    using C = SysSettingCommand;
+    static const FieldList<C> list = {
+        {"speedType", &C::speedType}, {"D_speed", &C::D_speed}, {"S_speed", &C::S_speed},
+        {"sUnit", &C::sUnit},
+    };
+    return list;
+}
+
+std::string SysSettingCommand::toString() const
+{
+    if (type != 30)
+        return withTail(kUnknownCommandText);
+    return withTail("SPEED = " + num(speedType == 0 ? D_speed : S_speed) + speedUnitText(sUnit));
+}
+
+const FieldList<CRAFTLINECommand> &CRAFTLINECommand::fields()
+{
+    static const FieldList<CRAFTLINECommand> list = {{"line", &CRAFTLINECommand::line}};
+    return list;
+}
+
+std::string CRAFTLINECommand::toString() const
+{
+    if (type != 89)
+        return withTail(kUnknownCommandText);
+    return withTail("CRAFTLINE " + num(line));
+}
+
+const FieldList<CMDNOTECommand> &CMDNOTECommand::fields()
+{
+    static const FieldList<CMDNOTECommand> list = {{"note", &CMDNOTECommand::note}};
+    return list;
+}
+
+std::string CMDNOTECommand::toString() const
+{
+    if (type != 127)
+        return withTail(kUnknownCommandText);
+    return withTail("#" + note);
+}
+
+const FieldList<USERDEFINECommand> &USERDEFINECommand::fields()
+{
+    static const FieldList<USERDEFINECommand> list = {{"id", &USERDEFINECommand::id}};
+    return list;
+}
+
+std::string USERDEFINECommand::toString() const
+{
+    if (type != 171)
+        return withTail(kUnknownCommandText);
+    return withTail(std::string("USERDEFINE ") + "ID = " + num(id));
+}
+
+const FieldList<WINDOWCommand> &WINDOWCommand::fields()
+{
+    using C = WINDOWCommand;
+    static const FieldList<C> list = {
+        {"text1", &C::text1}, {"text2", &C::text2}, {"text3", &C::text3}, {"text4", &C::text4},
+        {"variable", &C::variable}, {"count", &C::count}, {"value1", &C::value1},
+        {"value2", &C::value2}, {"value3", &C::value3},
+    };
+    return list;
+}
+
+std::string WINDOWCommand::toString() const
+{
+    if (type != 208)
+        return withTail(kUnknownCommandText);
+    std::string line = "WINDOW [$" + text1 + "$] " + variable + " " + num(count);
+    const std::string *texts[] = {&text2, &text3, &text4};
+    const int values[] = {value1, value2, value3};
+    for (int i = 0; i < count && i < 3; ++i)
+        line += " [$" + *texts[i] + "$] " + num(values[i]);
+    return withTail(line);
+}
+
+const FieldList<PRINTMSGCommand> &PRINTMSGCommand::fields()
+{
+    static const FieldList<PRINTMSGCommand> list = {
+        {"printChar", &PRINTMSGCommand::printChar}, {"printType", &PRINTMSGCommand::printType}};
+    return list;
+}
+
+std::string PRINTMSGCommand::toString() const
+{
+    const char *word = pick(printType, {{0, "PRINTMSG 0 "}, {1, "PRINTMSG 1 "}, {2, "PRINTMSG 2 "}});
+    if (type != 120 || !word)
+        return withTail(kUnknownCommandText);
+    return withTail(word + printChar);
+}
+
+} // namespace qrx

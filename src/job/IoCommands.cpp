@@ -1,0 +1,261 @@
+#include "job/IoCommands.h"
+
+#include "job/RenderHelpers.h"
+
+namespace qrx {
+
+using namespace render;
+
+const FieldList<IOCommand> &IOCommand::fields()
+{
+    using C = IOCommand;
+    static const FieldList<C> list = {
+        {"ParaGroup", &C::ParaGroup}, {"group", &C::group}, {"groupValue", &C::groupValue},
+        {"groupType", &C::groupType}, {"portId", &C::portId}, {"portValue", &C::portValue},
+        {"valueIsVariant", &C::valueIsVariant}, {"varName", &C::varName}, {"varType", &C::varType},
+        {"rate", &C::rate}, {"sum", &C::sum}, {"time", &C::time}, {"errorHanding", &C::errorHanding},
+    };
+    return list;
+}
+
+std::string IOCommand::toString() const
+{
+    const std::string port = group != 0 ? "(" + num(portId) + ")" : num(portId);
+    const std::string value = valueIsVariant ? varName : num(group != 0 ? groupValue : portValue);
+    switch (type) {
+    case 16: return withTail("DOUT " + port + " " + value);
+    case 17: return withTail("DIN " + varName + " " + port);
+    case 99: return withTail("READ_DOUT " + varName + " " + port);
+    case 20: return withTail("AIN " + varName + " AIN" + num(portId));
+    case 21: return withTail("AOUT AOUT" + num(portId) + " " + value);
+    case 22:
+        return withTail("PULSEOUT RATE = " + num(rate) + " SUM = " + num(sum) + " T = " + num(time) + " " + port);
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<AITOCommand> &AITOCommand::fields()
+{
+    using C = AITOCommand;
+    static const FieldList<C> list = {
+        {"ain", &C::ain}, {"aout", &C::aout}, {"para1", &C::para1}, {"para2", &C::para2},
+        {"para3", &C::para3},
+    };
+    return list;
+}
+
+std::string AITOCommand::toString() const
+{
+    switch (type) {
+    case 18:
+        return withTail("AITOON AIN" + num(ain) + " AOUT" + num(aout) + " " + num(para1) + " " + num(para2)
+                        + " " + num(para3));
+    case 19: return withTail("AITOOFF");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<VARCommand> &VARCommand::fields()
+{
+    using C = VARCommand;
+    static const FieldList<C> list = {
+        {"key", &C::key}, {"intValue", &C::intValue}, {"doubleValue", &C::doubleValue},
+        {"boolValue", &C::boolValue}, {"varType", &C::varType}, {"strValue", &C::strValue},
+    };
+    return list;
+}
+
+bool VARCommand::isDeclaration() const
+{
+    return type == 35 || type == 37 || type == 39;
+}
+
+std::string VARCommand::toString() const
+{
+    const char *word = pick(type, {{35, "INT "}, {37, "DOUBLE "}, {39, "BOOLEAN "}, {40, "SETINT "},
+                                   {41, "SETDOUBLE "}, {42, "SETBOOL "}});
+    if (!word)
+        return withTail(kUnknownCommandText);
+    return withTail(word + key + " = " + strValue);
+}
+
+const FieldList<FORCESETCommand> &FORCESETCommand::fields()
+{
+    static const FieldList<FORCESETCommand> list = {
+        {"gVarName", &FORCESETCommand::gVarName}, {"gVarType", &FORCESETCommand::gVarType}};
+    return list;
+}
+
+std::string FORCESETCommand::toString() const
+{
+    if (type != 43)
+        return withTail(kUnknownCommandText);
+    return withTail("FORCESET " + gVarName);
+}
+
+const FieldList<OPCommand> &OPCommand::fields()
+{
+    using C = OPCommand;
+    static const FieldList<C> list = {
+        {"key", &C::key}, {"desType", &C::desType}, {"desValue", &C::desValue},
+        {"paraSourceGroup", &C::paraSourceGroup}, {"paraValueGroup", &C::paraValueGroup},
+    };
+    return list;
+}
+
+std::string OPCommand::toString() const
+{
+    const char *word = pick(type, {{44, "ADD "}, {45, "SUB "}, {46, "MUL "}, {47, "DIV "}, {48, "MOD "},
+                                   {102, "SIN "}, {103, "COS "}, {104, "ATAN "}});
+    if (!word)
+        return withTail(kUnknownCommandText);
+    return withTail(word + key + " " + desValue);
+}
+
+const FieldList<LOGICAL_OPCommand> &LOGICAL_OPCommand::fields()
+{
+    using C = LOGICAL_OPCommand;
+    static const FieldList<C> list = {
+        {"answerType", &C::answerType}, {"answerName", &C::answerName}, {"firstType", &C::firstType},
+        {"firstName", &C::firstName}, {"secondType", &C::secondType}, {"secondName", &C::secondName},
+        {"logicalType", &C::logicalType},
+    };
+    return list;
+}
+
+std::string LOGICAL_OPCommand::toString() const
+{
+    if (type != 121)
+        return withTail(kUnknownCommandText);
+    std::string line = "LOGICAL_OP " + answerName + " ";
+    switch (logicalType) {
+    case 0: line += firstName + " AND " + secondName; break;
+    case 1: line += firstName + " OR " + secondName; break;
+    case 2: line += "NOT " + firstName; break;
+    default: return withTail(kUnknownCommandText);
+    }
+    return withTail(line);
+}
+
+const FieldList<MODBUSCommand> &MODBUSCommand::fields()
+{
+    using C = MODBUSCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"m_variableValue", &C::m_variableValue}, {"m_addressType", &C::m_addressType},
+        {"m_firstAddress", &C::m_firstAddress}, {"m_addressNum", &C::m_addressNum}, {"desType", &C::desType},
+    };
+    return list;
+}
+
+std::string MODBUSCommand::toString() const
+{
+    switch (type) {
+    case 210: return withTail("MODBUS_OPEN");
+    case 211: return withTail("MODBUS_CLOSE");
+    case 212: return withTail(std::string("MODBUS_CONNECTION_STATUS") + " ID = " + num(ID));
+    case 213:
+        return withTail(std::string("MODBUS_READ") + " ID = " + num(ID) + " " + num(m_addressType) + " "
+                        + num(m_firstAddress) + " " + m_variableValue);
+    case 214:
+        return withTail(std::string("MODBUS_WRITE") + " ID = " + num(ID) + " " + num(m_addressType) + " "
+                        + num(m_firstAddress) + " " + num(m_addressNum) + " " + m_variableValue);
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<SENDMSGCommand> &SENDMSGCommand::fields()
+{
+    static const FieldList<SENDMSGCommand> list = {
+        {"ID", &SENDMSGCommand::ID}, {"sendChar", &SENDMSGCommand::sendChar}};
+    return list;
+}
+
+std::string SENDMSGCommand::toString() const
+{
+    if (type != 94)
+        return withTail(kUnknownCommandText);
+    return withTail("SENDMSG ID = " + num(ID) + " " + sendChar);
+}
+
+const FieldList<MSG_CONN_STCommand> &MSG_CONN_STCommand::fields()
+{
+    using C = MSG_CONN_STCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"m_varType", &C::m_varType}, {"m_valueName", &C::m_valueName}};
+    return list;
+}
+
+std::string MSG_CONN_STCommand::toString() const
+{
+    if (type != 95)
+        return withTail(kUnknownCommandText);
+    return withTail("MSG_CONN_ST " + num(ID) + " " + m_valueName);
+}
+
+const FieldList<PARSEMSGCommand> &PARSEMSGCommand::fields()
+{
+    using C = PARSEMSGCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"expvarType", &C::expvarType}, {"explainValue", &C::explainValue},
+        {"clearCache", &C::clearCache},
+    };
+    return list;
+}
+
+std::string PARSEMSGCommand::toString() const
+{
+    if (type != 96)
+        return withTail(kUnknownCommandText);
+    return withTail("PARSEMSG ID = " + num(ID) + " " + explainValue + " CLEARCACHE = " + num(clearCache));
+}
+
+const FieldList<OPENCLOSEMSGCommand> &OPENCLOSEMSGCommand::fields()
+{
+    static const FieldList<OPENCLOSEMSGCommand> list = {{"ID", &OPENCLOSEMSGCommand::ID}};
+    return list;
+}
+
+std::string OPENCLOSEMSGCommand::toString() const
+{
+    const char *word = pick(type, {{115, "OPENMSG "}, {116, "CLOSEMSG "}});
+    if (!word)
+        return withTail(kUnknownCommandText);
+    return withTail(word + std::string("ID = ") + num(ID));
+}
+
+const FieldList<READCOMMCommand> &READCOMMCommand::fields()
+{
+    using C = READCOMMCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"commType", &C::commType}, {"positionId", &C::m_positionId},
+        {"m_varname", &C::m_varname},
+    };
+    return list;
+}
+
+std::string READCOMMCommand::toString() const
+{
+    if (type != 110)
+        return withTail(kUnknownCommandText);
+    return withTail("READCOMM ID = " + num(ID) + (commType == 0 ? " EHTERNET " : " MODBUS ") + m_varname + " "
+                    + m_positionId);
+}
+
+const FieldList<ClkCommand> &ClkCommand::fields()
+{
+    using C = ClkCommand;
+    static const FieldList<C> list = {{"ID", &C::ID}, {"m_varname", &C::m_varname}, {"m_vartype", &C::m_vartype}};
+    return list;
+}
+
+std::string ClkCommand::toString() const
+{
+    switch (type) {
+    case 128: return withTail("CLKSTART ID = " + num(ID));
+    case 129: return withTail("CLKSTOP ID = " + num(ID) + " " + m_varname);
+    case 130: return withTail("CLKRESET ID = " + num(ID));
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+} // namespace qrx

@@ -1,0 +1,158 @@
+#include "job/MoveCommand.h"
+
+#include "job/TextFormat.h"
+
+namespace qrx {
+
+namespace {
+
+struct MotionKeyword
+{
+    int type;
+    const char *keyword;
+};
+
+const MotionKeyword kKeywords[] = {
+    {1, "MOVJ "},           {2, "MOVL "},           {3, "MOVC "},
+    {4, "MOVCA "},          {5, "IMOV "},           {6, "MOVS "},
+    {28, "CIL "},           {32, "MOVJEXT "},       {33, "MOVLEXT "},
+    {34, "MOVCEXT "},       {54, "CILEXT_BEGIN "},  {55, "CILEXT_MOVE "},
+    {56, "MOVJDOUBLE "},    {57, "MOVLDOUBLE "},    {58, "MOVCDOUBLE "},
+    {59, "MOVCADOUBLE "},   {60, "SAMOV "},         {63, "LASER_CIRCLE "},
+    {64, "LASER_RECTANGLE "}, {65, "LASER_MIDDLEHOLE "}, {66, "LASER_HEX "},
+    {109, "POLISH_EDGE "},
+};
+
+template <class P>
+std::string textOf(const std::unique_ptr<P> &parameter)
+{
+    return parameter ? parameter->toString() : std::string();
+}
+
+bool between(int type, int low, int high)
+{
+    return type >= low && type <= high;
+}
+
+// The types that carry the time parameter: 1-6, 28, 32-34, 56-60, 63, 109.
+bool hasTime(int type)
+{
+    return between(type, 1, 6) || type == 28 || between(type, 32, 34) || between(type, 56, 60)
+        || type == 63 || type == 109;
+}
+
+} // namespace
+
+MoveCommand::MoveCommand(int type)
+    : FieldCommand(type),
+      paraV(std::make_unique<ParaVCommand>()),
+      paraAcc(std::make_unique<ParaAccCommand>()),
+      paraDec(std::make_unique<ParaDecCommand>()),
+      paraPl(std::make_unique<ParaPlCommand>()),
+      paraTime(std::make_unique<ParaTimeCommand>()),
+      paraSpin(std::make_unique<ParaSpinCommand>()),
+      paraSync(std::make_unique<ParaSyncCommand>())
+{
+}
+
+MoveCommand::~MoveCommand() = default;
+
+const FieldList<MoveCommand> &MoveCommand::fields()
+{
+    using M = MoveCommand;
+    static const FieldList<M> list = {
+        {"velocity", &M::velocity}, {"vUnit", &M::vUnit}, {"acc", &M::acc}, {"dec", &M::dec},
+        {"pl", &M::pl}, {"positionId", &M::m_positionId}, {"para", &M::para}, {"radius", &M::radius},
+        {"side", &M::side}, {"length", &M::length}, {"width", &M::width}, {"margin", &M::margin},
+        {"spin", &M::spin}, {"imovecoord", &M::imovecoord}, {"polish", &M::polish},
+        {"polishID", &M::polishID}, {"polishAngle", &M::polishAngle}, {"sync", &M::sync},
+        {"time", &M::time}, {"ctype", &M::ctype}, {"posidtype", &M::posidtype},
+        {"posidname", &M::posidname},
+        {"ParaACC", "acc", &M::paraAcc}, {"ParaV", "velocity", &M::paraV},
+        {"ParaDEC", "dec", &M::paraDec}, {"ParaPL", "pl", &M::paraPl},
+        {"ParaTIME", "time", &M::paraTime}, {"ParaSPIN", "spin", &M::paraSpin},
+        {"ParaSYNC", "sync", &M::paraSync},
+        {"RobotPos", &M::robotPos},
+    };
+    return list;
+}
+
+const char *MoveCommand::keyword(int type)
+{
+    for (const MotionKeyword &entry : kKeywords) {
+        if (entry.type == type)
+            return entry.keyword;
+    }
+    return nullptr;
+}
+
+void MoveCommand::fromJson(const Json::Value &json, PositionTable *table)
+{
+    FieldCommand::fromJson(json, table);
+    // The begin and move of an external-axis circle carry no position.
+    if (type == 54 || type == 55)
+        robotPos.reset();
+}
+
+RobotPos *MoveCommand::position() const
+{
+    return robotPos.pos;
+}
+
+std::string MoveCommand::positionId() const
+{
+    return m_positionId;
+}
+
+Json::Value MoveCommand::positionJson() const
+{
+    Json::Value json(Json::objectValue);
+    if (robotPos.pos)
+        json["RobotPos"] = robotPos.toJson();
+    return json;
+}
+
+std::string MoveCommand::toString() const
+{
+    const char *word = keyword(type);
+    std::string line;
+    if (word && (posidtype == 0 || posidtype == 1)) {
+        line = word;
+        line += posidtype == 1 ? posidname : m_positionId;
+        if (type == 63) {
+            line += " R = " + num(radius);
+        } else if (type == 64 || type == 65) {
+            line += " LENGTH = " + num(length) + " WIDTH = " + num(width);
+        } else if (type == 66) {
+            line += " SIDE = " + num(side);
+        }
+        line += textOf(paraV);
+        if (type == 5)
+            line += imovecoord;
+    } else {
+        line = "///";
+    }
+
+    const bool shape = type == 54 || type == 55 || between(type, 63, 66);
+    if (!shape) {
+        line += paraPl ? paraPl->toString() : " PL = " + num(pl);
+        line += textOf(paraAcc) + textOf(paraDec);
+        if (type == 4 || type == 59)
+            line += textOf(paraSpin);
+    } else {
+        line += textOf(paraAcc) + textOf(paraDec);
+        if (type == 63)
+            line += " M = " + num(margin);
+    }
+    if (type == 33 || type == 34)
+        line += textOf(paraSync);
+    if (type == 28 || type == 54)
+        line += " ID = " + num(para);
+    if (type == 109)
+        line += " T = " + num(polish) + " ID = " + num(polishID) + " ANGLE = " + num(polishAngle);
+    if (hasTime(type))
+        line += textOf(paraTime);
+    return withTail(line);
+}
+
+} // namespace qrx

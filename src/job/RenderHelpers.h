@@ -1,0 +1,40 @@
+#pragma once
+// Small helpers shared by the toString of the instruction families
+// (internal to the job part).
+
+#include "job/ParaCommand.h"
+#include "job/TextFormat.h"
+
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace qrx::render {
+
+using Keywords = std::initializer_list<std::pair<int, const char *>>;
+
+// The text of `key` in a (key, text) table, or null.
+inline const char *pick(int key, Keywords table)
+{
+    for (const auto &entry : table) {
+        if (entry.first == key)
+            return entry.second;
+    }
+    return nullptr;
+}
+
+// A parameter object's text, nothing when there is no object.
+template <class P>
+std::string textOf(const std::unique_ptr<P> &parameter)
+{
+    return parameter ? parameter->toString() : std::string();
+}
+
+// A target named through a variable (posidtype 1) or by the position name.
+inline const std::string &target(int posidtype, const std::string &posidname, const std::string &positionId)
+{
+    return posidtype == 1 ? posidname : positionId;
+}
+
+} // namespace qrx::render

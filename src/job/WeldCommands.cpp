@@ -1,0 +1,265 @@
+#include "job/WeldCommands.h"
+
+#include "job/RenderHelpers.h"
+
+namespace qrx {
+
+using namespace render;
+
+const FieldList<ARCCommand> &ARCCommand::fields()
+{
+    using C = ARCCommand;
+    static const FieldList<C> list = {
+        {"voltage", &C::voltage}, {"current", &C::current}, {"arcsetRamp", &C::arcsetRamp},
+        {"arcsetTime_ms", &C::arcsetTime_ms}, {"arcsetDistance", &C::arcsetDistance},
+        {"arcParameterId", &C::arcParameterId}, {"feedtime", &C::feedtime}, {"positionId", &C::m_positionId},
+        {"refpPointNum", &C::refpPointNum}, {"autoCorrection", &C::autoCorrection},
+        {"correctionSpeed", &C::correctionSpeed}, {"RobotPos", &C::robotPos},
+        {"generatingOfArcCurrent", &C::generatingOfArcCurrent},
+        {"generatingOfArcVoltage", &C::generatingOfArcVoltage},
+        {"generatingOfArcTime", &C::generatingOfArcTime}, {"weldCurrent", &C::weldCurrent},
+        {"weldVoltage", &C::weldVoltage}, {"anamorphismFlag", &C::anamorphismFlag},
+        {"startUpAgainFlag", &C::startUpAgainFlag}, {"generatingOfArcAgainFlag", &C::generatingOfArcAgainFlag},
+        {"quenchingOfArcCurrent", &C::quenchingOfArcCurrent},
+        {"quenchingOfArcVoltage", &C::quenchingOfArcVoltage}, {"quenchingOfArcTime", &C::quenchingOfArcTime},
+        {"quenchingAnamorphismFlag", &C::quenchingAnamorphismFlag},
+        {"preventStickingWireFlag", &C::preventStickingWireFlag}, {"useTemp", &C::useTemp},
+    };
+    return list;
+}
+
+std::string ARCCommand::toString() const
+{
+    switch (type) {
+    case 23: return withTail("ARCON ID=" + num(arcParameterId) + " TEMP=" + num(useTemp));
+    case 24: return withTail("ARCOFF ID=" + num(arcParameterId) + " TEMP=" + num(useTemp));
+    case 25:
+        return withTail("ARCSET V= " + num(voltage) + " A= " + num(current) + " T = " + num(arcsetTime_ms));
+    case 26: return withTail("WVON #" + num(arcParameterId));
+    case 27: return withTail("WVOFF " + num(arcParameterId));
+    case 70: return withTail("REFP " + num(refpPointNum) + " " + m_positionId);
+    case 176: return withTail("FEEDWIRE T = " + num(feedtime));
+    case 177: return withTail("SPOTWELD ID = " + num(arcParameterId));
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<TIGWeldCommand> &TIGWeldCommand::fields()
+{
+    using C = TIGWeldCommand;
+    static const FieldList<C> list = {
+        {"timeOFTIG", &C::timeOFTIG}, {"typeOFTIG", &C::typeOFTIG}, {"l1", &C::l1}, {"l2", &C::l2}};
+    return list;
+}
+
+std::string TIGWeldCommand::toString() const
+{
+    switch (type) {
+    case 67:
+        if (typeOFTIG == 0)
+            return withTail(std::string("TIGWELDON ") + "L1 = " + num(l1) + " L2 = " + num(l2));
+        return withTail(std::string("TIGWELDON ") + "T = " + num(timeOFTIG));
+    case 68: return withTail("TIGWELDOFF");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<LASERCommand> &LASERCommand::fields()
+{
+    static const FieldList<LASERCommand> list = {{"ID", &LASERCommand::ID}};
+    return list;
+}
+
+std::string LASERCommand::toString() const
+{
+    switch (type) {
+    case 61: return withTail(std::string("LASER_ON ") + "ID = " + num(ID));
+    case 62: return withTail("LASER_OFF");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<ARCTRACKCommand> &ARCTRACKCommand::fields()
+{
+    static const FieldList<ARCTRACKCommand> list = {
+        {"ID", &ARCTRACKCommand::ID}, {"isArcTracking", &ARCTRACKCommand::isArcTracking}};
+    return list;
+}
+
+std::string ARCTRACKCommand::toString() const
+{
+    switch (type) {
+    case 158: return withTail((isArcTracking == 0 ? "ARCTRACKON ID = " : "ARCVTRACKON ID = ") + num(ID));
+    case 159: return withTail("ARCTRACKOFF ID = " + num(ID));
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<ARCBUILTINCommand> &ARCBUILTINCommand::fields()
+{
+    static const FieldList<ARCBUILTINCommand> list = {
+        {"ID", &ARCBUILTINCommand::ID}, {"Value", &ARCBUILTINCommand::Value}};
+    return list;
+}
+
+std::string ARCBUILTINCommand::toString() const
+{
+    if (type != 170)
+        return withTail(kUnknownCommandText);
+    return withTail(std::string("ARCBUILTIN ") + "ID = " + num(ID) + " " + num(Value));
+}
+
+const FieldList<TRACKCommand> &TRACKCommand::fields()
+{
+    using C = TRACKCommand;
+    static const FieldList<C> list = {{"ID", &C::ID}, {"segmentParam", &C::segmentParam}, {"delay", &C::delay}};
+    return list;
+}
+
+std::string TRACKCommand::toString() const
+{
+    const char *word = pick(type, {{85, "LASERTRACK_ON "}, {86, "LASERTRACK_OFF "}});
+    if (!word)
+        return withTail(kUnknownCommandText);
+    return withTail(word + std::string("ID = ") + num(ID));
+}
+
+const FieldList<SeamFindCommand> &SeamFindCommand::fields()
+{
+    using C = SeamFindCommand;
+    static const FieldList<C> list = {
+        {"m_searchNetID", &C::m_searchNetID}, {"m_searchProID", &C::m_searchProID},
+        {"m_searchCorrect", &C::m_searchCorrect}, {"m_searchFeaturePA", &C::m_searchFeaturePA},
+        {"m_searchFeaturePB", &C::m_searchFeaturePB}, {"m_searchFeaturePC", &C::m_searchFeaturePC},
+        {"m_searchWorkPieNum", &C::m_searchWorkPieNum}, {"m_searchtaskNum", &C::m_searchtaskNum},
+        {"m_searchUserCoord", &C::m_searchUserCoord}, {"m_searchToolCoord", &C::m_searchToolCoord},
+    };
+    return list;
+}
+
+std::string SeamFindCommand::toString() const
+{
+    const std::string id = num(m_searchNetID);
+    switch (type) {
+    case 134:
+        return withTail("SEARCH_INITIALIZE ID = " + id + " PRO = " + num(m_searchProID) + " CORR = "
+                        + num(m_searchCorrect));
+    case 135:
+        return withTail("SEARCH_MEASURE ID = " + id + " POINT = " + num(m_searchFeaturePA) + " PART = "
+                        + num(m_searchWorkPieNum) + " TASK = " + num(m_searchtaskNum));
+    case 136:
+        return withTail("SEARCH_CORR ID = " + id + " POINTA = " + num(m_searchFeaturePA) + " POINTB = "
+                        + num(m_searchFeaturePB) + " POINTC = " + num(m_searchFeaturePC));
+    case 137: return withTail("SEARCH_CANCELCORR ID = " + id + " USER = " + num(m_searchUserCoord));
+    case 138: return withTail("SEARCH_CALBR ID = " + id + " TOOL = " + num(m_searchToolCoord));
+    case 139: return withTail("SEARCH_OFF ID = " + id);
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+SEARCHCommand::SEARCHCommand(int type)
+    : FieldCommand(type),
+      paraAcc(std::make_unique<ParaAccCommand>()),
+      paraPl(std::make_unique<ParaPlCommand>()),
+      paraV(std::make_unique<ParaVCommand>())
+{
+}
+
+const FieldList<SEARCHCommand> &SEARCHCommand::fields()
+{
+    using C = SEARCHCommand;
+    static const FieldList<C> list = {
+        {"position1Id", &C::position1Id}, {"position2Id", &C::position2Id}, {"position3Id", &C::position3Id},
+        {"position4Id", &C::position4Id}, {"position5Id", &C::position5Id}, {"position6Id", &C::position6Id},
+        {"positionOutId", &C::positionOutId}, {"length", &C::length}, {"ID", &C::ID},
+        {"tableID", &C::tableID}, {"senseType", &C::senseType}, {"pointEffet", &C::pointEffet},
+        {"artifactType", &C::artifactType}, {"calculType", &C::calculType}, {"coordNum", &C::coordNum},
+        {"searchParacoordinate", &C::searchParacoordinate}, {"velocity", &C::velocity}, {"pl", &C::pl},
+        {"acc", &C::acc}, {"delay", &C::delay}, {"posidtype", &C::posidtype}, {"posidname", &C::posidname},
+        {"ParaACC", "acc", &C::paraAcc}, {"ParaPL", "pl", &C::paraPl}, {"ParaV", "velocity", &C::paraV},
+        {"RobotPos", &C::robotPos},
+    };
+    return list;
+}
+
+std::string SEARCHCommand::toString() const
+{
+    const std::string &where = target(posidtype, posidname, position1Id);
+    const std::string motion = textOf(paraV) + textOf(paraPl) + textOf(paraAcc);
+    switch (type) {
+    case 151: return withTail("SEARCH_START ID = " + num(ID));
+    case 152: return withTail("SEARCH_STATIC ID = " + num(ID) + " " + where + motion);
+    case 153:
+        return withTail("SEARCH_DYNAMIC " + where + " TYPE = " + num(senseType) + " ID = " + num(ID) + motion);
+    case 154: return withTail("SEARCH_OFFSET " + positionOutId);
+    case 155: return withTail("SEARCH_OFFSETEND");
+    case 156: return withTail("SEARCH_CALC PART = " + num(artifactType) + " " + positionOutId);
+    case 157: return withTail("SEARCH_END ID = " + num(ID));
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<PathCommand> &PathCommand::fields()
+{
+    using C = PathCommand;
+    static const FieldList<C> list = {
+        {"initialPath", &C::initialPath}, {"xOffset", &C::xOffset}, {"yOffset", &C::yOffset},
+        {"zOffset", &C::zOffset}, {"aOffset", &C::aOffset}, {"bOffset", &C::bOffset}, {"cOffset", &C::cOffset},
+        {"targetPath", &C::targetPath}, {"varName", &C::varName}, {"usePath", &C::usePath},
+    };
+    return list;
+}
+
+std::string PathCommand::toString() const
+{
+    switch (type) {
+    case 178: return withTail("WELDPATHSTART");
+    case 179: return withTail("WELDPATHSTOP");
+    case 180: return withTail("WELDPATHCOUNT " + varName);
+    case 181:
+        return withTail("WELDPATHOFFSET WELDPATH" + num(initialPath) + " WELDPATH" + num(targetPath) + " "
+                        + num(xOffset) + " " + num(yOffset) + " " + num(zOffset) + " " + num(aOffset) + " "
+                        + num(bOffset) + " " + num(cOffset));
+    case 182: return withTail("STARTOFFSETWELD");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<SCREWCommand> &SCREWCommand::fields()
+{
+    using C = SCREWCommand;
+    static const FieldList<C> list = {
+        {"screwID", &C::screwID}, {"screwType", &C::screwType}, {"varType", &C::varType},
+        {"varName", &C::varName}, {"maxSpinTime", &C::maxSpinTime},
+    };
+    return list;
+}
+
+std::string SCREWCommand::toString() const
+{
+    const char *mode = pick(screwType, {{0, " TIGHT "}, {1, " UNSCREW "}, {2, " FREE "}});
+    if (type != 143 || !mode)
+        return withTail(kUnknownCommandText);
+    return withTail("SCREW ID = " + num(screwID) + mode + varName + " " + num(maxSpinTime));
+}
+
+const FieldList<POLISHCommand> &POLISHCommand::fields()
+{
+    using C = POLISHCommand;
+    static const FieldList<C> list = {
+        {"polishID", &C::polishID}, {"times", &C::times}, {"angle", &C::angle}, {"time", &C::time}};
+    return list;
+}
+
+std::string POLISHCommand::toString() const
+{
+    switch (type) {
+    case 131:
+        return withTail("POLISH_CONTINUE ID = " + num(polishID) + " TIMES = " + num(times) + " ANGLE = "
+                        + num(angle) + " " + num(time));
+    case 132: return withTail("POLISH_OFF ID = " + num(polishID));
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+} // namespace qrx
