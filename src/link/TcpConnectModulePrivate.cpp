@@ -308,6 +308,7 @@ void TcpConnectModulePrivate::waitForConnection(int msecs)
     QEventLoop loop;
     QTimer deadline;
     deadline.setSingleShot(true);
+    deadline.setTimerType(Qt::PreciseTimer);
     connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
     connect(m_socket.data(), &QAbstractSocket::stateChanged, &loop, [&loop, &pending] {
         if (!pending())
