@@ -6,9 +6,17 @@
 
 namespace qrxsim {
 
+void Recorder::setEnabled(bool on)
+{
+    QMutexLocker lock(&m_mutex);
+    m_enabled = on;
+}
+
 void Recorder::append(ReceivedFrame frame)
 {
     QMutexLocker lock(&m_mutex);
+    if (!m_enabled)
+        return;
     m_frames.append(std::move(frame));
     m_changed.wakeAll();
 }

@@ -15,6 +15,8 @@ namespace qrxsim {
 class Recorder
 {
 public:
+    // Off: nothing more is kept (the stand-alone program runs for hours).
+    void setEnabled(bool on);
     void append(ReceivedFrame frame);
     QVector<ReceivedFrame> frames() const;
     QVector<ReceivedFrame> frames(quint16 command) const;
@@ -38,6 +40,7 @@ private:
     mutable QWaitCondition m_changed;
     QVector<ReceivedFrame> m_frames;
     int m_clients = 0;
+    bool m_enabled = true;
 };
 
 } // namespace qrxsim

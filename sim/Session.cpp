@@ -27,7 +27,11 @@ Session::Session(Simulator &simulator, QTcpSocket *socket)
     connect(m_socket, &QTcpSocket::disconnected, this, [this] { m_simulator.removeSession(this); });
 }
 
-Session::~Session() = default;
+Session::~Session()
+{
+    // A socket torn down with its session must not report back to it.
+    QObject::disconnect(m_socket, nullptr, this, nullptr);
+}
 
 void Session::reply(quint16 command, const QByteArray &payload)
 {

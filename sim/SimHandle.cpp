@@ -147,6 +147,11 @@ void SimHandle::withModel(std::function<void(ControllerModel &)> fn)
     run([&fn](Simulator &sim) { fn(sim.model()); });
 }
 
+void SimHandle::setHandler(quint16 code, std::function<void(Session &, const ReceivedFrame &)> handle)
+{
+    run([&](Simulator &sim) { sim.setHandler(CommandEntry{code, std::move(handle)}); });
+}
+
 void SimHandle::withSimulator(std::function<void(Simulator &)> fn)
 {
     run(fn);

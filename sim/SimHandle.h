@@ -22,6 +22,7 @@
 
 namespace qrxsim {
 
+class Session;
 class Simulator;
 
 class SimHandle
@@ -67,6 +68,9 @@ public:
 
     // Runs fn on the simulator thread, blocking, to read or change the model.
     void withModel(std::function<void(ControllerModel &)> fn);
+    // Replaces (or adds) the handler of one code; it runs on the simulator
+    // thread, so it may only touch what is safe to touch from there.
+    void setHandler(quint16 code, std::function<void(Session &, const ReceivedFrame &)> handle);
     // Runs fn on the simulator thread, blocking, with the whole simulator.
     void withSimulator(std::function<void(Simulator &)> fn);
 

@@ -42,6 +42,7 @@ Simulator::Simulator(QObject *parent)
 
     connect(&m_server, &QTcpServer::newConnection, this, &Simulator::onNewConnection);
     m_tickTimer.setInterval(kTickIntervalMs);
+    m_heartbeatTimer.setTimerType(Qt::PreciseTimer);
     connect(&m_tickTimer, &QTimer::timeout, this, &Simulator::onTick);
     connect(&m_heartbeatTimer, &QTimer::timeout, this, &Simulator::onControllerHeartbeat);
 }
@@ -73,6 +74,12 @@ void Simulator::shutdown()
     m_heartbeatTimer.stop();
     m_server.close();
     dropConnections();
+}
+
+void Simulator::setHandler(CommandEntry entry)
+{
+    const quint16 code = entry.code;
+    m_commands.insert(code, std::move(entry));
 }
 
 void Simulator::onNewConnection()

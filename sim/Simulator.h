@@ -70,6 +70,12 @@ public:
     void setVerbose(bool on) { m_verbose = on; }
     void setTickInterval(int ms) { m_tickTimer.setInterval(ms); }
 
+    // Behaviour added at run time, after the tables (tests script one-off
+    // answers this way). setHandler replaces the handler of its code.
+    void setHandler(CommandEntry entry);
+    void addTick(TickEntry entry) { m_ticks.push_back(std::move(entry)); }
+    void addConnectHook(ConnectEntry entry) { m_onConnect.push_back(std::move(entry)); }
+
     // Used by sessions.
     // The frame as it goes on the wire (with a wrong CRC once after
     // corruptNextCrc()); empty when the payload is too long to frame.

@@ -82,6 +82,7 @@ int main(int argc, char *argv[])
     qSetMessagePattern(QStringLiteral("%{message}"));
     qrxsim::Simulator simulator;
     simulator.setVerbose(parser.isSet(verboseOption));
+    simulator.recorder().setEnabled(false); // nobody reads it here
     if (!simulator.listen(address, quint16(port)))
         return 1;
     simulator.setControllerHeartbeat(heartbeat);

@@ -1,0 +1,432 @@
+// The simulated controller on the wire: a plain socket client and the
+// library's decoder check what qrx-sim answers, records and misbehaves.
+
+#include "WireClient.h"
+#include "common/CompactJson.h"
+#include "common/Payload.h"
+#include "sim/Session.h"
+#include "sim/SimHandle.h"
+#include "sim/Simulator.h"
+#include "support/LogCapture.h"
+#include "support/Loopback.h"
+
+#include <QDateTime>
+#include <QtTest>
+#include <atomic>
+#include <memory>
+
+using qrxsim::ReceivedFrame;
+using qrxsim::Session;
+using qrxsim::SimHandle;
+using qrxsim::Simulator;
+
+namespace {
+
+constexpr quint16 kHeartbeat = 0x7266;
+constexpr quint16 kHeartbeatAnswer = 0x7267;
+
+QByteArray heartbeat(qint64 time)
+{
+    Json::Value v(Json::objectValue);
+    v["time"] = Json::Int64(time);
+    return qrx::jsonPayload(v);
+}
+
+} // namespace
+
+class TestSim : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void heartbeatAnswered_data();
+    void heartbeatAnswered();
+    void heartbeatAnswerSwitchedOff();
+    void framesRecordedInOrder();
+    void clearReceived();
+    void silentAnswersNothing_data();
+    void silentAnswersNothing();
+    void dropConnections();
+    void refuseConnections();
+    void secondSimulatorCannotBind();
+    void garbageArrives_data();
+    void garbageArrives();
+    void splitDelivery();
+    void corruptNextCrc_data();
+    void corruptNextCrc();
+    void controllerHeartbeat_data();
+    void controllerHeartbeat();
+    void handlerRepliesAndBroadcasts();
+    void ticksAndConnectHooks();
+
+private:
+    void connectClient(WireClient &client, int expectedClients = 1);
+    std::unique_ptr<SimHandle> m_sim;
+};
+
+void TestSim::init()
+{
+    m_sim = std::make_unique<SimHandle>(testsupport::loopbackAddress());
+    QVERIFY(m_sim->start());
+}
+
+void TestSim::cleanup()
+{
+    m_sim.reset();
+}
+
+void TestSim::connectClient(WireClient &client, int expectedClients)
+{
+    QVERIFY(client.connectTo(m_sim->address(), m_sim->port()));
+    QTRY_COMPARE_WITH_TIMEOUT(m_sim->clientCount(), expectedClients, 5000);
+}
+
+void TestSim::heartbeatAnswered_data()
+{
+    QTest::addColumn<QByteArray>("payload");
+    QTest::newRow("host heartbeat") << heartbeat(1700000000);
+    QTest::newRow("time zero") << heartbeat(0);
+    QTest::newRow("empty payload") << QByteArray();
+    QTest::newRow("not JSON") << QByteArray("ping");
+    QTest::newRow("binary with NUL") << QByteArray::fromHex("00ff4e66000a");
+}
+
+void TestSim::heartbeatAnswered()
+{
+    QFETCH(QByteArray, payload);
+    WireClient client;
+    connectClient(client);
+    client.sendFrame(kHeartbeat, payload);
+    QVERIFY(client.waitForFrame(kHeartbeatAnswer));
+    QCOMPARE(client.frames().size(), 1);
+    QCOMPARE(client.frames().first().payload, payload);
+    QCOMPARE(client.bytes(), qrx::encodeFrame(kHeartbeatAnswer, payload));
+}
+
+void TestSim::heartbeatAnswerSwitchedOff()
+{
+    WireClient client;
+    connectClient(client);
+    m_sim->setAnswerHeartbeats(false);
+    client.sendFrame(kHeartbeat, heartbeat(1));
+    QVERIFY(m_sim->waitForFrame(kHeartbeat));
+    m_sim->setAnswerHeartbeats(true);
+    client.sendFrame(kHeartbeat, heartbeat(2));
+    QVERIFY(client.waitForFrame(kHeartbeatAnswer));
+    // Frames are handled in order: had the first one been answered, its
+    // answer would have come first.
+    QCOMPARE(client.frames().first().payload, heartbeat(2));
+    QCOMPARE(m_sim->received(kHeartbeat).size(), 2);
+}
+
+void TestSim::framesRecordedInOrder()
+{
+    WireClient client;
+    connectClient(client);
+    const QVector<QPair<quint16, QByteArray>> sent = {
+        {0x2002, QByteArray("{\"robot\":1}\n")},
+        {kHeartbeat, heartbeat(5)},
+        {0x2F07, QByteArray("{\"coord\":0,\"robot\":2}\n")},
+        {0x2002, QByteArray()},
+    };
+    QByteArray wire;
+    for (const auto &f : sent)
+        wire += qrx::encodeFrame(f.first, f.second);
+    // All in one write but the last frame, which trickles in two halves.
+    const QByteArray last = qrx::encodeFrame(0x5052, QByteArray("{}\n"));
+    client.sendBytes(wire + last.left(7));
+    QVERIFY(m_sim->waitForFrame(0x2F07));
+    QVERIFY(m_sim->received(0x5052).isEmpty());
+    client.sendBytes(last.mid(7));
+    QVERIFY(m_sim->waitForFrame(0x5052));
+
+    const QVector<ReceivedFrame> got = m_sim->received();
+    QCOMPARE(got.size(), sent.size() + 1);
+    QByteArray rawTogether;
+    for (int i = 0; i < got.size(); ++i) {
+        if (i < sent.size()) {
+            QCOMPARE(got[i].command, sent[i].first);
+            QCOMPARE(got[i].payload, sent[i].second);
+        }
+        if (i > 0)
+            QVERIFY(got[i].atMs >= got[i - 1].atMs);
+        QVERIFY(got[i].atMs >= 0 && got[i].atMs <= m_sim->nowMs());
+        rawTogether += got[i].raw;
+    }
+    QCOMPARE(rawTogether, wire + last);
+    QCOMPARE(m_sim->received(0x2002).size(), 2);
+    QCOMPARE(m_sim->lastFrame(0x2002).payload, QByteArray());
+    QCOMPARE(m_sim->lastFrame(0x2F07).raw, qrx::encodeFrame(0x2F07, sent[2].second));
+    QCOMPARE(m_sim->lastFrame(0x1234).atMs, qint64(-1));
+}
+
+void TestSim::clearReceived()
+{
+    WireClient client;
+    connectClient(client);
+    client.sendFrame(0x2002, QByteArray("{}\n"));
+    QVERIFY(m_sim->waitForFrame(0x2002));
+    m_sim->clearReceived();
+    QVERIFY(m_sim->received().isEmpty());
+    QVERIFY(!m_sim->waitForFrame(0x2002, 50));
+    client.sendFrame(0x2102, QByteArray("{}\n"));
+    QVERIFY(m_sim->waitForFrame(0x2102));
+    QCOMPARE(m_sim->received().size(), 1);
+}
+
+void TestSim::silentAnswersNothing_data()
+{
+    // A handler that answers, and the heartbeat from the table.
+    QTest::addColumn<quint16>("request");
+    QTest::addColumn<quint16>("answer");
+    QTest::newRow("heartbeat") << kHeartbeat << kHeartbeatAnswer;
+    QTest::newRow("scripted handler") << quint16(0x2002) << quint16(0x2003);
+}
+
+void TestSim::silentAnswersNothing()
+{
+    QFETCH(quint16, request);
+    QFETCH(quint16, answer);
+    m_sim->setHandler(0x2002, [](Session &s, const ReceivedFrame &f) { s.reply(0x2003, f.payload); });
+    WireClient client;
+    connectClient(client);
+    m_sim->setSilent(true);
+    m_sim->setControllerHeartbeat(5);
+    client.sendFrame(request, QByteArray("\"first\"\n"));
+    QVERIFY(m_sim->waitForFrame(request));
+    m_sim->setControllerHeartbeat(0);
+    m_sim->setSilent(false);
+    client.sendFrame(request, QByteArray("\"second\"\n"));
+    QVERIFY(client.waitForFrame(answer));
+    // Nothing came while silent: neither the first answer nor a controller
+    // heartbeat precedes the answer to the second request.
+    QCOMPARE(client.frames().size(), 1);
+    QCOMPARE(client.frames().first().payload, QByteArray("\"second\"\n"));
+    QCOMPARE(m_sim->received(request).size(), 2);
+}
+
+void TestSim::dropConnections()
+{
+    WireClient first;
+    WireClient second;
+    connectClient(first, 1);
+    connectClient(second, 2);
+    m_sim->dropConnections();
+    QCOMPARE(m_sim->clientCount(), 0);
+    QVERIFY(first.waitForDisconnected());
+    QVERIFY(second.waitForDisconnected());
+    // Still listening: a new client is served.
+    WireClient again;
+    connectClient(again);
+    again.sendFrame(kHeartbeat, heartbeat(3));
+    QVERIFY(again.waitForFrame(kHeartbeatAnswer));
+}
+
+void TestSim::refuseConnections()
+{
+    WireClient before;
+    connectClient(before);
+    m_sim->setRefuseConnections(true);
+    WireClient refused;
+    QVERIFY(!refused.connectTo(m_sim->address(), m_sim->port()));
+    QCOMPARE(refused.socket().error(), QAbstractSocket::ConnectionRefusedError);
+    // A client that was already there is still served.
+    before.sendFrame(kHeartbeat, heartbeat(4));
+    QVERIFY(before.waitForFrame(kHeartbeatAnswer));
+
+    m_sim->setRefuseConnections(false);
+    WireClient after;
+    connectClient(after, 2);
+    after.sendFrame(kHeartbeat, heartbeat(5));
+    QVERIFY(after.waitForFrame(kHeartbeatAnswer));
+}
+
+void TestSim::secondSimulatorCannotBind()
+{
+    SimHandle second(m_sim->address(), m_sim->port());
+    QVERIFY(!second.start());
+    SimHandle elsewhere(QStringLiteral("192.0.2.1"));
+    QVERIFY(!elsewhere.start());
+}
+
+void TestSim::garbageArrives_data()
+{
+    QTest::addColumn<QByteArray>("garbage");
+    QTest::addColumn<int>("headErrors");
+    QTest::newRow("text") << QByteArray("hello controller") << 16;
+    QTest::newRow("NUL bytes") << QByteArray(5, '\0') << 5;
+    QTest::newRow("lone heads") << QByteArray("NxN") << 3;
+    QTest::newRow("frame with bad CRC") << QByteArray::fromHex("4e66" "0000" "2003" "00000000") << 10;
+}
+
+void TestSim::garbageArrives()
+{
+    QFETCH(QByteArray, garbage);
+    QFETCH(int, headErrors);
+    WireClient client;
+    connectClient(client);
+    const QByteArray frame = qrx::encodeFrame(0x2003, QByteArray("{\"servo\":1}\n"));
+    LogCapture log("qrx.link");
+    m_sim->sendGarbage(garbage);
+    m_sim->send(0x2003, QByteArray("{\"servo\":1}\n"));
+    QVERIFY(client.waitForFrame(0x2003));
+    QCOMPARE(client.bytes(), garbage + frame);
+    QCOMPARE(client.frames().size(), 1);
+    const int dropped = log.count(QStringLiteral("onTcpSocketReadyRead: head error"))
+        + log.count(QStringLiteral("onTcpSocketReadyRead: crc32 error"));
+    QCOMPARE(dropped, headErrors);
+}
+
+void TestSim::splitDelivery()
+{
+    WireClient client;
+    connectClient(client);
+    m_sim->setSplitDelivery(true);
+    const QByteArray payload = QByteArray("{\"text\":\"") + QByteArray(300, 'x') + "\"}\n";
+    client.sendFrame(kHeartbeat, payload);
+    QVERIFY(m_sim->waitForFrame(kHeartbeat)); // answered by now, in the queue
+    m_sim->send(0x2003, QByteArray("{\"servo\":1}\n"));
+    QVERIFY(client.waitForFrame(0x2003, 20000));
+    // Both frames, in order, byte for byte, decoded as if sent whole.
+    QCOMPARE(client.bytes(), qrx::encodeFrame(kHeartbeatAnswer, payload)
+                                 + qrx::encodeFrame(0x2003, QByteArray("{\"servo\":1}\n")));
+    QCOMPARE(client.frames().size(), 2);
+    QCOMPARE(client.frames().first().payload, payload);
+    // One byte per write, a millisecond apart: the reader sees many pieces.
+    QVERIFY2(client.chunks().size() > 1, qPrintable(QString::number(client.chunks().size())));
+
+    m_sim->setSplitDelivery(false);
+    client.clear();
+    client.sendFrame(kHeartbeat, heartbeat(9));
+    QVERIFY(client.waitForFrame(kHeartbeatAnswer));
+    QCOMPARE(client.bytes(), qrx::encodeFrame(kHeartbeatAnswer, heartbeat(9)));
+}
+
+void TestSim::corruptNextCrc_data()
+{
+    QTest::addColumn<bool>("viaHeartbeat");
+    QTest::newRow("explicit send") << false;
+    QTest::newRow("heartbeat answer") << true;
+}
+
+void TestSim::corruptNextCrc()
+{
+    QFETCH(bool, viaHeartbeat);
+    WireClient client;
+    connectClient(client);
+    LogCapture log("qrx.link");
+    const QByteArray payload = heartbeat(77);
+    m_sim->corruptNextCrc();
+    if (viaHeartbeat)
+        client.sendFrame(kHeartbeat, payload);
+    else
+        m_sim->send(kHeartbeatAnswer, payload);
+    const QByteArray good = qrx::encodeFrame(kHeartbeatAnswer, payload);
+    QVERIFY(client.waitForBytes(good.size()));
+    QVERIFY(client.frames().isEmpty());
+    QCOMPARE(client.bytes().left(good.size() - 4), good.left(good.size() - 4));
+    QVERIFY(client.bytes().right(4) != good.right(4));
+    QCOMPARE(log.count(QStringLiteral("onTcpSocketReadyRead: crc32 error")), 1);
+    // Only the next frame: the one after it is intact.
+    m_sim->send(0x2003, QByteArray("{}\n"));
+    QVERIFY(client.waitForFrame(0x2003));
+    QCOMPARE(client.frames().size(), 1);
+}
+
+void TestSim::controllerHeartbeat_data()
+{
+    QTest::addColumn<int>("intervalMs");
+    QTest::newRow("20 ms") << 20;
+    QTest::newRow("150 ms") << 150;
+}
+
+void TestSim::controllerHeartbeat()
+{
+    QFETCH(int, intervalMs);
+    WireClient client;
+    connectClient(client);
+    QElapsedTimer clock;
+    clock.start();
+    m_sim->setControllerHeartbeat(intervalMs);
+    QVERIFY(client.waitFor([&] { return client.frames(kHeartbeat).size() >= 4; }, 20000));
+    // Four beats need at least four intervals (timers may fire 5 % early).
+    QVERIFY(clock.elapsed() >= 4 * intervalMs * 95 / 100);
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    for (const qrx::Frame &f : client.frames(kHeartbeat)) {
+        Json::Value v;
+        QVERIFY(qrx::parsePayload(f.payload, v));
+        QVERIFY(v.isObject() && v.size() == 1 && v["time"].isIntegral());
+        QVERIFY(qAbs(v["time"].asInt64() - now) <= 2);
+        QCOMPARE(f.payload, heartbeat(v["time"].asInt64()));
+    }
+
+    m_sim->setControllerHeartbeat(0);
+    // Anything sent before the stop arrives before this answer.
+    client.sendFrame(kHeartbeat, heartbeat(1));
+    QVERIFY(client.waitForFrame(kHeartbeatAnswer));
+    client.clear();
+    QVERIFY(!client.waitForFrame(kHeartbeat, 3 * intervalMs));
+}
+
+void TestSim::handlerRepliesAndBroadcasts()
+{
+    // The handler answers the asking client with the model's value and tells
+    // every client that it was asked.
+    m_sim->withModel([](qrxsim::ControllerModel &m) { m.currentRobot = 3; });
+    m_sim->setHandler(0x2002, [](Session &s, const ReceivedFrame &f) {
+        Json::Value request;
+        qrx::parsePayload(f.payload, request);
+        Json::Value answer(Json::objectValue);
+        answer["robot"] = s.model().currentRobot;
+        answer["asked"] = request["robot"];
+        s.replyJson(0x2003, answer);
+        Json::Value note(Json::objectValue);
+        note["from"] = s.peer().toStdString();
+        s.broadcastJson(0x2004, note);
+        s.model().currentRobot = request["robot"].asInt();
+    });
+    WireClient asking;
+    WireClient other;
+    connectClient(asking, 1);
+    connectClient(other, 2);
+    asking.sendFrame(0x2002, QByteArray("{\"robot\":2}\n"));
+    QVERIFY(asking.waitForFrame(0x2004));
+    QVERIFY(other.waitForFrame(0x2004));
+    QCOMPARE(asking.frames().size(), 2);
+    QCOMPARE(asking.frames().first().command, quint16(0x2003));
+    QCOMPARE(asking.frames().first().payload, QByteArray("{\"asked\":2,\"robot\":3}\n"));
+    QVERIFY(other.frames(0x2003).isEmpty());
+    int robot = 0;
+    m_sim->withModel([&robot](qrxsim::ControllerModel &m) { robot = m.currentRobot; });
+    QCOMPARE(robot, 2);
+}
+
+void TestSim::ticksAndConnectHooks()
+{
+    auto ticked = std::make_shared<std::atomic<qint64>>(0);
+    m_sim->withSimulator([ticked](Simulator &sim) {
+        sim.addConnectHook({"hello", [](Session &s) { s.reply(0x2103, QByteArray("{\"mode\":0}\n")); }});
+        sim.addTick({"count", [ticked](Simulator &sim, qint64 elapsedMs) {
+                         if (sim.clientCount() == 0)
+                             return;
+                         const qint64 before = ticked->fetch_add(elapsedMs);
+                         if (before < 200 && before + elapsedMs >= 200)
+                             sim.broadcast(0x2F08, QByteArray("{\"moved\":true}\n"));
+                     }});
+    });
+    QElapsedTimer clock;
+    clock.start();
+    WireClient client;
+    connectClient(client);
+    QVERIFY(client.waitForFrame(0x2F08, 10000));
+    // The connect hook spoke first, then the tick once 200 ms had passed.
+    QCOMPARE(client.frames().size(), 2);
+    QCOMPARE(client.frames().first().command, quint16(0x2103));
+    QVERIFY(ticked->load() >= 200);
+    QVERIFY(clock.elapsed() >= 150);
+}
+
+QTEST_GUILESS_MAIN(TestSim)
+#include "tst_sim.moc"
