@@ -46,6 +46,7 @@ struct ControllerModel
     int configuration = 0;    // 0x2A03 "configuration"
 
     // ---- robot reports: type, kinematic parameters, positions -------------
+    int robotTypeWire = 1;    // 0x2E03 "type" (wire code: 1 six-axis)
 
     // ---- IO and variables -------------------------------------------------
 

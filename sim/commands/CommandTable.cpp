@@ -19,6 +19,7 @@ std::vector<CommandEntry> commandTable()
     std::vector<CommandEntry> table;
     append(table, heartbeatCommands());
     append(table, sessionCommands());
+    append(table, robotReportCommands());
     return table;
 }
 
@@ -32,6 +33,7 @@ std::vector<TickEntry> tickTable()
 std::vector<ConnectEntry> connectTable()
 {
     std::vector<ConnectEntry> table;
+    append(table, robotReportsOnConnect());
     return table;
 }
 

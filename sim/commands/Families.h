@@ -13,4 +13,9 @@ std::vector<CommandEntry> heartbeatCommands();
 std::vector<CommandEntry> sessionCommands();
 std::vector<TickEntry> sessionTicks();
 
+// Reports about the robots: sent on connect (type, count, current robot,
+// servo, mode) and on request (robot count, current robot).
+std::vector<CommandEntry> robotReportCommands();
+std::vector<ConnectEntry> robotReportsOnConnect();
+
 } // namespace qrxsim
