@@ -1,0 +1,150 @@
+// Frame decoder throughput, each figure beside its baseline:
+//  - a stream of valid 1 KiB frames, against zlib's crc32 alone over the
+//    same bytes, both in one call and in the per-frame calls that decoding
+//    makes (the decoder must reach at least 80 % of it);
+//  - 1 MiB of garbage followed by one frame, against 1 MiB of valid frames
+//    (skipping garbage must cost under 10 times as much).
+// Log lines are switched off: the head errors of the garbage would
+// otherwise measure the logger.
+
+#include "link/FrameCodec.h"
+
+#include <QByteArray>
+#include <QLoggingCategory>
+#include <benchmark/benchmark.h>
+#include <zlib.h>
+
+#include <random>
+
+namespace {
+
+constexpr int kStreamBytes = 1 << 20;
+constexpr int kFrameBytes = 1024;
+constexpr quint16 kCommand = 0x2F08;
+
+// Valid frames of kFrameBytes each, filling kStreamBytes.
+const QByteArray &validStream()
+{
+    static const QByteArray stream = [] {
+        QByteArray bytes;
+        bytes.reserve(kStreamBytes);
+        std::mt19937 random(42);
+        int n = 0;
+        while (bytes.size() + kFrameBytes <= kStreamBytes) {
+            QByteArray payload(kFrameBytes - qrx::kFrameOverhead, Qt::Uninitialized);
+            for (char &c : payload)
+                c = char(random());
+            payload[0] = char('0' + n++ % 10);
+            bytes.append(qrx::encodeFrame(kCommand, payload));
+        }
+        return bytes;
+    }();
+    return stream;
+}
+
+// kStreamBytes of random bytes without a frame head, then one frame.
+const QByteArray &garbageStream()
+{
+    static const QByteArray stream = [] {
+        QByteArray bytes(kStreamBytes, Qt::Uninitialized);
+        std::mt19937 random(7);
+        for (char &c : bytes) {
+            c = char(random());
+            if (c == 0x4E)
+                c = 0x4F;
+        }
+        bytes.append(qrx::encodeFrame(kCommand, QByteArray("{\"last\":1}\n")));
+        return bytes;
+    }();
+    return stream;
+}
+
+void quiet()
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("qrx.*=false"));
+}
+
+int decodeAll(const QByteArray &stream)
+{
+    qrx::FrameDecoder decoder;
+    int frames = 0;
+    decoder.feed(stream, [&frames](quint16, const QByteArray &payload) {
+        benchmark::DoNotOptimize(payload.constData());
+        ++frames;
+    });
+    return frames;
+}
+
+void BM_Crc32Alone(benchmark::State &state)
+{
+    const QByteArray &stream = validStream();
+    for (auto _ : state) {
+        uLong crc = crc32(0L, Z_NULL, 0);
+        crc = crc32(crc, reinterpret_cast<const Bytef *>(stream.constData()), uInt(stream.size()));
+        benchmark::DoNotOptimize(crc);
+    }
+    state.SetBytesProcessed(state.iterations() * stream.size());
+}
+BENCHMARK(BM_Crc32Alone);
+
+// The CRC work that decoding cannot avoid: one crc32 per frame over the
+// bytes it covers (length, code, payload).
+void BM_Crc32PerFrame(benchmark::State &state)
+{
+    const QByteArray &stream = validStream();
+    for (auto _ : state) {
+        for (int at = 0; at + kFrameBytes <= stream.size(); at += kFrameBytes) {
+            const quint32 crc = qrx::frameCrc(stream.constData() + at + 2, kFrameBytes - 6);
+            benchmark::DoNotOptimize(crc);
+        }
+    }
+    state.SetBytesProcessed(state.iterations() * stream.size());
+}
+BENCHMARK(BM_Crc32PerFrame);
+
+void BM_DecodeValidFrames(benchmark::State &state)
+{
+    quiet();
+    const QByteArray &stream = validStream();
+    const int expected = stream.size() / kFrameBytes;
+    for (auto _ : state) {
+        if (decodeAll(stream) != expected)
+            state.SkipWithError("frames lost");
+    }
+    state.SetBytesProcessed(state.iterations() * stream.size());
+}
+BENCHMARK(BM_DecodeValidFrames);
+
+void BM_DecodeGarbageThenFrame(benchmark::State &state)
+{
+    quiet();
+    const QByteArray &stream = garbageStream();
+    for (auto _ : state) {
+        if (decodeAll(stream) != 1)
+            state.SkipWithError("the frame after the garbage was lost");
+    }
+    state.SetBytesProcessed(state.iterations() * stream.size());
+}
+BENCHMARK(BM_DecodeGarbageThenFrame);
+
+// The garbage fed in socket-sized reads (4 KiB), as the link sees it.
+void BM_DecodeGarbageInReads(benchmark::State &state)
+{
+    quiet();
+    const QByteArray &stream = garbageStream();
+    constexpr int kRead = 4096;
+    for (auto _ : state) {
+        qrx::FrameDecoder decoder;
+        int frames = 0;
+        for (int at = 0; at < stream.size(); at += kRead)
+            decoder.feed(stream.mid(at, kRead), [&frames](quint16, const QByteArray &) { ++frames; });
+        if (frames != 1)
+            state.SkipWithError("the frame after the garbage was lost");
+    }
+    state.SetBytesProcessed(state.iterations() * stream.size());
+}
+BENCHMARK(BM_DecodeGarbageInReads);
+
+} // namespace
+
+BENCHMARK_MAIN();
