@@ -9,12 +9,15 @@
 //
 // or qrx::createCommand(json, table) from a JSON object.
 
+#include "job/AxisCommands.h"
 #include "job/Command.h"
 #include "job/CommandFactory.h"
 #include "job/Condition.h"
 #include "job/FlowCommands.h"
+#include "job/HandlingCommands.h"
 #include "job/IoCommands.h"
 #include "job/MoveCommand.h"
 #include "job/ParaCommand.h"
+#include "job/PositionCommands.h"
 #include "job/RobotPos.h"
 #include "job/WeldCommands.h"

@@ -1,0 +1,103 @@
+#include "job/AxisCommands.h"
+
+#include "job/RenderHelpers.h"
+
+namespace qrx {
+
+using namespace render;
+
+const FieldList<EXTMOVCommand> &EXTMOVCommand::fields()
+{
+    using C = EXTMOVCommand;
+    static const FieldList<C> list = {
+        {"extaxle", &C::extaxle}, {"movtype", &C::movtype}, {"speedtype", &C::speedtype},
+        {"varname", &C::varname}, {"handvalue", &C::handvalue},
+        {"speedproportionfactor", &C::speedproportionfactor},
+    };
+    return list;
+}
+
+std::string EXTMOVCommand::blockText() const
+{
+    return "ENDEXTMOV";
+}
+
+std::string EXTMOVCommand::toString() const
+{
+    switch (type) {
+    case 144: {
+        const char *mode = pick(movtype, {{0, " CONST "}, {1, " FOLLOW "}});
+        if (!mode)
+            return withTail(kUnknownCommandText);
+        return withTail("EXTMOV " + num(extaxle) + mode + (speedtype == 0 ? num(handvalue) : varname) + " "
+                        + num(speedproportionfactor));
+    }
+    case 145: return withTail(blockText());
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<GEARINCommand> &GEARINCommand::fields()
+{
+    using C = GEARINCommand;
+    static const FieldList<C> list = {
+        {"mainAxle", &C::mainAxle}, {"followAxle", &C::followAxle}, {"proportionfactor", &C::proportionfactor}};
+    return list;
+}
+
+std::string GEARINCommand::toString() const
+{
+    switch (type) {
+    case 148: return withTail("GEARIN " + num(mainAxle) + " " + num(followAxle) + " " + num(proportionfactor));
+    case 150: return withTail("ENDGEARIN");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<READLINEARCommand> &READLINEARCommand::fields()
+{
+    static const FieldList<READLINEARCommand> list = {
+        {"varname", &READLINEARCommand::varname}, {"vartype", &READLINEARCommand::vartype}};
+    return list;
+}
+
+std::string READLINEARCommand::toString() const
+{
+    switch (type) {
+    case 146: return withTail("READLINEAR " + varname);
+    case 147: return withTail("ENDREADLINEAR");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+MOVCOMMCommand::MOVCOMMCommand(int type)
+    : FieldCommand(type),
+      paraV(std::make_unique<ParaVCommand>()),
+      paraAcc(std::make_unique<ParaAccCommand>()),
+      paraDec(std::make_unique<ParaDecCommand>()),
+      paraTime(std::make_unique<ParaTimeCommand>()),
+      paraPl(std::make_unique<ParaPlCommand>())
+{
+}
+
+const FieldList<MOVCOMMCommand> &MOVCOMMCommand::fields()
+{
+    using C = MOVCOMMCommand;
+    static const FieldList<C> list = {
+        {"moveType", &C::moveType}, {"PL", &C::PL}, {"ACC", &C::ACC}, {"DEC", &C::DEC}, {"vUnit", &C::vUnit},
+        {"time", &C::time}, {"ParaV", "velocity", &C::paraV}, {"ParaACC", "ACC", &C::paraAcc},
+        {"ParaDEC", "DEC", &C::paraDec}, {"ParaTIME", "time", &C::paraTime}, {"ParaPL", "PL", &C::paraPl},
+    };
+    return list;
+}
+
+std::string MOVCOMMCommand::toString() const
+{
+    const char *move = pick(moveType, {{0, " MovJ "}, {1, " MovL "}, {2, " MovC "}, {3, " MovS "}});
+    if (type != 101 || !move)
+        return withTail(kUnknownCommandText);
+    return withTail("MOVCOMM " + std::string(move) + textOf(paraV) + textOf(paraPl) + textOf(paraAcc)
+                    + textOf(paraDec) + textOf(paraTime));
+}
+
+} // namespace qrx

@@ -1,0 +1,244 @@
+#include "job/HandlingCommands.h"
+
+#include "job/RenderHelpers.h"
+
+namespace qrx {
+
+using namespace render;
+
+namespace {
+
+const char *moveName(int moveType)
+{
+    return pick(moveType, {{0, " MovJ "}, {1, " MovL "}, {2, " MovC "}});
+}
+
+} // namespace
+
+// --- pallets -----------------------------------------------------------------
+
+PALCommand::PALCommand(int type)
+    : FieldCommand(type),
+      paraAcc(std::make_unique<ParaAccCommand>()),
+      paraV(std::make_unique<ParaVCommand>()),
+      paraDec(std::make_unique<ParaDecCommand>()),
+      paraPl(std::make_unique<ParaPlCommand>()),
+      paraTime(std::make_unique<ParaTimeCommand>())
+{
+}
+
+const FieldList<PALCommand> &PALCommand::fields()
+{
+    using C = PALCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"STACKTYPE", &C::STACKTYPE}, {"NUM", &C::NUM}, {"tool", &C::tool},
+        {"xyOpt", &C::xyOpt}, {"zOpt", &C::zOpt}, {"Posture", &C::Posture}, {"moveType", &C::moveType},
+        {"PL", &C::PL}, {"ACC", &C::ACC}, {"DEC", &C::DEC}, {"VARNAME", &C::VARNAME},
+        {"MULTIPAL", &C::MULTIPAL}, {"PalVar", &C::PalVar}, {"PalLevel", &C::PalLevel},
+        {"PalNumber", &C::PalNumber}, {"vUnit", &C::vUnit}, {"time", &C::time},
+        {"m_numVariableType", &C::m_numVariableType}, {"variableData", &C::variableData},
+        {"m_pointVariableType", &C::m_pointVariableType}, {"pointVariableName", &C::pointVariableName},
+        {"ParaACC", "ACC", &C::paraAcc}, {"ParaV", "velocity", &C::paraV}, {"ParaDEC", "DEC", &C::paraDec},
+        {"ParaPL", "PL", &C::paraPl}, {"ParaTIME", "time", &C::paraTime},
+    };
+    return list;
+}
+
+std::string PALCommand::toString() const
+{
+    const std::string id = num(ID);
+    const char *move = moveName(moveType);
+    const std::string motion = textOf(paraV) + textOf(paraPl) + textOf(paraAcc) + textOf(paraDec) + textOf(paraTime);
+    switch (type) {
+    case 71: return withTail("PALON ID = " + id + " MULTI = " + num(MULTIPAL));
+    case 72: return withTail("PALOFF " + id);
+    case 73: return withTail("PALLET " + id + " TYPE = " + num(STACKTYPE) + " NUM = " + num(NUM));
+    case 74: return move ? withTail("PALENTER " + id + move + motion) : withTail(kUnknownCommandText);
+    case 75: return withTail("PALSHIFT " + id);
+    case 76: return move ? withTail("PALREAL " + id + move + motion) : withTail(kUnknownCommandText);
+    case 77: return withTail("PALCLEAR " + id);
+    case 78: return withTail("PALLET_POS " + id + " " + pointVariableName);
+    case 203: return withTail("PAL_SET_EXAMPLE " + id + " " + variableData);
+    case 204: return withTail("PALGRIPPER ID = " + id + " GRIPPERS = " + num(NUM) + " " + (tool ? "ON " : "OFF "));
+    case 218: return withTail("PH_PALON ID = " + id);
+    case 219: return withTail("PH_PALOFF " + id);
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+// --- spraying ------------------------------------------------------------------
+
+SPRAYCommand::SPRAYCommand(int type)
+    : FieldCommand(type),
+      paraV(std::make_unique<ParaVCommand>()),
+      paraAcc(std::make_unique<ParaAccCommand>()),
+      paraDec(std::make_unique<ParaDecCommand>()),
+      paraTime(std::make_unique<ParaTimeCommand>()),
+      paraPl(std::make_unique<ParaPlCommand>())
+{
+}
+
+const FieldList<SPRAYCommand> &SPRAYCommand::fields()
+{
+    using C = SPRAYCommand;
+    static const FieldList<C> list = {
+        {"gunID", &C::gunID}, {"seqID", &C::seqID}, {"traID", &C::traID}, {"colorID", &C::colorID},
+        {"anaID", &C::anaID}, {"flow", &C::flow}, {"sector", &C::sector}, {"atom", &C::atom},
+        {"PL", &C::PL}, {"ACC", &C::ACC}, {"DEC", &C::DEC}, {"time", &C::time},
+        {"ParaV", "velocity", &C::paraV}, {"ParaACC", "ACC", &C::paraAcc}, {"ParaDEC", "DEC", &C::paraDec},
+        {"ParaTIME", "time", &C::paraTime}, {"ParaPL", "PL", &C::paraPl}, {"point", &C::point},
+    };
+    return list;
+}
+
+std::string SPRAYCommand::toString() const
+{
+    const std::string gun = num(gunID);
+    switch (type) {
+    case 122: return withTail("SPRAY_ON G = " + gun);
+    case 123: return withTail("SPRAY_OFF G = " + gun);
+    case 124:
+        return withTail("SPRAY_CHANGE G = " + gun + " T = " + num(traID) + " AO = " + num(anaID) + " COLOR = "
+                        + num(colorID));
+    case 125:
+        return withTail("SPRAY_MOVE ID = " + num(seqID) + textOf(paraV) + textOf(paraPl) + textOf(paraAcc)
+                        + textOf(paraDec) + textOf(paraTime));
+    case 126: return withTail("SPRAY_STARTPOS ID = " + num(seqID) + " POINT = " + num(point));
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+// --- punch handling ------------------------------------------------------------
+
+const FieldList<PUNCHCommand> &PUNCHCommand::fields()
+{
+    using C = PUNCHCommand;
+    static const FieldList<C> list = {
+        {"positionId", &C::m_positionId}, {"RobotPos", &C::robotPos}, {"markPoint", &C::markPoint},
+        {"unDelete", &C::unDelete}, {"time", &C::time}, {"moveType", &C::moveType}, {"step", &C::step},
+    };
+    return list;
+}
+
+std::string PUNCHCommand::toString() const
+{
+    // Keywords that end in a space take the position directly; the others
+    // name the movement first.
+    const char *word = pick(type, {{160, "PUNCH "}, {161, "PUNCH_MOVE"}, {162, "PUNCH_PICK "},
+                                   {163, "PUNCH_PICKSAFEPOS"}, {164, "PUNCH_PICKUPPERPOS"}, {165, "PUNCH_PICKPOS"},
+                                   {166, "PUNCH_LAY "}, {167, "PUNCH_LAYSAFEPOS"}, {168, "PUNCH_LAYUPPERPOS"},
+                                   {169, "PUNCH_LAYPOS"}});
+    if (!word)
+        return withTail(kUnknownCommandText);
+    if (type == 160 || type == 162 || type == 166)
+        return withTail(word + m_positionId);
+    const char *move = pick(moveType, {{0, " MovJ "}, {1, " MovL "}});
+    if (!move)
+        return withTail(kUnknownCommandText);
+    return withTail(word + std::string(move) + m_positionId);
+}
+
+const FieldList<NEWPUNCHCommand> &NEWPUNCHCommand::fields()
+{
+    using C = NEWPUNCHCommand;
+    static const FieldList<C> list = {
+        {"positionId", &C::m_positionId}, {"RobotPos", &C::robotPos}, {"notice", &C::notice},
+        {"vUnit", &C::vUnit}, {"pl", &C::pl}, {"workstation", &C::workstation}, {"moveType", &C::moveType},
+        {"fixture", &C::fixture}, {"time", &C::time}, {"palletOn", &C::palletOn}, {"ID", &C::ID},
+        {"waitInValue", &C::waitInValue}, {"waitInState", &C::waitInState}, {"outValue", &C::outValue},
+        {"outState", &C::outState}, {"sync", &C::sync},
+    };
+    return list;
+}
+
+std::string NEWPUNCHCommand::toString() const
+{
+    const char *moveWord = pick(type, {{183, "PH_TOPREVSAFEPOS "}, {184, "PH_REPREVSAFEPOS "},
+                                       {185, "PH_TOLOCALSAFEPOS "}, {186, "PH_RELOCALSAFEPOS "},
+                                       {187, "PH_TOPREVUPPOS "}, {188, "PH_REPREVUPPOS "},
+                                       {189, "PH_TOLOCALUPPOS "}, {190, "PH_RELOCALUPPOS "},
+                                       {191, "PH_REACHPICKPOS "}, {192, "PH_REACHDROPPOS "}});
+    if (moveWord) {
+        const char *move = pick(moveType, {{0, " MovJ VJ = "}, {1, " MovL V = "}});
+        if (!move)
+            return withTail(kUnknownCommandText);
+        return withTail(moveWord + m_positionId + move + num(vUnit) + " PL = " + num(pl) + " SYNC = " + num(sync)
+                        + (notice ? " NOTICE" : " UNNOTICE") + (workstation == 0 ? " PREV" : " LOCAL"));
+    }
+    switch (type) {
+    case 193: return withTail("PH_DEALBEFOREPICK");
+    case 194: return withTail("PH_DEALBEFOREDROP");
+    case 195: return withTail("PH_DEALAFTERPICK");
+    case 196: return withTail("PH_DEALAFTERDROP");
+    case 197: return withTail("PH_FIXTUREOPEN FIXTURE_ID = " + num(fixture));
+    case 198: return withTail("PH_FIXTURECLOSE FIXTURE_ID = " + num(fixture));
+    case 199: return withTail("PH_STARTPUNCH");
+    case 200: return withTail("PH_WAITPUNCHDONE");
+    case 201: return withTail("PH_WAITDIN " + num(waitInValue) + " " + num(waitInState));
+    case 202: return withTail("PH_DOUT " + num(outValue) + " " + num(outState));
+    case 205: return withTail("PH_MULTIPLEPUNON ID = " + num(ID));
+    case 206: return withTail("PH_MULTIPLEPUNOFF ID = " + num(ID));
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+// --- vision and conveyors ------------------------------------------------------
+
+const FieldList<VisionCommand> &VisionCommand::fields()
+{
+    using C = VisionCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"M_STRPOSNUM", &C::M_STRPOSNUM}, {"m_positionId", &C::m_positionId},
+        {"RobotPos", &C::robotPos},
+    };
+    return list;
+}
+
+std::string VisionCommand::toString() const
+{
+    const char *word = pick(type, {{79, "VISION_RUN "}, {80, "VISION_TRG "}, {81, "VISION_POS "},
+                                   {82, "VISION_POSNUM "}, {83, "VISION_END "}, {84, "VISION_CLEAR "}});
+    if (!word)
+        return withTail(kUnknownCommandText);
+    std::string line = word + std::string("ID = ") + num(ID);
+    if (type == 81)
+        line += " " + m_positionId;
+    else if (type == 82)
+        line += " " + M_STRPOSNUM;
+    return withTail(line);
+}
+
+CONYTRACKCommand::CONYTRACKCommand(int type)
+    : FieldCommand(type), paraV(std::make_unique<ParaVCommand>()), paraAcc(std::make_unique<ParaAccCommand>())
+{
+}
+
+const FieldList<CONYTRACKCommand> &CONYTRACKCommand::fields()
+{
+    using C = CONYTRACKCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"posidtype", &C::posidtype}, {"posidname", &C::posidname},
+        {"m_positionId", &C::m_positionId}, {"removeType", &C::removeType}, {"ParaV", "velocity", &C::paraV},
+        {"ParaACC", "acc", &C::paraAcc}, {"m_postype", &C::m_postype}, {"RobotPos", &C::robotPos},
+    };
+    return list;
+}
+
+std::string CONYTRACKCommand::toString() const
+{
+    const std::string id = num(ID);
+    const std::string &where = target(posidtype, posidname, m_positionId);
+    switch (type) {
+    case 105: return withTail("CONVEYOR_ON " + id);
+    case 106: return withTail("CONVEYOR_OFF " + id);
+    case 107: return withTail("CONVEYOR_CHECKPOS " + id);
+    case 108: return withTail("CONVEYOR_CHECKEND " + id);
+    case 174: return withTail("CONVEYOR_POS " + where + " ID = " + id + textOf(paraV) + textOf(paraAcc));
+    case 217:
+        return withTail("CONVEYOR_REMOVE " + (removeType ? std::string("OUTP") : where) + " ID = " + id
+                        + textOf(paraV) + textOf(paraAcc));
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+} // namespace qrx

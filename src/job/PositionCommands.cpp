@@ -1,0 +1,286 @@
+#include "job/PositionCommands.h"
+
+#include "job/RenderHelpers.h"
+
+namespace qrx {
+
+using namespace render;
+
+const FieldList<READPOSCommand> &READPOSCommand::fields()
+{
+    using C = READPOSCommand;
+    static const FieldList<C> list = {
+        {"varname", &C::varname}, {"positionId", &C::m_positionId}, {"coord", &C::coord}, {"axis", &C::axis},
+        {"posidtype", &C::posidtype}, {"posidname", &C::posidname},
+    };
+    return list;
+}
+
+std::string READPOSCommand::toString() const
+{
+    if (type != 92)
+        return withTail(kUnknownCommandText);
+    const std::string where = posidtype == 2 ? std::string("CURPOS") : target(posidtype, posidname, m_positionId);
+    return withTail("READPOS " + varname + " " + where + " " + num(coord) + " " + num(axis));
+}
+
+const FieldList<POSCALCommand> &POSCALCommand::fields()
+{
+    using C = POSCALCommand;
+    static const FieldList<C> list = {
+        {"caltype", &C::caltype}, {"positionId", &C::m_positionId}, {"coord", &C::coord}, {"axis", &C::axis},
+        {"datatype", &C::datatype}, {"desData", &C::desData}, {"posidtype", &C::posidtype},
+        {"posidname", &C::posidname},
+    };
+    return list;
+}
+
+std::string POSCALCommand::toString() const
+{
+    const char *word = pick(caltype, {{0, "POSADD "}, {1, "POSSUB "}, {2, "POSSET "}});
+    if (type != 93 || !word)
+        return withTail(kUnknownCommandText);
+    return withTail(word + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + num(axis) + " "
+                    + desData);
+}
+
+const FieldList<POSCALALLCommand> &POSCALALLCommand::fields()
+{
+    using C = POSCALALLCommand;
+    static const FieldList<C> list = {
+        {"caltype", &C::caltype}, {"positionId", &C::m_positionId}, {"coord", &C::coord},
+        {"calData", &C::calData}, {"datatype", &C::datatype}, {"posidtype", &C::posidtype},
+        {"posidname", &C::posidname},
+    };
+    return list;
+}
+
+std::string POSCALALLCommand::toString() const
+{
+    const char *word = pick(caltype, {{0, "POSADDALL "}, {1, "POSSUBALL "}, {2, "POSSETALL "}});
+    if (type != 140 || !word)
+        return withTail(kUnknownCommandText);
+    return withTail(word + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + calData);
+}
+
+const FieldList<COPYPOSCommand> &COPYPOSCommand::fields()
+{
+    using C = COPYPOSCommand;
+    static const FieldList<C> list = {
+        {"cpposId", &C::cpposId}, {"cppostype", &C::cppostype}, {"cpposname", &C::cpposname},
+        {"cpdposId", &C::cpdposId}, {"cpdpostype", &C::cpdpostype}, {"cpdposname", &C::cpdposname},
+        {"cpaxletype", &C::cpaxletype}, {"cpaxles", &C::cpaxles},
+    };
+    return list;
+}
+
+std::string COPYPOSCommand::toString() const
+{
+    if (type != 118)
+        return withTail(kUnknownCommandText);
+    const std::string &destination = target(cpdpostype, cpdposname, cpdposId);
+    if (cppostype == 2)
+        return withTail("COPYPOS CURPOS TO " + destination);
+    return withTail("COPYPOS " + target(cppostype, cpposname, cpposId) + " TO " + destination);
+}
+
+const FieldList<SETPOSMSGCommand> &SETPOSMSGCommand::fields()
+{
+    using C = SETPOSMSGCommand;
+    static const FieldList<C> list = {
+        {"posidtype", &C::posidtype}, {"positionId", &C::m_positionId}, {"posidname", &C::posidname},
+        {"posDataType", &C::posDataType}, {"posData", &C::posData},
+    };
+    return list;
+}
+
+std::string SETPOSMSGCommand::toString() const
+{
+    if (type != 207)
+        return withTail(kUnknownCommandText);
+    return withTail("SETPOSMSG " + target(posidtype, posidname, m_positionId) + " " + posData);
+}
+
+const FieldList<READPOSMSGCommand> &READPOSMSGCommand::fields()
+{
+    using C = READPOSMSGCommand;
+    static const FieldList<C> list = {
+        {"varType", &C::varType}, {"message", &C::message}, {"positionId", &C::m_positionId},
+        {"varName", &C::varName},
+    };
+    return list;
+}
+
+std::string READPOSMSGCommand::toString() const
+{
+    const char *what = pick(varType, {{0, " TCS "}, {1, " UCS "}, {2, " CSTYPE "}, {3, " ANGLEUNIT "}, {4, " SHARP "}});
+    if (type != 173 || !what)
+        return withTail(kUnknownCommandText);
+    return withTail("READPOSMSG " + m_positionId + what + varName);
+}
+
+const FieldList<TOFFSETCommand> &TOFFSETCommand::fields()
+{
+    using C = TOFFSETCommand;
+    static const FieldList<C> list = {{"coord", &C::coord}, {"calData", &C::calData}, {"datatype", &C::datatype}};
+    return list;
+}
+
+std::string TOFFSETCommand::toString() const
+{
+    switch (type) {
+    case 141: return withTail("TOFFSETON " + num(coord) + " " + calData);
+    case 142: return withTail("TOFFSETOFF");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<UserCommand> &UserCommand::fields()
+{
+    using C = UserCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"coord", &C::coord}, {"varType", &C::varType}, {"m_varName", &C::m_varName},
+        {"m_newValue", &C::m_newValue},
+    };
+    return list;
+}
+
+std::string UserCommand::toString() const
+{
+    if (type != 97)
+        return withTail(kUnknownCommandText);
+    return withTail(std::string("USERFRAME_SET ") + "ID = " + num(ID) + " " + (varType == 0 ? m_newValue : m_varName));
+}
+
+const FieldList<ToolCommand> &ToolCommand::fields()
+{
+    using C = ToolCommand;
+    static const FieldList<C> list = {
+        {"ID", &C::ID}, {"coord", &C::coord}, {"varType", &C::varType}, {"m_varName", &C::m_varName},
+        {"m_newValue", &C::m_newValue},
+    };
+    return list;
+}
+
+std::string ToolCommand::toString() const
+{
+    if (type != 98)
+        return withTail(kUnknownCommandText);
+    return withTail(std::string("TOOLFRAME_SET ") + "ID = " + num(ID) + " " + (varType == 0 ? m_newValue : m_varName));
+}
+
+const FieldList<COORDCommand> &COORDCommand::fields()
+{
+    using C = COORDCommand;
+    static const FieldList<C> list = {
+        {"coordNum", &C::coordNum}, {"coordType", &C::coordType}, {"CoordA", &C::CoordA}, {"CoordB", &C::CoordB},
+        {"CoordC", &C::CoordC}, {"varType", &C::varType}, {"valueName", &C::valueName},
+    };
+    return list;
+}
+
+std::string COORDCommand::toString() const
+{
+    switch (type) {
+    case 49:
+        return withTail("USERCOORD_TRANS (" + num(coordNum) + ") " + num(CoordA) + " " + num(CoordB) + " "
+                        + num(CoordC));
+    case 50: return withTail("SWITCHUSER (" + num(coordNum) + ")");
+    case 117: return withTail("SWITCHUSER (" + valueName + ")");
+    default: return withTail(kUnknownCommandText);
+    }
+}
+
+const FieldList<POS_REACHABLECommand> &POS_REACHABLECommand::fields()
+{
+    using C = POS_REACHABLECommand;
+    static const FieldList<C> list = {
+        {"m_varType", &C::m_varType}, {"moveType", &C::moveType}, {"positionId", &C::m_positionId},
+        {"m_varname", &C::m_varname},
+    };
+    return list;
+}
+
+std::string POS_REACHABLECommand::toString() const
+{
+    const char *move = pick(moveType, {{0, " MOVJ "}, {1, " MOVL "}});
+    if (type != 133 || !move)
+        return withTail(kUnknownCommandText);
+    return withTail("POS_REACHABLE " + m_varname + move + m_positionId);
+}
+
+const FieldList<SWITCHSYNCCommand> &SWITCHSYNCCommand::fields()
+{
+    static const FieldList<SWITCHSYNCCommand> list = {{"syncgroup", &SWITCHSYNCCommand::syncgroup}};
+    return list;
+}
+
+std::string SWITCHSYNCCommand::toString() const
+{
+    if (type != 51)
+        return withTail(kUnknownCommandText);
+    return withTail("SWITCHSYNC " + num(syncgroup));
+}
+
+const FieldList<STRETCHCommand> &STRETCHCommand::fields()
+{
+    using C = STRETCHCommand;
+    static const FieldList<C> list = {
+        {"position1Id", &C::position1Id}, {"position2Id", &C::position2Id}, {"position3Id", &C::position3Id},
+        {"position1OutId", &C::position1OutId}, {"position2OutId", &C::position2OutId},
+        {"stretchL1", &C::stretchL1}, {"stretchL2", &C::stretchL2}, {"stretchType", &C::stretchType},
+    };
+    return list;
+}
+
+std::string STRETCHCommand::toString() const
+{
+    const char *shape = pick(stretchType, {{0, "LINE "}, {1, "ARC "}});
+    if (type != 175 || !shape)
+        return withTail(kUnknownCommandText);
+    return withTail("POS_STRETCH " + std::string(shape) + position1Id + " " + position2Id + " " + position3Id + " "
+                    + position1OutId + " " + position2OutId + " " + num(stretchL1) + " " + num(stretchL2));
+}
+
+const FieldList<MRESETCommand> &MRESETCommand::fields()
+{
+    static const FieldList<MRESETCommand> list = {{"exterAxis", &MRESETCommand::exterAxis}};
+    return list;
+}
+
+std::string MRESETCommand::toString() const
+{
+    if (type != 149)
+        return withTail(kUnknownCommandText);
+    return withTail("MRESET " + num(exterAxis));
+}
+
+const FieldList<SWICHPAYLOADCommand> &SWICHPAYLOADCommand::fields()
+{
+    using C = SWICHPAYLOADCommand;
+    static const FieldList<C> list = {{"intVar", &C::intVar}, {"stringVar", &C::stringVar}, {"posIDType", &C::posIDType}};
+    return list;
+}
+
+std::string SWICHPAYLOADCommand::toString() const
+{
+    if (type != 216)
+        return withTail(kUnknownCommandText);
+    return withTail("SWITCHPAYLOAD " + (posIDType == 1 ? stringVar : num(intVar)));
+}
+
+const FieldList<DragCommand> &DragCommand::fields()
+{
+    static const FieldList<DragCommand> list = {
+        {"trackName", &DragCommand::trackName}, {"trackSpeed", &DragCommand::trackSpeed}};
+    return list;
+}
+
+std::string DragCommand::toString() const
+{
+    if (type != 172)
+        return withTail(kUnknownCommandText);
+    return withTail("DRAG_TRAJECTORY " + trackName + " " + num(trackSpeed));
+}
+
+} // namespace qrx
