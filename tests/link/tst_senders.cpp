@@ -44,6 +44,33 @@ QString text(const char *utf8)
 
 } // namespace
 
+// Takes the answer notifications, queued into the test thread, as text.
+class AnswerListener : public QObject
+{
+    Q_OBJECT
+public:
+    QStringList events;
+
+public Q_SLOTS:
+    void onPayload(const QByteArray &data) { events << QString::fromUtf8(data); }
+    void onTestMode(signed char mode) { events << QString::number(int(mode)); }
+    void onData(quint16 command, const QByteArray &data)
+    {
+        events << QStringLiteral("0x%1 %2").arg(command, 4, 16, QLatin1Char('0')).arg(QString::fromUtf8(data));
+    }
+    void onPosition(const QVector<double> &position, int coord, int robot, int configuration)
+    {
+        QStringList values;
+        for (double v : position)
+            values << QString::number(v);
+        events << QStringLiteral("[%1] coord=%2 robot=%3 configuration=%4")
+                      .arg(values.join(QLatin1Char(',')))
+                      .arg(coord)
+                      .arg(robot)
+                      .arg(configuration);
+    }
+};
+
 class TestSenders : public QObject
 {
     Q_OBJECT
@@ -58,6 +85,8 @@ private Q_SLOTS:
     void downReturnsFalseAndWritesNothing_data();
     void downReturnsFalseAndWritesNothing();
     void invokedByNameQueued();
+    void answeredBySimulator_data();
+    void answeredBySimulator();
 
 private:
     void addSenderRows();
@@ -271,6 +300,88 @@ void TestSenders::invokedByNameQueued()
         expectedFrame(0x2301, "{\"deadman\":1}\n"),
     };
     QCOMPARE(commands, expected);
+}
+
+// The simulated controller answers each query, and reports the effect of
+// each set command, with the report that the state model reads.
+void TestSenders::answeredBySimulator_data()
+{
+    QTest::addColumn<SenderCall>("call");
+    QTest::addColumn<QByteArray>("signal");
+    QTest::addColumn<QByteArray>("slot");
+    QTest::addColumn<QString>("answer");
+
+    const QByteArray payload = SLOT(onPayload(QByteArray));
+    auto row = [](const char *name, SenderCall call, const char *signal, const QByteArray &slot, const char *answer) {
+        QTest::newRow(name) << call << QByteArray(signal) << slot << QString::fromLatin1(answer);
+    };
+    row("getServoStatus", [](TcpConnectModule &m) { return m.getServoStatus(); },
+        SIGNAL(receivedServoStatus(QByteArray)), payload, "{\"mode\":1,\"robot\":2,\"status\":3}\n");
+    row("getOperationMode", [](TcpConnectModule &m) { return m.getOperationMode(); },
+        SIGNAL(receivedOperationMode(QByteArray)), payload, "{\"mode\":1}\n");
+    row("getCoordinationMode", [](TcpConnectModule &m) { return m.getCoordinationMode(); },
+        SIGNAL(receivedCoordinationMode(QByteArray)), payload, "{\"coord\":2,\"robot\":2}\n");
+    row("getSpeed", [](TcpConnectModule &m) { return m.getSpeed(); }, SIGNAL(receivedSpeedInfo(QByteArray)),
+        payload, "{\"robot\":2,\"speed\":40}\n");
+    row("getTestMode", [](TcpConnectModule &m) { return m.getTestMode(); },
+        SIGNAL(receivedTestMode(signed char)), SLOT(onTestMode(signed char)), "1");
+    row("getPosition", [](TcpConnectModule &m) { return m.getPosition(); },
+        SIGNAL(receivedPosition(QVector<double>,int,int,int)), SLOT(onPosition(QVector<double>,int,int,int)),
+        "[10.5,-20,30.25,0,90,-45,0] coord=2 robot=2 configuration=3");
+    row("getSelectTool", [](TcpConnectModule &m) { return m.getSelectTool(); },
+        SIGNAL(receivedToolInfo(QByteArray)), payload, "{\"curToolNum\":5,\"robot\":2}\n");
+    row("getRobotRunStatus", [](TcpConnectModule &m) { return m.getRobotRunStatus(); },
+        SIGNAL(receivedProRunStatus(QByteArray)), payload, "{\"robot\":2,\"status\":2}\n");
+    row("setServoStatus ready", [](TcpConnectModule &m) { return m.setServoStatus(SERVO_READY); },
+        SIGNAL(receivedServoStatus(QByteArray)), payload, "{\"mode\":1,\"robot\":2,\"status\":1}\n");
+    row("setOperationMode run", [](TcpConnectModule &m) { return m.setOperationMode(OPERATION_RUN); },
+        SIGNAL(receivedOperationMode(QByteArray)), payload, "{\"mode\":2}\n");
+    row("setCoordinationMode user", [](TcpConnectModule &m) { return m.setCoordinationMode(COORD_USER); },
+        SIGNAL(receivedCoordinationMode(QByteArray)), payload, "{\"coord\":3,\"robot\":2}\n");
+    row("sendDeadmanCommand on", [](TcpConnectModule &m) { return m.sendDeadmanCommand(1); },
+        SIGNAL(receivedDeadmanStatus(QByteArray)), payload, "{\"deadman\":1}\n");
+    row("setSpeed 77", [](TcpConnectModule &m) { return m.setSpeed(77); }, SIGNAL(receivedSpeedInfo(QByteArray)),
+        payload, "{\"robot\":2,\"speed\":77}\n");
+    row("setTestMode -2", [](TcpConnectModule &m) { return m.setTestMode(-2); },
+        SIGNAL(receivedTestMode(signed char)), SLOT(onTestMode(signed char)), "-2");
+}
+
+void TestSenders::answeredBySimulator()
+{
+    QFETCH(SenderCall, call);
+    QFETCH(QByteArray, signal);
+    QFETCH(QByteArray, slot);
+    QFETCH(QString, answer);
+
+    m_sim->withModel([](qrxsim::ControllerModel &model) {
+        model.servoStatus = 3;
+        model.operationMode = 1;
+        model.coordinate = 2;
+        model.deadman = 0;
+        model.speed = 40;
+        model.testMode = 1;
+        model.currentTool = 5;
+        model.runStatus = 2;
+        const double position[7] = {10.5, -20.0, 30.25, 0.0, 90.0, -45.0, 0.0};
+        std::copy(std::begin(position), std::end(position), std::begin(model.positionDeg));
+        model.configuration = 3;
+    });
+    TcpConnectModule module(m_sim->address(), m_sim->port(), kTimeBase);
+    module.setCurrentRobotSource([] { return 2; });
+    AnswerListener listener;
+    QVERIFY(QObject::connect(&module, signal.constData(), &listener, slot.constData(), Qt::QueuedConnection));
+    QVERIFY(QObject::connect(&module, SIGNAL(receivedData(quint16,QByteArray)), &listener,
+                             SLOT(onData(quint16,QByteArray)), Qt::QueuedConnection));
+    connectModule(module);
+    if (QTest::currentTestFailed())
+        return;
+    // What the controller says on connect comes before this marker; drop it.
+    m_sim->send(0x0001, "settled");
+    QTRY_VERIFY_WITH_TIMEOUT(listener.events.contains(QStringLiteral("0x0001 settled")), kWaitMs);
+    listener.events.clear();
+
+    QVERIFY(call(module));
+    QTRY_VERIFY_WITH_TIMEOUT(listener.events.contains(answer), kWaitMs);
 }
 
 QTEST_GUILESS_MAIN(TestSenders)
