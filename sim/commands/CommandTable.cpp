@@ -19,6 +19,7 @@ std::vector<CommandEntry> commandTable()
     std::vector<CommandEntry> table;
     append(table, heartbeatCommands());
     append(table, sessionCommands());
+    append(table, statusCommands());
     append(table, robotReportCommands());
     return table;
 }

@@ -13,6 +13,10 @@ std::vector<CommandEntry> heartbeatCommands();
 std::vector<CommandEntry> sessionCommands();
 std::vector<TickEntry> sessionTicks();
 
+// Status queries and set commands: servo, mode, coordinate, deadman, speed,
+// test mode, position, tool, running state (reports 0x2003 ... 0x3D03).
+std::vector<CommandEntry> statusCommands();
+
 // Reports about the robots: sent on connect (type, count, current robot,
 // servo, mode) and on request (robot count, current robot).
 std::vector<CommandEntry> robotReportCommands();
