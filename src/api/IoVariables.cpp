@@ -1,0 +1,229 @@
+// Digital and analog IO, positions, global positions and variables, motor
+// figures. Writers send and return; readers send their query, wait for any
+// waking reply and copy what the Robot then holds into the caller's buffer
+// (a null buffer is left alone).
+
+#include "api/ApiState.h"
+#include "api/qrx_host.h"
+
+#include <QString>
+#include <algorithm>
+
+using qrx::api::nameOrEmpty;
+using qrx::api::payloadOf;
+using qrx::api::requestAndWait;
+
+namespace {
+
+constexpr int kIoPorts = 16;
+
+// The four IO readers: query code and the Robot cache the reply fills.
+struct IoReader
+{
+    quint16 code;
+    double (Robot::*cache)[kIoPorts];
+};
+
+constexpr IoReader kDout{0x3602, &Robot::dout};
+constexpr IoReader kDin{0x3605, &Robot::din};
+constexpr IoReader kAout{0x3608, &Robot::aout};
+constexpr IoReader kAin{0x360A, &Robot::ain};
+
+void copyOut(const double *from, int n, double *to)
+{
+    if (to)
+        std::copy(from, from + n, to);
+}
+
+void readIo(const IoReader &reader, double *out)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    requestAndWait(robot, reader.code);
+    copyOut(robot->*reader.cache, kIoPorts, out);
+}
+
+Json::Value robotOnly(Robot *robot)
+{
+    Json::Value v(Json::objectValue);
+    v["robot"] = robot->currentRobot();
+    return v;
+}
+
+// Global variable names: the first two characters give the type sent as
+// "varType", the last three digits the index in the Robot's caches.
+enum VarType { kOther = 0, kBool = 1, kInt = 2, kReal = 3 };
+
+VarType varTypeOf(const QString &name)
+{
+    if (name.startsWith(QLatin1String("GB")))
+        return kBool;
+    if (name.startsWith(QLatin1String("GI")))
+        return kInt;
+    if (name.startsWith(QLatin1String("GD")))
+        return kReal;
+    return kOther;
+}
+
+// The decimal value of the last three characters; 0 when they are no
+// number (a name shorter than five characters gives 0 or a wrong index).
+int varIndexOf(const QString &name)
+{
+    return name.right(3).toInt();
+}
+
+// The cached value of the named variable; 0.0 for an index outside the
+// caches or a name of no global type.
+double cachedGlobal(const Robot *robot, const QString &name)
+{
+    const int index = varIndexOf(name);
+    if (index < 0 || index >= Robot::kGlobalVarCount)
+        return 0.0;
+    switch (varTypeOf(name)) {
+    case kInt: return double(robot->globalInt[index]);
+    case kReal: return robot->globalReal[index];
+    case kBool: return robot->globalBool[index] ? 1.0 : 0.0;
+    case kOther: break;
+    }
+    return 0.0;
+}
+
+Json::Value varQuery(const QString &name)
+{
+    Json::Value v(Json::objectValue);
+    v["varType"] = int(varTypeOf(name));
+    v["varName"] = name.toStdString();
+    return v;
+}
+
+// The motor readers: a query and the rows its reply fills.
+void readMotorRows(Robot *robot, quint16 code, const double (&robotRows)[2][7], const double (&syncRows)[2][5],
+                   double *robotOne, double *robotTwo, double *syncOne, double *syncTwo)
+{
+    requestAndWait(robot, code, payloadOf(robotOnly(robot)));
+    copyOut(robotRows[0], 7, robotOne);
+    copyOut(robotRows[1], 7, robotTwo);
+    copyOut(syncRows[0], 5, syncOne);
+    copyOut(syncRows[1], 5, syncTwo);
+}
+
+} // namespace
+
+extern "C" {
+
+void set_dout(int port, int status)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v(Json::objectValue);
+    v["port"] = port;
+    v["status"] = status;
+    robot->send(0x3601, payloadOf(v));
+}
+
+void set_aout(int port, double value)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v(Json::objectValue);
+    v["port"] = port;
+    v["value"] = value;
+    robot->send(0x3607, payloadOf(v));
+}
+
+void get_dout(double *out) { readIo(kDout, out); }
+void get_din(double *out) { readIo(kDin, out); }
+void get_aout(double *out) { readIo(kAout, out); }
+void get_ain(double *out) { readIo(kAin, out); }
+
+void get_current_position(double *pos, int coord)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v = robotOnly(robot);
+    v["coord"] = coord;
+    requestAndWait(robot, 0x2F07, payloadOf(v));
+    // Whatever coordinate system the reply that ended the wait carried.
+    copyOut(robot->currentPosition, 6, pos);
+}
+
+void get_current_sync_position(double *pos)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v = robotOnly(robot);
+    v["coord"] = 0;
+    requestAndWait(robot, 0x7012, payloadOf(v));
+    copyOut(robot->syncPosition, 5, pos);
+}
+
+void get_GPosition(const char *name, double *out)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v = robotOnly(robot);
+    v["posName"] = QString::fromLatin1(nameOrEmpty(name)).toStdString();
+    requestAndWait(robot, 0x5605, payloadOf(v));
+    copyOut(robot->globalPosition, 14, out);
+}
+
+void set_GPosition(const char *posName, int coord, double *robotAxes, double *syncAxes)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    if (!robotAxes || !syncAxes)
+        return;
+    Json::Value v(Json::objectValue);
+    v["posName"] = QString::fromLatin1(nameOrEmpty(posName)).toStdString();
+    v["coord"] = coord;
+    v["robot"] = robot->overrideRobot();
+    Json::Value pos(Json::arrayValue);
+    for (int i = 0; i < 7; ++i)
+        pos.append(robotAxes[i]);
+    for (int i = 0; i < 7; ++i)
+        pos.append(syncAxes[i]);
+    v["pos"] = pos;
+    robot->send(0x5604, payloadOf(v));
+}
+
+double get_global_variant(const char *name)
+{
+    QRX_ROBOT_OR_RETURN(robot, 0.0);
+    const QString varName = QString::fromUtf8(nameOrEmpty(name));
+    requestAndWait(robot, 0x560B, payloadOf(varQuery(varName)));
+    return cachedGlobal(robot, varName);
+}
+
+void set_global_variant(const char *name, double value)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    const QString varName = QString::fromLatin1(nameOrEmpty(name));
+    Json::Value v = varQuery(varName);
+    v["varValue"] = value;
+    robot->send(0x5607, payloadOf(v));
+}
+
+double get_global_var(const char *name)
+{
+    QRX_ROBOT_OR_RETURN(robot, 0.0);
+    const QString varName = QString::fromLatin1(nameOrEmpty(name));
+    requestAndWait(robot, 0x560B, payloadOf(varQuery(varName)));
+    // The last global-variable reply, whatever variable it named.
+    return robot->globalVarValue;
+}
+
+void get_motor_vel(double *robotOne, double *robotTwo, double *syncOne, double *syncTwo)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    readMotorRows(robot, 0x2A04, robot->motorVel, robot->motorVelSync, robotOne, robotTwo, syncOne, syncTwo);
+}
+
+void get_motor_torque(double *robotOne, double *robotTwo, double *syncOne, double *syncTwo)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    readMotorRows(robot, 0x2A06, robot->motorTorque, robot->motorTorqueSync, robotOne, robotTwo, syncOne, syncTwo);
+}
+
+void get_motor_overload(double *robotRow, double *syncRow)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v = robotOnly(robot);
+    requestAndWait(robot, 0x2A0A, payloadOf(v));
+    copyOut(robot->motorOverload, 7, robotRow);
+    copyOut(robot->motorOverloadSync, 5, syncRow);
+}
+
+} // extern "C"

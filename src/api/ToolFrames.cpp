@@ -1,0 +1,169 @@
+// Tools, user frames and calibration: select a tool, write and read its
+// parameters, select a user frame, the four-point calibration, the DH
+// result, an axis's zero position and zero-position offsets.
+//
+// Every frame leaves through the API's Robot. While connected that is the
+// class-wide Robot instance; after a close, asking the instance accessor
+// would build an idle Robot without an address (which the next
+// connect_robot() would then pick up), and its frame would reach no
+// controller either, so the closed Robot's link takes it instead.
+
+#include "api/ApiState.h"
+#include "api/qrx_host.h"
+
+#include <algorithm>
+
+using qrx::api::payloadOf;
+using qrx::api::requestAndWait;
+
+namespace {
+
+constexpr int kToolValues = 6;
+constexpr double kZeroShiftLimit = 360.0;
+constexpr int kZeroShiftAxes = 6;
+constexpr int kZeroShiftValues = 7;
+
+Json::Value withRobot(Robot *robot)
+{
+    Json::Value v(Json::objectValue);
+    v["robot"] = robot->currentRobot();
+    return v;
+}
+
+void copyOut(const double *from, int n, double *to)
+{
+    if (to)
+        std::copy(from, from + n, to);
+}
+
+} // namespace
+
+extern "C" {
+
+void switch_tool_hand(int toolNum)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v = withRobot(robot);
+    v["curToolNum"] = toolNum;
+    robot->send(0x380A, payloadOf(v));
+}
+
+int get_current_tool_hand(void)
+{
+    QRX_ROBOT_OR_RETURN(robot, 0);
+    requestAndWait(robot, 0x380B, payloadOf(withRobot(robot)));
+    return robot->currentTool;
+}
+
+void set_tool_hand_param(int toolNum, double *tool)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    if (!tool)
+        return;
+    static const char *const keys[kToolValues] = {"x", "y", "z", "A", "B", "C"};
+    Json::Value values(Json::objectValue);
+    for (int i = 0; i < kToolValues; ++i)
+        values[keys[i]] = tool[i];
+    Json::Value v = withRobot(robot);
+    v["toolNum"] = toolNum;
+    v["tool"] = values;
+    robot->send(0x3805, payloadOf(v));
+}
+
+// The reply fills the parameters of the tool it names; the caller gets
+// those of the tool asked for (a tool number outside the cache gives
+// nothing).
+void query_tool_hand_param(int toolNum, double *out)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v(Json::objectValue);
+    v["toolNum"] = toolNum;
+    requestAndWait(robot, 0x3806, payloadOf(v));
+    if (toolNum >= 0 && toolNum < Robot::kToolCount)
+        copyOut(robot->toolParameters[toolNum], kToolValues, out);
+}
+
+void set_user_coord_number(int userNum)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value select = withRobot(robot);
+    select["userNum"] = userNum;
+    Json::Value inquiry(Json::objectValue);
+    inquiry["userNum"] = userNum;
+    inquiry["inquire"] = "Calibration";
+    robot->send(0x3C08, payloadOf(select));
+    robot->send(0x3C0A, payloadOf(inquiry));
+}
+
+// Takes no "no link" test: the controller's four points are asked for at
+// once. Before any connect_robot() there is no Robot to ask, so nothing is
+// sent and out is left alone rather than waiting for ever.
+void ask_four_point(double *out)
+{
+    Robot *robot = qrx::api::apiRobot();
+    if (!robot)
+        return;
+    requestAndWait(robot, 0x7207);
+    copyOut(robot->fourPointData, 9, out);
+}
+
+void four_point_mark(int pointNum, int status)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value v(Json::objectValue);
+    v["pointNum"] = pointNum;
+    v["status"] = status;
+    robot->send(0x7202, payloadOf(v));
+}
+
+void four_point_calculation(double first, double second, double *out)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    Json::Value params(Json::arrayValue);
+    params.append(first);
+    params.append(second);
+    Json::Value v(Json::objectValue);
+    v["ParamOf4Points"] = params;
+    requestAndWait(robot, 0x7201, payloadOf(v));
+    copyOut(robot->fourPointResult, 5, out);
+}
+
+bool result_for_DH(void)
+{
+    QRX_ROBOT_OR_RETURN(robot, false);
+    requestAndWait(robot, 0x7205);
+    return robot->dhResult.load() != 0;
+}
+
+bool set_axis_zero_position(int axis)
+{
+    QRX_ROBOT_OR_RETURN(robot, true); // true without a link, deliberately
+    if (robot->servoStatus == 2 || robot->servoStatus == 3)
+        return false;
+    robot->zeroCalibrationSuccess.store(0);
+    Json::Value v(Json::objectValue);
+    v["axis"] = axis;
+    v["clearEncoder"] = false;
+    requestAndWait(robot, 0x3301, payloadOf(v));
+    return robot->zeroCalibrationSuccess.load() != 0;
+}
+
+void set_zero_pos_shift(int axis, double value)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    if (value < -kZeroShiftLimit || value > kZeroShiftLimit)
+        return;
+    if (axis < 1 || axis > kZeroShiftAxes)
+        return;
+    // Integer zeros, the one shifted axis as a real.
+    Json::Value values(Json::arrayValue);
+    for (int i = 0; i < kZeroShiftValues; ++i)
+        values.append(0);
+    values[axis - 1] = value;
+    Json::Value v = withRobot(robot);
+    v["axis"] = axis;
+    v["value"] = values;
+    robot->send(0x3307, payloadOf(v));
+}
+
+} // extern "C"
