@@ -7,6 +7,9 @@
 #include <QString>
 #include <QtGlobal>
 #include <json/value.h>
+#include <array>
+#include <map>
+#include <string>
 #include <vector>
 
 namespace qrxsim {
@@ -23,6 +26,16 @@ struct ContinuousMotion
     int executed = 0;               // instructions worked off
     int refusedQueues = 0;          // queues received while the mode was closed
     qint64 sinceStepMs = 0;
+};
+
+// One tool of the controller (0x3805 sets it, 0x3807 reports it).
+struct SimTool
+{
+    double deg[6] = {0, 0, 0, 0, 0, 0}; // x, y, z, A, B, C
+    double mass = 1.5;
+    double inertia = 0.25;
+    double massCenter[3] = {0, 0, 0.125};
+    std::string note = "tool";
 };
 
 struct ControllerModel
@@ -47,6 +60,20 @@ struct ControllerModel
 
     // ---- robot reports: type, kinematic parameters, positions -------------
     int robotTypeWire = 1;    // 0x2E03 "type" (wire code: 1 six-axis)
+
+    // ---- robot parameters, tools, user frames, calibration ----------------
+    // (commands/RobotParamCommands.cpp)
+    std::map<int, SimTool> tools;              // by tool number (0x3805, 0x3806/0x3807)
+    int currentUserFrame = 0;                  // 0x3C08, 0x3C0B/0x3C0C "curUserNum"
+    std::map<int, std::array<double, 6>> userFrames; // 0x3C0A/0x3C09 "posDeg" by frame number
+    int userFrameValues = 6;                   // values per user frame: 6, or 4 for four-axis models
+    int fourPointStatus[4] = {0, 0, 0, 0};     // 0x7202 marks of points 1..4
+    double fourPointLength[3] = {0.5, 0.25, 0.125}; // 0x7204/0x7208 "length"
+    double fourPointDtheta = 0.75;             // 0x7204/0x7208 "dtheta"
+    std::vector<double> fourPointParams;       // last 0x7201 "ParamOf4Points"
+    int dhApply = 1;                           // 0x7206 "apply"
+    std::vector<int> zeroedAxes;               // 0x3301 "axis", in order
+    double zeroShift[7] = {0, 0, 0, 0, 0, 0, 0}; // 0x3307 offsets by axis
 
     // ---- IO and variables -------------------------------------------------
 

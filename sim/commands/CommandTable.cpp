@@ -21,6 +21,7 @@ std::vector<CommandEntry> commandTable()
     append(table, sessionCommands());
     append(table, statusCommands());
     append(table, robotReportCommands());
+    append(table, robotParamCommands());
     return table;
 }
 

@@ -2,7 +2,10 @@
 // The families of simulated controller behaviour. Each is defined in
 // commands/<Family>Commands.cpp and listed once in CommandTable.cpp.
 
+#include "sim/ControllerModel.h"
 #include "sim/commands/CommandTable.h"
+
+#include <json/value.h>
 
 namespace qrxsim {
 
@@ -21,5 +24,12 @@ std::vector<CommandEntry> statusCommands();
 // servo, mode) and on request (robot count, current robot).
 std::vector<CommandEntry> robotReportCommands();
 std::vector<ConnectEntry> robotReportsOnConnect();
+
+// Robot parameters, tools, user frames and calibrations: queries answered
+// from the model (0x2E02, 0x3806, 0x3C0A, 0x3C0B, 0x7201, 0x7205, 0x7207,
+// 0x3301) and the settings that change it (0x3805, 0x3C08, 0x7202, 0x3307).
+std::vector<CommandEntry> robotParamCommands();
+// The robot type report (0x2E03) of the model: {"type": wire code}.
+Json::Value robotTypeReportPayload(const ControllerModel &model);
 
 } // namespace qrxsim

@@ -1,0 +1,206 @@
+// The controller's robot parameters, tools, user frames and calibrations.
+//
+// On request it answers:
+//   0x2E02 robot type query          -> 0x2E03 {"type": wire code}
+//   0x3806 tool query {"toolNum"}    -> 0x3807 tool record of that tool
+//   0x3C0A user frame inquiry        -> 0x3C09 user frame record
+//   0x3C0B current user frame query  -> 0x3C0C {"curUserNum"}
+//   0x7207 four-point query          -> 0x7208 {"status"[4],"result","length"[3],"dtheta"}
+//   0x7201 four-point calculation    -> 0x7204 {"result","length"[3],"dtheta"}
+//   0x7205 DH calculation result     -> 0x7206 {"apply"}
+//   0x3301 axis zero position        -> 0x3303 {"axis"}
+// and takes the settings:
+//   0x3805 tool parameters {"robot","toolNum","tool":{"x","y","z","A","B","C"}}
+//   0x3C08 user frame selection {"robot","userNum"}, reported with 0x3C0C to every client
+//   0x7202 four-point mark {"pointNum","status"}
+//   0x3307 zero offset {"axis","robot","value"[7]}
+// Every other report of the robot's parameters and processes is sent on
+// request with SimHandle::send / sendJson.
+
+#include "common/Payload.h"
+#include "sim/Session.h"
+#include "sim/commands/Families.h"
+
+namespace qrxsim {
+
+namespace {
+
+using Handler = std::function<void(Session &, const ReceivedFrame &)>;
+
+Json::Value requestOf(const ReceivedFrame &frame)
+{
+    Json::Value request;
+    if (!qrx::parsePayload(frame.payload, request) || !request.isObject())
+        return Json::Value(Json::objectValue);
+    return request;
+}
+
+int intOf(const Json::Value &request, const char *key, int fallback = 0)
+{
+    const Json::Value v = request.get(key, Json::Value());
+    return v.isNumeric() ? v.asInt() : fallback;
+}
+
+double realOf(const Json::Value &object, const char *key)
+{
+    const Json::Value v = object.get(key, Json::Value());
+    return v.isNumeric() ? v.asDouble() : 0.0;
+}
+
+Json::Value reals(const double *values, int n)
+{
+    Json::Value array(Json::arrayValue);
+    for (int i = 0; i < n; ++i)
+        array.append(values[i]);
+    return array;
+}
+
+Json::Value toolReport(const ControllerModel &m, int toolNum)
+{
+    const SimTool tool = m.tools.count(toolNum) ? m.tools.at(toolNum) : SimTool();
+    Json::Value v(Json::objectValue);
+    v["toolNum"] = toolNum;
+    v["toolDeg"] = reals(tool.deg, 6);
+    v["payload_mass"] = tool.mass;
+    v["payload_inertia"] = tool.inertia;
+    v["payload_mass_center_X"] = tool.massCenter[0];
+    v["payload_mass_center_Y"] = tool.massCenter[1];
+    v["payload_mass_center_Z"] = tool.massCenter[2];
+    v["note"] = tool.note;
+    return v;
+}
+
+Json::Value currentUserFrameReport(const ControllerModel &m)
+{
+    Json::Value v(Json::objectValue);
+    v["curUserNum"] = m.currentUserFrame;
+    return v;
+}
+
+Json::Value userFrameReport(const ControllerModel &m, int userNum)
+{
+    Json::Value v(Json::objectValue);
+    v["userNum"] = userNum;
+    v["inquire"] = 1;
+    v["status"] = 1;
+    v["Calibration"] = 1;
+    const auto frame = m.userFrames.find(userNum);
+    static const double none[6] = {};
+    v["posDeg"] = reals(frame != m.userFrames.end() ? frame->second.data() : none, m.userFrameValues);
+    return v;
+}
+
+bool allPointsMarked(const ControllerModel &m)
+{
+    for (int status : m.fourPointStatus)
+        if (status == 0)
+            return false;
+    return true;
+}
+
+Json::Value fourPointResult(const ControllerModel &m)
+{
+    Json::Value v(Json::objectValue);
+    v["result"] = allPointsMarked(m) ? 1 : 0;
+    v["length"] = reals(m.fourPointLength, 3);
+    v["dtheta"] = m.fourPointDtheta;
+    return v;
+}
+
+Json::Value fourPointReport(const ControllerModel &m)
+{
+    Json::Value v = fourPointResult(m);
+    Json::Value status(Json::arrayValue);
+    for (int s : m.fourPointStatus)
+        status.append(s);
+    v["status"] = status;
+    return v;
+}
+
+Handler answer(quint16 code, Json::Value (*report)(const ControllerModel &))
+{
+    return [code, report](Session &s, const ReceivedFrame &) { s.replyJson(code, report(s.model())); };
+}
+
+} // namespace
+
+Json::Value robotTypeReportPayload(const ControllerModel &m)
+{
+    Json::Value v(Json::objectValue);
+    v["type"] = m.robotTypeWire;
+    return v;
+}
+
+std::vector<CommandEntry> robotParamCommands()
+{
+    return {
+        {0x2E02, answer(0x2E03, robotTypeReportPayload)},
+        {0x3805,
+         [](Session &s, const ReceivedFrame &frame) {
+             const Json::Value request = requestOf(frame);
+             const Json::Value values = request.get("tool", Json::Value());
+             if (!values.isObject())
+                 return;
+             SimTool &tool = s.model().tools[intOf(request, "toolNum")];
+             const char *const keys[6] = {"x", "y", "z", "A", "B", "C"};
+             for (int i = 0; i < 6; ++i)
+                 tool.deg[i] = realOf(values, keys[i]);
+         }},
+        {0x3806,
+         [](Session &s, const ReceivedFrame &frame) {
+             s.replyJson(0x3807, toolReport(s.model(), intOf(requestOf(frame), "toolNum")));
+         }},
+        {0x3C08,
+         [](Session &s, const ReceivedFrame &frame) {
+             s.model().currentUserFrame = intOf(requestOf(frame), "userNum", s.model().currentUserFrame);
+             s.broadcastJson(0x3C0C, currentUserFrameReport(s.model()));
+         }},
+        {0x3C0A,
+         [](Session &s, const ReceivedFrame &frame) {
+             s.replyJson(0x3C09, userFrameReport(s.model(), intOf(requestOf(frame), "userNum")));
+         }},
+        {0x3C0B, answer(0x3C0C, currentUserFrameReport)},
+        {0x7202,
+         [](Session &s, const ReceivedFrame &frame) {
+             const Json::Value request = requestOf(frame);
+             const int point = intOf(request, "pointNum");
+             if (point >= 1 && point <= 4)
+                 s.model().fourPointStatus[point - 1] = intOf(request, "status");
+         }},
+        {0x7207, answer(0x7208, fourPointReport)},
+        {0x7201,
+         [](Session &s, const ReceivedFrame &frame) {
+             const Json::Value params = requestOf(frame).get("ParamOf4Points", Json::Value());
+             s.model().fourPointParams.clear();
+             if (params.isArray())
+                 for (const Json::Value &p : params)
+                     s.model().fourPointParams.push_back(p.isNumeric() ? p.asDouble() : 0.0);
+             s.replyJson(0x7204, fourPointResult(s.model()));
+         }},
+        {0x7205,
+         [](Session &s, const ReceivedFrame &) {
+             Json::Value v(Json::objectValue);
+             v["apply"] = s.model().dhApply;
+             s.replyJson(0x7206, v);
+         }},
+        {0x3301,
+         [](Session &s, const ReceivedFrame &frame) {
+             const int axis = intOf(requestOf(frame), "axis");
+             s.model().zeroedAxes.push_back(axis);
+             Json::Value v(Json::objectValue);
+             v["axis"] = axis;
+             s.replyJson(0x3303, v);
+         }},
+        {0x3307,
+         [](Session &s, const ReceivedFrame &frame) {
+             const Json::Value request = requestOf(frame);
+             const int axis = intOf(request, "axis");
+             const Json::Value value = request.get("value", Json::Value());
+             if (axis >= 1 && axis <= 7 && value.isArray() && Json::ArrayIndex(axis - 1) < value.size()
+                 && value[axis - 1].isNumeric())
+                 s.model().zeroShift[axis - 1] = value[axis - 1].asDouble();
+         }},
+    };
+}
+
+} // namespace qrxsim
