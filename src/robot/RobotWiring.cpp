@@ -11,13 +11,14 @@ namespace {
 
 using R = WiringRow;
 
-// link notification -> Robot slot or signal. Signatures are normalised
-// (const QByteArray & is written QByteArray).
+// link notification -> Robot slot or signal. Signatures are normalised as
+// the meta-object system writes them (const QByteArray & is QByteArray,
+// quint16 is ushort, quint8 is uchar).
 const WiringRow kRows[] = {
     // ---- core: connection and raw frames ----------------------------------
     {"connectSucceed(int)", "robot_net_slot_connectSucceed(int)", R::Slot},
-    {"receivedData(quint16,QByteArray)", "robot_net_slot_receivedDataProcess(quint16,QByteArray)", R::Slot},
-    {"receivedRunningMode(uchar)", "robot_net_slot_runningStatusProcess(quint8)", R::Slot},
+    {"receivedData(ushort,QByteArray)", "robot_net_slot_receivedDataProcess(ushort,QByteArray)", R::Slot},
+    {"receivedRunningMode(uchar)", "robot_net_slot_runningStatusProcess(uchar)", R::Slot},
     // ---- core: status ------------------------------------------------------
     {"receivedServoStatus(QByteArray)", "robot_net_slot_servoChangedProcess(QByteArray)", R::Slot},
     {"receivedOperationMode(QByteArray)", "robot_net_slot_modeProcess(QByteArray)", R::Slot},
