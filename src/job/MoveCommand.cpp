@@ -88,10 +88,15 @@ const char *MoveCommand::keyword(int type)
 
 void MoveCommand::fromJson(const Json::Value &json, PositionTable *table)
 {
+    // The begin and move of an external-axis circle carry no position: it is
+    // neither read nor put into the table.
+    if ((type == 54 || type == 55) && json.isObject() && json.isMember("RobotPos")) {
+        Json::Value withoutPosition = json;
+        withoutPosition.removeMember("RobotPos");
+        FieldCommand::fromJson(withoutPosition, table);
+        return;
+    }
     FieldCommand::fromJson(json, table);
-    // The begin and move of an external-axis circle carry no position.
-    if (type == 54 || type == 55)
-        robotPos.reset();
 }
 
 RobotPos *MoveCommand::position() const

@@ -1,8 +1,11 @@
 #include "job/ParaCommand.h"
 
+#include "job/JsonRead.h"
 #include "job/TextFormat.h"
 
 namespace qrx {
+
+using namespace jsonread;
 
 std::string ParaCommand::valueText() const
 {
@@ -25,9 +28,9 @@ Json::Value ParaCommand::toJson() const
 
 void ParaCommand::fromJson(const Json::Value &json)
 {
-    value = json["value"].asInt();
-    data = json["data"].asDouble();
-    varname = json["varname"].asString();
+    value = readInt(json, "value");
+    data = readDouble(json, "data");
+    varname = readString(json, "varname");
 }
 
 const char *ParaAccCommand::label() const { return " ACC = "; }
@@ -65,7 +68,7 @@ Json::Value ParaVCommand::toJson() const
 void ParaVCommand::fromJson(const Json::Value &json)
 {
     ParaCommand::fromJson(json);
-    m_vUnit = json["m_vUnit"].asInt();
+    m_vUnit = readInt(json, "m_vUnit");
 }
 
 Json::Value ParaVarCommand::toJson() const
@@ -80,10 +83,10 @@ Json::Value ParaVarCommand::toJson() const
 
 void ParaVarCommand::fromJson(const Json::Value &json)
 {
-    value = json["value"].asInt();
-    data = json["data"].asDouble();
-    varname = json["varname"].asString();
-    secondvalue = json["secondvalue"].asInt();
+    value = readInt(json, "value");
+    data = readDouble(json, "data");
+    varname = readString(json, "varname");
+    secondvalue = readInt(json, "secondvalue");
 }
 
 } // namespace qrx
