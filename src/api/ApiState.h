@@ -13,6 +13,8 @@
 #include <QMutexLocker>
 #include <json/value.h>
 
+#include <type_traits>
+
 namespace qrx::api {
 
 // The Robot the API talks to, or null before the first connect_robot().
@@ -29,7 +31,7 @@ inline const char *nameOrEmpty(const char *name) { return name ? name : ""; }
 // queries to the robot), wait on the reply condition without a time-out,
 // unlock. Any waking reply of the robot's handlers ends the wait, whatever it
 // answers; the caller then reads the cache as it stands.
-template <class Send>
+template <class Send, class = std::enable_if_t<std::is_invocable_v<Send &>>>
 void requestAndWait(Robot *robot, Send &&send)
 {
     QMutexLocker lock(&robot->replyMutex);

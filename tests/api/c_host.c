@@ -1,0 +1,263 @@
+/*
+ * A host program in plain C (no Qt of its own) that drives the library
+ * through qrx_host.h against a minimal controller of its own: a listening
+ * socket on a loopback address, a thread that records every frame, answers
+ * heartbeats and sends what the test asks for.
+ *
+ * Usage: c_host [address]   (exit status 0 when every check held)
+ */
+#include "qrx_host.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <pthread.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/socket.h>
+#include <time.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#define MAX_FRAMES 512
+#define MAX_PAYLOAD 1024
+
+struct frame {
+    unsigned code;
+    size_t length;
+    char payload[MAX_PAYLOAD + 1];
+};
+
+static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
+static struct frame frames[MAX_FRAMES];
+static int frameCount;
+static int client = -1;
+static int failures;
+static char callbackText[256];
+static int callbackCalls;
+
+#define CHECK(cond)                                                          \
+    do {                                                                     \
+        if (!(cond)) {                                                       \
+            fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, \
+                    #cond);                                                  \
+            ++failures;                                                      \
+        }                                                                    \
+    } while (0)
+
+static double nowSeconds(void)
+{
+    struct timespec ts;
+    clock_gettime(CLOCK_MONOTONIC, &ts);
+    return (double)ts.tv_sec + ts.tv_nsec / 1e9;
+}
+
+static size_t encode(unsigned code, const char *payload, unsigned char *out)
+{
+    size_t length = strlen(payload);
+    uLong crc;
+    out[0] = 0x4E;
+    out[1] = 0x66;
+    out[2] = (unsigned char)(length >> 8);
+    out[3] = (unsigned char)length;
+    out[4] = (unsigned char)(code >> 8);
+    out[5] = (unsigned char)code;
+    memcpy(out + 6, payload, length);
+    crc = crc32(0L, out + 2, (uInt)(length + 4));
+    out[6 + length] = (unsigned char)(crc >> 24);
+    out[7 + length] = (unsigned char)(crc >> 16);
+    out[8 + length] = (unsigned char)(crc >> 8);
+    out[9 + length] = (unsigned char)crc;
+    return length + 10;
+}
+
+static void sendFrame(unsigned code, const char *payload)
+{
+    unsigned char bytes[MAX_PAYLOAD + 10];
+    size_t size = encode(code, payload, bytes);
+    pthread_mutex_lock(&lock);
+    if (client >= 0 && write(client, bytes, size) != (ssize_t)size)
+        fprintf(stderr, "short write\n");
+    pthread_mutex_unlock(&lock);
+}
+
+static int readAll(int fd, unsigned char *to, size_t size)
+{
+    size_t done = 0;
+    while (done < size) {
+        ssize_t n = read(fd, to + done, size - done);
+        if (n <= 0)
+            return 0;
+        done += (size_t)n;
+    }
+    return 1;
+}
+
+/* Accepts one client and records its frames until it goes away. */
+static void *controller(void *arg)
+{
+    int server = *(int *)arg;
+    int fd = accept(server, NULL, NULL);
+    unsigned char head[6];
+    if (fd < 0)
+        return NULL;
+    pthread_mutex_lock(&lock);
+    client = fd;
+    pthread_mutex_unlock(&lock);
+    while (readAll(fd, head, 6)) {
+        unsigned length = (unsigned)head[2] << 8 | head[3];
+        unsigned code = (unsigned)head[4] << 8 | head[5];
+        unsigned char body[65536 + 4];
+        if (head[0] != 0x4E || head[1] != 0x66 || !readAll(fd, body, length + 4))
+            break;
+        if (code == 0x7266) {
+            char echo[MAX_PAYLOAD + 1];
+            size_t n = length < MAX_PAYLOAD ? length : MAX_PAYLOAD;
+            memcpy(echo, body, n);
+            echo[n] = 0;
+            sendFrame(0x7267, echo);
+            continue;
+        }
+        pthread_mutex_lock(&lock);
+        if (frameCount < MAX_FRAMES) {
+            struct frame *f = &frames[frameCount++];
+            f->code = code;
+            f->length = length < MAX_PAYLOAD ? length : MAX_PAYLOAD;
+            memcpy(f->payload, body, f->length);
+            f->payload[f->length] = 0;
+        }
+        pthread_mutex_unlock(&lock);
+    }
+    return NULL;
+}
+
+/* Index of the first frame with that code at or after `from`, or -1; waits
+ * up to timeout seconds for it. */
+static int waitForFrame(unsigned code, int from, double timeout)
+{
+    double deadline = nowSeconds() + timeout;
+    do {
+        int i;
+        pthread_mutex_lock(&lock);
+        for (i = from; i < frameCount; ++i) {
+            if (frames[i].code == code) {
+                pthread_mutex_unlock(&lock);
+                return i;
+            }
+        }
+        pthread_mutex_unlock(&lock);
+        usleep(2000);
+    } while (nowSeconds() < deadline);
+    return -1;
+}
+
+static int countFrames(unsigned code)
+{
+    int i, n = 0;
+    pthread_mutex_lock(&lock);
+    for (i = 0; i < frameCount; ++i)
+        n += frames[i].code == code;
+    pthread_mutex_unlock(&lock);
+    return n;
+}
+
+static int payloadIs(int index, const char *expected)
+{
+    int same;
+    if (index < 0)
+        return 0;
+    pthread_mutex_lock(&lock);
+    same = strcmp(frames[index].payload, expected) == 0;
+    pthread_mutex_unlock(&lock);
+    return same;
+}
+
+static void onError(const char *text)
+{
+    pthread_mutex_lock(&lock);
+    snprintf(callbackText, sizeof callbackText, "%s", text);
+    ++callbackCalls;
+    pthread_mutex_unlock(&lock);
+}
+
+static int waitForCallback(int calls, double timeout)
+{
+    double deadline = nowSeconds() + timeout;
+    do {
+        int n;
+        pthread_mutex_lock(&lock);
+        n = callbackCalls;
+        pthread_mutex_unlock(&lock);
+        if (n >= calls)
+            return 1;
+        usleep(2000);
+    } while (nowSeconds() < deadline);
+    return 0;
+}
+
+int main(int argc, char **argv)
+{
+    const char *address = argc > 1 ? argv[1] : "127.3.0.1";
+    struct sockaddr_in at;
+    int server, one = 1, index;
+    pthread_t thread;
+
+    /* Without a link every function returns at once. */
+    CHECK(connection_status() == 0);
+    disconnect_robot();
+    continuous_motion_start();
+    continuous_motion_mode(1);
+
+    server = socket(AF_INET, SOCK_STREAM, 0);
+    setsockopt(server, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
+    memset(&at, 0, sizeof at);
+    at.sin_family = AF_INET;
+    at.sin_port = htons(6001);
+    if (inet_pton(AF_INET, address, &at.sin_addr) != 1
+        || bind(server, (struct sockaddr *)&at, sizeof at) != 0 || listen(server, 4) != 0) {
+        fprintf(stderr, "cannot listen on %s:6001\n", address);
+        return 2;
+    }
+    pthread_create(&thread, NULL, controller, &server);
+
+    CHECK(connect_robot(address) == 1);
+    CHECK(connection_status() == 1);
+    index = waitForFrame(0x5052, 0, 10.0);
+    CHECK(index >= 0);
+    CHECK(payloadIs(index, ""));
+
+    /* A second connect while connected returns 0 at once. */
+    {
+        double start = nowSeconds();
+        CHECK(connect_robot(address) == 0);
+        CHECK(nowSeconds() - start < 0.5);
+    }
+
+    /* Controller errors reach the handler on the library's thread. */
+    setErrorHandle(onError);
+    sendFrame(0x2B03, "{\"data\":\"C host\"}\n");
+    CHECK(waitForCallback(1, 10.0));
+    pthread_mutex_lock(&lock);
+    CHECK(strcmp(callbackText, "错误： C host") == 0);
+    pthread_mutex_unlock(&lock);
+
+    continuous_motion_mode(0);
+    index = waitForFrame(0x50B1, 0, 10.0);
+    CHECK(payloadIs(index, "{\"open\":false}\n"));
+    index = waitForFrame(0x2101, index, 10.0);
+    CHECK(payloadIs(index, "{\"mode\":0}\n"));
+
+    disconnect_robot();
+    index = waitForFrame(0x7277, 0, 10.0);
+    CHECK(payloadIs(index, ""));
+    disconnect_robot();
+    CHECK(countFrames(0x5052) == 1);
+    CHECK(countFrames(0x7277) == 1);
+
+    close(server);
+    if (failures)
+        fprintf(stderr, "%d check(s) failed\n", failures);
+    else
+        printf("c_host: all checks passed\n");
+    return failures ? 1 : 0;
+}
