@@ -86,9 +86,15 @@ Robot::Robot(const QString &ip, QObject *parent)
 
 Robot::~Robot()
 {
-    QMutexLocker lock(&s_instanceMutex);
-    if (s_instance == this)
-        s_instance = nullptr;
+    {
+        QMutexLocker lock(&s_instanceMutex);
+        if (s_instance == this)
+            s_instance = nullptr;
+    }
+    // The handlers run on the link thread and write the fields below: join
+    // that thread while they still exist, not later among the children.
+    delete m_link;
+    m_link = nullptr;
 }
 
 TcpConnectModule *Robot::link() const
