@@ -4,6 +4,8 @@
 // SimHandle::withModel. Each family of commands keeps its fields in its own
 // section below, so that families never step on each other.
 
+#include "sim/CellModel.h"
+
 #include <QString>
 #include <QtGlobal>
 #include <json/value.h>
@@ -76,8 +78,14 @@ struct ControllerModel
     double zeroShift[7] = {0, 0, 0, 0, 0, 0, 0}; // 0x3307 offsets by axis
 
     // ---- IO and variables -------------------------------------------------
+    // (commands/IoCommands.cpp)
+    SimIo io;
+    SimGlobals globals;
 
     // ---- motion -----------------------------------------------------------
+    // (commands/MotionCommands.cpp) moves and jogging of positionDeg and the
+    // synchronous axes, drive engagement
+    SimMotion motion;
 
     // ---- session: post-connection request, farewell, continuous motion ---
     int postConnectionRequests = 0; // 0x5052 received
@@ -85,6 +93,8 @@ struct ControllerModel
     ContinuousMotion continuous;
 
     // ---- jobs -------------------------------------------------------------
+    // (commands/JobCommands.cpp) runStatus above is the runner's state
+    SimJobRunner job;
 };
 
 } // namespace qrxsim

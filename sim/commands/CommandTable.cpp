@@ -22,6 +22,10 @@ std::vector<CommandEntry> commandTable()
     append(table, statusCommands());
     append(table, robotReportCommands());
     append(table, robotParamCommands());
+    append(table, ioCommands());
+    append(table, motionCommands());
+    append(table, jobCommands());
+    append(table, toolCommands());
     return table;
 }
 
@@ -29,6 +33,8 @@ std::vector<TickEntry> tickTable()
 {
     std::vector<TickEntry> table;
     append(table, sessionTicks());
+    append(table, motionTicks());
+    append(table, jobTicks());
     return table;
 }
 

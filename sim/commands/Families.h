@@ -32,4 +32,21 @@ std::vector<CommandEntry> robotParamCommands();
 // The robot type report (0x2E03) of the model: {"type": wire code}.
 Json::Value robotTypeReportPayload(const ControllerModel &model);
 
+// IO, positions, global variables and positions, motor figures
+// (0x3601..0x360B, 0x2F07, 0x7012, 0x5604..0x560B, 0x2A04..0x2A0A).
+std::vector<CommandEntry> ioCommands();
+
+// Moves 0x4501..0x4509 and jogging 0x2901/0x2902, moved every tick; the
+// drives engaging when the deadman power comes on.
+std::vector<CommandEntry> motionCommands();
+std::vector<TickEntry> motionTicks();
+
+// Jobs: open, run, step, pause, continue, stop, delete, runs, running line,
+// cycle figures; the runner advances the line every tick.
+std::vector<CommandEntry> jobCommands();
+std::vector<TickEntry> jobTicks();
+
+// Tool selection 0x380A, reported with 0x380C.
+std::vector<CommandEntry> toolCommands();
+
 } // namespace qrxsim

@@ -1,0 +1,267 @@
+// Moves, jogging and the drives of the simulated controller.
+//
+// Moves 0x4501..0x4509 queue their target points; every tick the axes travel
+// toward the next point on a straight line in axis space, all axes arriving
+// together, at the commanded "vel" percent of SimMotion::maxAxisSpeed. The
+// move frames are answered with nothing; a host watches the position
+// (0x2F07 / 0x2A02). Circles pass through their three points (a full circle
+// returns to the first one); the simulator has no kinematics.
+//
+// Jogging: each 0x2901 {"axis","direction"} keeps the axis moving for
+// SimMotion::jogHoldMs at the jog speed (0x2601 percent of maxJogSpeed), so
+// the axis moves for as long as the host's steps keep coming; with the
+// jog-step speeds 101..103 each frame moves it once by 0.1, 0.01 or 0.001.
+// 0x2902 stops it at once. Axes 8..12 are the synchronous axes 1..5.
+//
+// Drives: servo state 1 with deadman power on becomes 3 (running) after
+// SimMotion::driveEngageMs; deadman power off turns 3 back into 1 and stops
+// every motion. Both changes are reported with 0x2003 to every client.
+//
+// Refusals (error 0x2B03): moves and jog steps while the servo is not
+// running, jog steps outside teach mode.
+
+#include "sim/Session.h"
+#include "sim/Simulator.h"
+#include "sim/commands/Families.h"
+#include "sim/commands/Refusal.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qrxsim {
+
+namespace {
+
+constexpr int kServoReady = 1;
+constexpr int kServoRunning = 3;
+constexpr int kTeachMode = 0;
+
+SimWaypoint here(const ControllerModel &m)
+{
+    SimWaypoint w;
+    std::copy(m.positionDeg, m.positionDeg + 7, w.robot.begin());
+    w.sync = m.motion.sync;
+    return w;
+}
+
+// A point of n values: the robot's six axes, then (n = 12) the synchronous
+// axes; what a point leaves out stays as it is at `from`.
+bool readPoint(const Json::Value &array, int n, const SimWaypoint &from, SimWaypoint &out)
+{
+    if (!array.isArray() || int(array.size()) < n)
+        return false;
+    out = from;
+    for (int i = 0; i < 6; ++i)
+        out.robot[i] = array[i].asDouble();
+    for (int i = 6; i < n && i - 6 < 5; ++i)
+        out.sync[i - 6] = array[i].asDouble();
+    return true;
+}
+
+// The points of one move request, in travel order.
+bool pointsOf(quint16 code, const Json::Value &request, const SimWaypoint &start, std::vector<SimWaypoint> &points)
+{
+    const bool extra = code >= 0x4507;
+    const int n = extra ? 12 : 6;
+    SimWaypoint last = start;
+    auto add = [&](const Json::Value &array) {
+        SimWaypoint p;
+        if (!readPoint(array, n, last, p))
+            return false;
+        points.push_back(p);
+        last = p;
+        return true;
+    };
+    switch (code) {
+    case 0x4501: case 0x4502: case 0x4507: case 0x4508:
+        return add(request["pos"]);
+    case 0x4503: case 0x4509:
+        if (!add(request["posOne"]) || !add(request["posTwo"]) || !add(request["posThree"]))
+            return false;
+        if (request.get("isFull", false).asBool())
+            points.push_back(points.front());
+        return true;
+    case 0x4504:
+        if (!request["pos"].isArray())
+            return false;
+        for (const Json::Value &p : request["pos"])
+            if (!add(p))
+                return false;
+        return true;
+    default:
+        return false;
+    }
+}
+
+void takeMove(Session &s, const ReceivedFrame &frame)
+{
+    ControllerModel &m = s.model();
+    if (m.servoStatus != kServoRunning) {
+        refuse(s, "move refused: the servo is not running");
+        return;
+    }
+    const Json::Value request = requestObject(frame.payload);
+    const SimWaypoint start = m.motion.waypoints.empty() ? here(m) : m.motion.waypoints.back();
+    std::vector<SimWaypoint> points;
+    if (!pointsOf(frame.command, request, start, points) || points.empty()) {
+        refuse(s, "move refused: bad target points");
+        return;
+    }
+    m.motion.speedPercent = std::clamp(requestInt(request, "vel", 10), 1, 100);
+    m.motion.waypoints.insert(m.motion.waypoints.end(), points.begin(), points.end());
+    ++m.motion.moves;
+}
+
+double *jogTarget(ControllerModel &m, int axis)
+{
+    if (axis >= 1 && axis <= 7)
+        return &m.positionDeg[axis - 1];
+    if (axis >= 8 && axis <= 12)
+        return &m.motion.sync[axis - 8];
+    return nullptr;
+}
+
+void takeJogStep(Session &s, const ReceivedFrame &frame)
+{
+    ControllerModel &m = s.model();
+    ++m.motion.jogSteps;
+    if (m.servoStatus != kServoRunning) {
+        refuse(s, "jog refused: the servo is not running");
+        return;
+    }
+    if (m.operationMode != kTeachMode) {
+        refuse(s, "jog refused: not in teach mode");
+        return;
+    }
+    const Json::Value request = requestObject(frame.payload);
+    const int axis = requestInt(request, "axis");
+    const int direction = requestInt(request, "direction") < 0 ? -1 : 1;
+    double *target = jogTarget(m, axis);
+    if (!target)
+        return;
+    if (m.speed > 100) {
+        static const double steps[] = {0.1, 0.01, 0.001};
+        *target += direction * steps[std::min(m.speed, 103) - 101];
+        return;
+    }
+    m.motion.jogAxis = axis;
+    m.motion.jogDirection = direction;
+    m.motion.jogUntilMs = s.nowMs() + SimMotion::jogHoldMs;
+}
+
+void reportServo(Simulator &sim)
+{
+    const ControllerModel &m = sim.model();
+    Json::Value v(Json::objectValue);
+    v["mode"] = m.operationMode;
+    v["robot"] = m.currentRobot;
+    v["status"] = m.servoStatus;
+    sim.broadcastJson(0x2003, v);
+}
+
+void stopMotion(SimMotion &motion)
+{
+    motion.waypoints.clear();
+    motion.jogAxis = 0;
+    motion.axisSpeed.fill(0.0);
+    motion.syncSpeed.fill(0.0);
+}
+
+void tickDrives(Simulator &sim, qint64)
+{
+    ControllerModel &m = sim.model();
+    const qint64 now = sim.nowMs();
+    if (m.servoStatus == kServoReady && m.deadman == 1) {
+        if (m.motion.driveEngageAtMs < 0) {
+            m.motion.driveEngageAtMs = now + SimMotion::driveEngageMs;
+        } else if (now >= m.motion.driveEngageAtMs) {
+            m.motion.driveEngageAtMs = -1;
+            m.servoStatus = kServoRunning;
+            reportServo(sim);
+        }
+        return;
+    }
+    m.motion.driveEngageAtMs = -1;
+    if (m.servoStatus == kServoRunning && m.deadman == 0) {
+        m.servoStatus = kServoReady;
+        stopMotion(m.motion);
+        reportServo(sim);
+    }
+}
+
+void tickMotion(Simulator &sim, qint64 elapsedMs)
+{
+    ControllerModel &m = sim.model();
+    SimMotion &motion = m.motion;
+    const double dt = elapsedMs / 1000.0;
+    motion.axisSpeed.fill(0.0);
+    motion.syncSpeed.fill(0.0);
+    if (m.servoStatus != kServoRunning) {
+        stopMotion(motion);
+        return;
+    }
+    if (dt <= 0.0)
+        return;
+
+    double budget = SimMotion::maxAxisSpeed * motion.speedPercent / 100.0 * dt;
+    while (!motion.waypoints.empty() && budget > 0.0) {
+        const SimWaypoint &target = motion.waypoints.front();
+        double longest = 0.0;
+        for (int i = 0; i < 7; ++i)
+            longest = std::max(longest, std::fabs(target.robot[i] - m.positionDeg[i]));
+        for (int i = 0; i < 5; ++i)
+            longest = std::max(longest, std::fabs(target.sync[i] - motion.sync[i]));
+        const double part = longest <= budget ? 1.0 : budget / longest;
+        for (int i = 0; i < 7; ++i) {
+            const double d = (target.robot[i] - m.positionDeg[i]) * part;
+            m.positionDeg[i] += d;
+            motion.axisSpeed[i] += std::fabs(d) / dt;
+        }
+        for (int i = 0; i < 5; ++i) {
+            const double d = (target.sync[i] - motion.sync[i]) * part;
+            motion.sync[i] += d;
+            motion.syncSpeed[i] += std::fabs(d) / dt;
+        }
+        if (part < 1.0)
+            break;
+        budget -= longest;
+        motion.waypoints.pop_front();
+    }
+
+    if (motion.jogAxis != 0) {
+        if (sim.nowMs() >= motion.jogUntilMs || m.servoStatus != kServoRunning) {
+            motion.jogAxis = 0;
+            return;
+        }
+        if (double *axis = jogTarget(m, motion.jogAxis)) {
+            const double speed = SimMotion::maxJogSpeed * std::clamp(m.speed, 0, 100) / 100.0;
+            *axis += motion.jogDirection * speed * dt;
+            if (motion.jogAxis <= 7)
+                motion.axisSpeed[motion.jogAxis - 1] = speed;
+            else
+                motion.syncSpeed[motion.jogAxis - 8] = speed;
+        }
+    }
+}
+
+} // namespace
+
+std::vector<CommandEntry> motionCommands()
+{
+    std::vector<CommandEntry> table;
+    for (quint16 code : {0x4501, 0x4502, 0x4503, 0x4504, 0x4507, 0x4508, 0x4509})
+        table.push_back({code, takeMove});
+    table.push_back({0x2901, takeJogStep});
+    table.push_back({0x2902, [](Session &s, const ReceivedFrame &) { s.model().motion.jogAxis = 0; }});
+    return table;
+}
+
+std::vector<TickEntry> motionTicks()
+{
+    return {
+        {"drives", tickDrives},
+        {"moves and jogging", tickMotion},
+    };
+}
+
+} // namespace qrxsim
