@@ -132,8 +132,8 @@ std::string MoveCommand::toString() const
             line += " SIDE = " + num(side);
         }
         line += textOf(paraV);
-        if (type == 5)
-            line += imovecoord;
+        if (type == 5) // separated by a space so that the line reads back
+            line += " " + imovecoord;
     } else {
         line = "///";
     }
