@@ -394,6 +394,70 @@ private Q_SLOTS:
             QCOMPARE(robot->currentPosition[i], stored[i]);
     }
 
+    void reportSignals_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QByteArray>("payload");
+        QTest::addColumn<QByteArray>("signal");
+        QTest::addColumn<QVariantList>("args");
+        QTest::addColumn<QString>("line"); // log line written, or empty
+
+        const QByteArray dout("{\"status\":[1,0,1]}");
+        QTest::newRow("tool 3") << 0x380C << json("{\"curToolNum\":3,\"robot\":1}")
+            << QByteArray(SIGNAL(robot_tool_changed(int))) << QVariantList{3} << QStringLiteral("接收当前工具手为3");
+        QTest::newRow("no tool") << 0x380C << json("{\"curToolNum\":0,\"robot\":1}")
+            << QByteArray(SIGNAL(robot_tool_changed(int))) << QVariantList{0} << QStringLiteral("接收当前无工具手");
+        QTest::newRow("deadman") << 0x2303 << json("{\"deadman\":1}")
+            << QByteArray(SIGNAL(deadmanStateChange(int))) << QVariantList{1}
+            << QStringLiteral("接收当前控制器工作模式deadman=1");
+        QTest::newRow("deadman hard-wired") << 0x2306
+            << json("{\"deadmanMode\":1,\"deadmanPortOne\":5,\"deadmanPortTwo\":6}")
+            << QByteArray(SIGNAL(deadmanModeChange(bool, int, int))) << QVariantList{true, 5, 6} << QString();
+        QTest::newRow("deadman on the pendant") << 0x2306
+            << json("{\"deadmanMode\":0,\"deadmanPortOne\":0,\"deadmanPortTwo\":0}")
+            << QByteArray(SIGNAL(deadmanModeChange(bool, int, int))) << QVariantList{false, 0, 0} << QString();
+        QTest::newRow("jog teaching") << 0x2106 << json("{\"teachType\":0}")
+            << QByteArray(SIGNAL(signal_updateTeachtype(QString))) << QVariantList{QStringLiteral("点动")} << QString();
+        QTest::newRow("drag teaching") << 0x2106 << json("{\"teachType\":1}")
+            << QByteArray(SIGNAL(signal_updateTeachtype(QString))) << QVariantList{QStringLiteral("拖拽")} << QString();
+        QTest::newRow("breakpoint line") << 0x3502 << json("{\"num\":17,\"robot\":2}")
+            << QByteArray(SIGNAL(robot_BWB_command(int, int))) << QVariantList{2, 17} << QString();
+        QTest::newRow("job file line") << 0x3504 << json("{\"num\":9}")
+            << QByteArray(SIGNAL(robot_JobfiletoLine(QByteArray))) << QVariantList{QByteArray("{\"num\":9}\n")}
+            << QString();
+        QTest::newRow("cycle index") << 0x5013 << json("{\"count\":20,\"index\":4,\"robot\":1}")
+            << QByteArray(SIGNAL(RobotCycleIndex(int, int, int))) << QVariantList{1, 20, 4} << QString();
+        QTest::newRow("cycle count") << 0x5013 << json("{\"count\":20,\"index\":4,\"robot\":1}")
+            << QByteArray(SIGNAL(robot_cycletimes_update(int))) << QVariantList{20} << QString();
+        QTest::newRow("digital outputs shown") << 0x3603 << dout
+            << QByteArray(SIGNAL(robot_dout_display(QByteArray))) << QVariantList{dout + '\n'} << QString();
+        QTest::newRow("single cycle shown") << 0x330A << json("{\"value\":[1]}")
+            << QByteArray(SIGNAL(robot_singlevalue(QByteArray))) << QVariantList{QByteArray("{\"value\":[1]}\n")}
+            << QString();
+        QTest::newRow("one global variable") << 0x560C << json("{\"varName\":\"GI001\",\"varType\":2,\"varValue\":5}")
+            << QByteArray(SIGNAL(robot_get_oneglobalVariant(QByteArray)))
+            << QVariantList{QByteArray("{\"varName\":\"GI001\",\"varType\":2,\"varValue\":5}\n")} << QString();
+    }
+
+    void reportSignals()
+    {
+        QFETCH(int, code);
+        QFETCH(QByteArray, payload);
+        QFETCH(QByteArray, signal);
+        QFETCH(QVariantList, args);
+        QFETCH(QString, line);
+
+        ThreadSpy spy(robot, signal.constData());
+        QVERIFY(spy.isValid());
+        LogCapture log;
+        fixture.send(quint16(code), payload);
+        QVERIFY(fixture.flush());
+        QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0), args);
+        if (!line.isEmpty())
+            QCOMPARE(log.count(line), 1);
+    }
+
     void malformedPayloadsStillWake_data()
     {
         QTest::addColumn<int>("code");
