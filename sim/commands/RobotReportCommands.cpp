@@ -22,13 +22,6 @@ namespace qrxsim {
 
 namespace {
 
-Json::Value robotTypeReport(const ControllerModel &m)
-{
-    Json::Value v(Json::objectValue);
-    v["type"] = m.robotTypeWire;
-    return v;
-}
-
 Json::Value robotCountReport(const ControllerModel &m)
 {
     Json::Value v(Json::objectValue);
@@ -66,7 +59,7 @@ Json::Value modeReport(const ControllerModel &m)
 std::vector<ConnectEntry> robotReportsOnConnect()
 {
     return {
-        {"robot type", [](Session &s) { s.replyJson(0x2E03, robotTypeReport(s.model())); }},
+        {"robot type", [](Session &s) { s.replyJson(0x2E03, robotTypeReportPayload(s.model())); }},
         {"robot count", [](Session &s) { s.replyJson(0x2E06, robotCountReport(s.model())); }},
         {"current robot", [](Session &s) { s.replyJson(0x5003, currentRobotReport(s.model())); }},
         {"servo state", [](Session &s) { s.replyJson(0x2003, servoReport(s.model())); }},
