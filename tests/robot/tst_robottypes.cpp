@@ -380,6 +380,21 @@ private Q_SLOTS:
             QCOMPARE(robot->positionerAxisCount, number);
     }
 
+    // The controller answers the type query with the model it drives.
+    void typeQueryAnswered()
+    {
+        holdType(3);
+        fixture.sim().withModel([](qrxsim::ControllerModel &m) { m.robotTypeWire = 7; });
+        ReplyWaiter waiter(*robot);
+        waiter.start();
+        QVERIFY(robot->send(0x2E02, QByteArray()));
+        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
+        QVERIFY(waiter.woken());
+        QCOMPARE(robot->robotType, 2);
+        QCOMPARE(robot->axisCount, 6);
+        fixture.sim().withModel([](qrxsim::ControllerModel &m) { m.robotTypeWire = 1; });
+    }
+
     // The positioner axis count also travels on as the raw report.
     void positionerCountRelayed()
     {

@@ -414,6 +414,34 @@ private Q_SLOTS:
         QCOMPARE(robot->currentUserFrame, 6);
     }
 
+    void userFrameSelectionAnswered()
+    {
+        fixture.sim().withModel([](qrxsim::ControllerModel &m) {
+            m.userFrames[5] = {10.5, 20.5, 30.5, 0.0, 0.0, 45.0};
+            m.userFrameValues = 6;
+        });
+        // The selection is reported back, then the inquiry answered.
+        deliverQuery(0x3C08, "{\"robot\":1,\"userNum\":5}\n");
+        QCOMPARE(robot->currentUserFrame, 5);
+        ThreadSpy reply(robot, SIGNAL(robot_usercoords_reply(int, QString, QVector<double>, bool)));
+        deliverQuery(0x3C0A, "{\"inquire\":\"Calibration\",\"userNum\":5}\n");
+        QCOMPARE(reply.count(), 1);
+        QCOMPARE(reply.at(0).value(0).toInt(), 5);
+        QCOMPARE(reply.at(0).value(2).value<QVector<double>>(), (QVector<double>{10.5, 20.5, 30.5, 0.0, 0.0, 45.0}));
+        QVERIFY(reply.at(0).value(3).toBool());
+    }
+
+    void zeroShiftTaken()
+    {
+        robot->send(0x3307, "{\"axis\":3,\"robot\":1,\"value\":[0,0,360.0,0,0,0,0]}\n");
+        // Frames are taken in order: once the next query is answered, the
+        // offset is in the model.
+        deliverQuery(0x3C0B, "{\"robot\":1}\n");
+        double shift[7] = {};
+        fixture.sim().withModel([&](qrxsim::ControllerModel &m) { std::copy(m.zeroShift, m.zeroShift + 7, shift); });
+        QCOMPARE(row(shift, 7), (QVector<double>{0, 0, 360.0, 0, 0, 0, 0}));
+    }
+
 private:
     // Sends a query the way the host API does: lock, send, wait for a wake.
     void deliverQuery(quint16 code, const QByteArray &payload)
