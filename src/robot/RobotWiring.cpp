@@ -100,6 +100,10 @@ const WiringRow kRows[] = {
     {"receivedServoList(QByteArray)", "robot_net_slot_ServoList(QByteArray)", R::Slot},
     {"receiveUnsafePoint(QByteArray)", "robot_net_slot_UnsafePoint(QByteArray)", R::Slot},
     // ---- families: relays, the payload as received, no wake ----------------
+    // A relay joins the link notification straight to the Robot signal: the
+    // reader gets the bytes the controller sent, and no waiting call is
+    // woken. Plain relays and copying relays are both made this way: to a
+    // reader they look alike, as a QByteArray copy shares the same bytes.
     // job and run control
     {"signal_receivedMainJob(QByteArray)", "signal_mainJob(QByteArray)", R::Signal},
     {"receiveErrorStatus(QByteArray)", "robot_servoerrordelete(QByteArray)", R::Signal},
