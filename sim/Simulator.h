@@ -75,6 +75,12 @@ public:
     void setHandler(CommandEntry entry);
     void addTick(TickEntry entry) { m_ticks.push_back(std::move(entry)); }
     void addConnectHook(ConnectEntry entry) { m_onConnect.push_back(std::move(entry)); }
+    // A controller that speaks only when spoken to (tests of the engine).
+    void clearTicksAndConnectHooks()
+    {
+        m_ticks.clear();
+        m_onConnect.clear();
+    }
 
     // Used by sessions.
     // The frame as it goes on the wire (with a wrong CRC once after

@@ -70,6 +70,8 @@ void TestSim::init()
 {
     m_sim = std::make_unique<SimHandle>(testsupport::loopbackAddress());
     QVERIFY(m_sim->start());
+    // Only what a test scripts: no start-up reports, nothing on ticks.
+    m_sim->withSimulator([](Simulator &sim) { sim.clearTicksAndConnectHooks(); });
 }
 
 void TestSim::cleanup()
