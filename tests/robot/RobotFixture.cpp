@@ -35,11 +35,13 @@ RobotFixture::~RobotFixture()
     m_sim.reset();
 }
 
-bool RobotFixture::start()
+bool RobotFixture::start(std::function<void(qrxsim::ControllerModel &)> prepare)
 {
     m_sim.reset(new qrxsim::SimHandle(testsupport::loopbackAddress()));
     if (!m_sim->start())
         return false;
+    if (prepare)
+        m_sim->withModel(prepare);
     Robot::setLinkTimeBase(kFastTimeBase);
     m_robot.reset(new Robot(testsupport::loopbackAddress()));
     m_relayed.reset(new ThreadSpy(m_robot.get(), SIGNAL(robot_received_data(ushort, QByteArray))));

@@ -10,6 +10,7 @@
 #include "sim/SimHandle.h"
 
 #include <QByteArray>
+#include <functional>
 #include <memory>
 
 class RobotFixture
@@ -18,9 +19,10 @@ public:
     RobotFixture();
     ~RobotFixture();
 
-    // Starts the simulator, creates the Robot, connects it and waits until
-    // the controller's start-up reports have been handled.
-    bool start();
+    // Starts the simulator, lets prepare set up the controller, creates the
+    // Robot, connects it and waits until the controller's start-up reports
+    // have been handled.
+    bool start(std::function<void(qrxsim::ControllerModel &)> prepare = {});
 
     qrxsim::SimHandle &sim() { return *m_sim; }
     Robot &robot() { return *m_robot; }

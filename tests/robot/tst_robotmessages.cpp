@@ -54,15 +54,37 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(fixture.start());
+        // A controller with two robots, robot 2 addressed, its servo
+        // running (deadman on), in remote mode, driving UR-type arms (wire type 7).
+        QVERIFY(fixture.start([](qrxsim::ControllerModel &m) {
+            m.robotCount = 2;
+            m.currentRobot = 2;
+            m.servoStatus = 3;
+            m.deadman = 1; // drives keep running only while the deadman is on
+            m.operationMode = 1;
+            m.robotTypeWire = 7;
+        }));
         robot = &fixture.robot();
+    }
+
+    // What the controller reports on its own after the connection is held
+    // before the host asks anything.
+    void startupReportsHeld()
+    {
+        QCOMPARE(robot->robotCount, 2);
+        QCOMPARE(robot->currentRobot(), 2);
+        QCOMPARE(robot->servoStatus, 3);
+        QCOMPARE(robot->operationMode, 1);
+        QCOMPARE(robot->robotType, int(R_GENERAL_6S_1));
+        QCOMPARE(robot->axisCount, 6);
     }
 
     void init()
     {
         clearCallbackTexts();
         Robot::setErrorCallback(&recordCallback);
-        robot->setCurrentRobot(1);
+        if (qstrcmp(QTest::currentTestFunction(), "startupReportsHeld") != 0)
+            robot->setCurrentRobot(1);
     }
 
     void cleanup()
