@@ -61,7 +61,9 @@ public:
     void dropConnections();                   // closes every client socket now
     void setRefuseConnections(bool refuse);   // stops (or resumes) listening
     void sendGarbage(QByteArray bytes);       // raw bytes to every client
-    void setSplitDelivery(bool split);        // one byte per write, flushed separately
+    // One byte per write, flushed separately, a millisecond apart: a frame of
+    // N bytes takes about N ms to arrive.
+    void setSplitDelivery(bool split);
     void corruptNextCrc();                    // the next frame sent has a wrong CRC
     void setControllerHeartbeat(int intervalMs); // 0 = off
     void setAnswerHeartbeats(bool answer);    // default true

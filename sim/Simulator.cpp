@@ -175,6 +175,8 @@ void Simulator::broadcastJson(quint16 command, const Json::Value &value)
 
 void Simulator::sendToAll(quint16 command, const QByteArray &payload)
 {
+    if (m_sessions.empty())
+        return; // keeps a pending corruptNextCrc for a frame that is sent
     traceSent(command, payload);
     writeToAll(frameFor(command, payload));
 }

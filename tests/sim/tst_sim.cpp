@@ -309,18 +309,26 @@ void TestSim::splitDelivery()
 void TestSim::corruptNextCrc_data()
 {
     QTest::addColumn<bool>("viaHeartbeat");
-    QTest::newRow("explicit send") << false;
-    QTest::newRow("heartbeat answer") << true;
+    QTest::addColumn<bool>("armedBeforeClient"); // and a frame sent to nobody
+    QTest::newRow("explicit send") << false << false;
+    QTest::newRow("heartbeat answer") << true << false;
+    QTest::newRow("armed before the client came") << false << true;
 }
 
 void TestSim::corruptNextCrc()
 {
     QFETCH(bool, viaHeartbeat);
+    QFETCH(bool, armedBeforeClient);
+    if (armedBeforeClient) {
+        m_sim->corruptNextCrc();
+        m_sim->send(0x2003, QByteArray("{}\n")); // nobody there: not the next frame
+    }
     WireClient client;
     connectClient(client);
     LogCapture log("qrx.link");
     const QByteArray payload = heartbeat(77);
-    m_sim->corruptNextCrc();
+    if (!armedBeforeClient)
+        m_sim->corruptNextCrc();
     if (viaHeartbeat)
         client.sendFrame(kHeartbeat, payload);
     else
