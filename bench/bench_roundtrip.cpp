@@ -1,0 +1,296 @@
+// What a waiting getter costs beside the network itself, and what a
+// controller that streams position reports costs the library.
+//
+//  - BM_GetterRoundTrip: get_current_position() against a minimal peer that
+//    answers 0x2F07 with a 0x2F08 report at once.
+//  - BM_RawPingPong (the baseline, same run): a blocking socket sends the
+//    very same 0x2F07 frame to a peer of the same kind and reads the 0x2F08
+//    frame back.
+//    Both report the median round trip ("median_us"); the getter should stay
+//    within 3x the raw one ("ratio_to_raw" on the getter's line).
+//  - BM_StreamCpu: the peer streams 1000 position reports a second for a few
+//    seconds; "library_cpu_pct" is the process's CPU time minus the peer
+//    thread's own, as a share of one core. Its baseline, BM_IdleCpu, is the
+//    same connected library with a peer that only answers heartbeats.
+//
+// The host side runs no Qt application of its own: the library makes one.
+
+#include "api/ApiState.h"
+#include "api/qrx_host.h"
+#include "common/CompactJson.h"
+#include "link/FrameCodec.h"
+#include "robot/Robot.h"
+
+#include <benchmark/benchmark.h>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <ctime>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double cpuSeconds(clockid_t clock)
+{
+    timespec ts{};
+    clock_gettime(clock, &ts);
+    return double(ts.tv_sec) + double(ts.tv_nsec) / 1e9;
+}
+
+QByteArray positionFrame()
+{
+    Json::Value report(Json::objectValue);
+    report["robot"] = 1;
+    report["coord"] = 0;
+    for (int i = 0; i < 7; ++i) {
+        report["pos"].append(100.0 + i * 1.25);
+        report["posDeg"].append(10.0 + i * 0.5);
+    }
+    return qrx::encodeFrame(0x2F08, qrx::jsonPayload(report));
+}
+
+QByteArray queryFrame()
+{
+    Json::Value query(Json::objectValue);
+    query["coord"] = 0;
+    query["robot"] = 1;
+    return qrx::encodeFrame(0x2F07, qrx::jsonPayload(query));
+}
+
+bool writeAll(int fd, const QByteArray &bytes)
+{
+    qint64 done = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::send(fd, bytes.constData() + done, size_t(bytes.size() - done), MSG_NOSIGNAL);
+        if (n <= 0)
+            return false;
+        done += n;
+    }
+    return true;
+}
+
+// A controller reduced to what is measured: answers heartbeats and position
+// queries, and streams position reports on request. Plain sockets on a
+// thread of its own.
+class Peer
+{
+public:
+    explicit Peer(const char *address)
+    {
+        m_server = ::socket(AF_INET, SOCK_STREAM, 0);
+        const int one = 1;
+        setsockopt(m_server, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
+        sockaddr_in at{};
+        at.sin_family = AF_INET;
+        at.sin_port = htons(6001);
+        inet_pton(AF_INET, address, &at.sin_addr);
+        m_ok = ::bind(m_server, reinterpret_cast<sockaddr *>(&at), sizeof at) == 0 && ::listen(m_server, 4) == 0;
+        m_thread = std::thread([this] { run(); });
+    }
+    ~Peer()
+    {
+        m_stop = true;
+        m_thread.join();
+        ::close(m_server);
+    }
+    bool ok() const { return m_ok; }
+    void setStreaming(bool on) { m_streaming = on; }
+    int streamed() const { return m_streamed; }
+    int received() const { return m_received; }
+    // CPU seconds the peer thread has used so far.
+    double cpu() const { return m_cpu.load(); }
+
+private:
+    void run()
+    {
+        const QByteArray position = positionFrame();
+        qrx::FrameDecoder decoder;
+        int client = -1;
+        Clock::time_point nextReport = Clock::now();
+        char buffer[65536];
+        while (!m_stop) {
+            pollfd fds{client >= 0 ? client : m_server, POLLIN, 0};
+            ::poll(&fds, 1, m_streaming ? 0 : 1);
+            if (client < 0) {
+                if (fds.revents & POLLIN) {
+                    client = ::accept(m_server, nullptr, nullptr);
+                    const int one = 1;
+                    setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
+                }
+            } else if (fds.revents & POLLIN) {
+                const ssize_t n = ::recv(client, buffer, sizeof buffer, 0);
+                if (n <= 0) {
+                    ::close(client);
+                    client = -1;
+                    continue;
+                }
+                for (const qrx::Frame &frame : decoder.feed(QByteArray::fromRawData(buffer, int(n)))) {
+                    ++m_received;
+                    if (frame.command == 0x7266)
+                        writeAll(client, qrx::encodeFrame(0x7267, frame.payload));
+                    else if (frame.command == 0x2F07)
+                        writeAll(client, position);
+                }
+            }
+            if (m_streaming && client >= 0 && Clock::now() >= nextReport) {
+                writeAll(client, position);
+                ++m_streamed;
+                nextReport += std::chrono::milliseconds(1);
+                if (Clock::now() > nextReport + std::chrono::milliseconds(50))
+                    nextReport = Clock::now(); // fell behind: no burst
+            } else if (m_streaming) {
+                std::this_thread::sleep_until(std::min(nextReport, Clock::now() + std::chrono::microseconds(200)));
+            }
+            m_cpu.store(cpuSeconds(CLOCK_THREAD_CPUTIME_ID));
+        }
+        if (client >= 0)
+            ::close(client);
+    }
+
+    int m_server = -1;
+    bool m_ok = false;
+    std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_streaming{false};
+    std::atomic<int> m_streamed{0};
+    std::atomic<int> m_received{0};
+    std::atomic<double> m_cpu{0.0};
+    std::thread m_thread;
+};
+
+const char kLibraryPeer[] = "127.4.0.1";
+const char kRawPeer[] = "127.4.0.2";
+
+// One library connection for the whole run.
+Peer &libraryPeer()
+{
+    static Peer peer(kLibraryPeer);
+    static const bool connected = [] {
+        Robot::setLinkTimeBase(30000);
+        return connect_robot(kLibraryPeer) == 1;
+    }();
+    (void)connected;
+    return peer;
+}
+
+double median(std::vector<double> values)
+{
+    if (values.empty())
+        return 0.0;
+    std::nth_element(values.begin(), values.begin() + long(values.size() / 2), values.end());
+    return values[values.size() / 2];
+}
+
+double g_rawMedianUs = 0.0;
+
+void BM_RawPingPong(benchmark::State &state)
+{
+    Peer peer(kRawPeer);
+    const int fd = ::socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in at{};
+    at.sin_family = AF_INET;
+    at.sin_port = htons(6001);
+    inet_pton(AF_INET, kRawPeer, &at.sin_addr);
+    const int one = 1;
+    setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &one, sizeof one);
+    if (!peer.ok() || ::connect(fd, reinterpret_cast<sockaddr *>(&at), sizeof at) != 0) {
+        state.SkipWithError("raw peer not reachable");
+        ::close(fd);
+        return;
+    }
+    const QByteArray query = queryFrame();
+    const int answerSize = positionFrame().size();
+    std::vector<char> answer(static_cast<size_t>(answerSize));
+    std::vector<double> samples;
+    for (auto _ : state) {
+        const auto start = Clock::now();
+        writeAll(fd, query);
+        int got = 0;
+        while (got < answerSize) {
+            const ssize_t n = ::recv(fd, answer.data() + got, size_t(answerSize - got), 0);
+            if (n <= 0)
+                break;
+            got += int(n);
+        }
+        samples.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count());
+    }
+    ::close(fd);
+    g_rawMedianUs = median(samples);
+    state.counters["median_us"] = g_rawMedianUs;
+}
+
+void BM_GetterRoundTrip(benchmark::State &state)
+{
+    libraryPeer();
+    if (!connection_status()) {
+        state.SkipWithError("library not connected");
+        return;
+    }
+    double pos[6] = {};
+    std::vector<double> samples;
+    for (auto _ : state) {
+        const auto start = Clock::now();
+        get_current_position(pos, 0);
+        samples.push_back(std::chrono::duration<double, std::micro>(Clock::now() - start).count());
+    }
+    benchmark::DoNotOptimize(pos);
+    const double mid = median(samples);
+    state.counters["median_us"] = mid;
+    if (g_rawMedianUs > 0.0)
+        state.counters["ratio_to_raw"] = mid / g_rawMedianUs;
+    if (pos[0] != 100.0)
+        state.SkipWithError("the getter did not return the peer's position");
+}
+
+// The library's share of one core while the peer streams (or not).
+void measureCpu(benchmark::State &state, bool streaming)
+{
+    Peer &peer = libraryPeer();
+    if (!connection_status()) {
+        state.SkipWithError("library not connected");
+        return;
+    }
+    Robot *robot = qrx::api::apiRobot();
+    const double seconds = 3.0;
+    for (auto _ : state) {
+        peer.setStreaming(streaming);
+        std::this_thread::sleep_for(std::chrono::milliseconds(300)); // settle
+        const int streamedBefore = peer.streamed();
+        const int receivedBefore = peer.received();
+        const double process0 = cpuSeconds(CLOCK_PROCESS_CPUTIME_ID);
+        const double peer0 = peer.cpu();
+        const auto wall0 = Clock::now();
+        std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+        const double process1 = cpuSeconds(CLOCK_PROCESS_CPUTIME_ID);
+        const double peer1 = peer.cpu();
+        const double wall = std::chrono::duration<double>(Clock::now() - wall0).count();
+        peer.setStreaming(false);
+        state.counters["library_cpu_pct"] = 100.0 * ((process1 - process0) - (peer1 - peer0)) / wall;
+        state.counters["reports_per_s"] = (peer.streamed() - streamedBefore) / wall;
+        state.counters["host_frames_per_s"] = (peer.received() - receivedBefore) / wall;
+    }
+    benchmark::DoNotOptimize(robot->currentPosition[0]);
+}
+
+void BM_IdleCpu(benchmark::State &state) { measureCpu(state, false); }
+void BM_StreamCpu(benchmark::State &state) { measureCpu(state, true); }
+
+} // namespace
+
+BENCHMARK(BM_RawPingPong)->Iterations(20000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_GetterRoundTrip)->Iterations(20000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_IdleCpu)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_StreamCpu)->Iterations(1)->Unit(benchmark::kMillisecond);
+
+BENCHMARK_MAIN();
