@@ -331,15 +331,15 @@ void TestSenders::answeredBySimulator_data()
     row("getSelectTool", [](TcpConnectModule &m) { return m.getSelectTool(); },
         SIGNAL(receivedToolInfo(QByteArray)), payload, "{\"curToolNum\":5,\"robot\":2}\n");
     row("getRobotRunStatus", [](TcpConnectModule &m) { return m.getRobotRunStatus(); },
-        SIGNAL(receivedProRunStatus(QByteArray)), payload, "{\"robot\":2,\"status\":2}\n");
+        SIGNAL(receivedProRunStatus(QByteArray)), payload, "{\"robot\":2,\"status\":1}\n");
     row("setServoStatus ready", [](TcpConnectModule &m) { return m.setServoStatus(SERVO_READY); },
         SIGNAL(receivedServoStatus(QByteArray)), payload, "{\"mode\":1,\"robot\":2,\"status\":1}\n");
     row("setOperationMode run", [](TcpConnectModule &m) { return m.setOperationMode(OPERATION_RUN); },
         SIGNAL(receivedOperationMode(QByteArray)), payload, "{\"mode\":2}\n");
     row("setCoordinationMode user", [](TcpConnectModule &m) { return m.setCoordinationMode(COORD_USER); },
         SIGNAL(receivedCoordinationMode(QByteArray)), payload, "{\"coord\":3,\"robot\":2}\n");
-    row("sendDeadmanCommand on", [](TcpConnectModule &m) { return m.sendDeadmanCommand(1); },
-        SIGNAL(receivedDeadmanStatus(QByteArray)), payload, "{\"deadman\":1}\n");
+    row("sendDeadmanCommand off", [](TcpConnectModule &m) { return m.sendDeadmanCommand(0); },
+        SIGNAL(receivedDeadmanStatus(QByteArray)), payload, "{\"deadman\":0}\n");
     row("setSpeed 77", [](TcpConnectModule &m) { return m.setSpeed(77); }, SIGNAL(receivedSpeedInfo(QByteArray)),
         payload, "{\"robot\":2,\"speed\":77}\n");
     row("setTestMode -2", [](TcpConnectModule &m) { return m.setTestMode(-2); },
@@ -357,11 +357,11 @@ void TestSenders::answeredBySimulator()
         model.servoStatus = 3;
         model.operationMode = 1;
         model.coordinate = 2;
-        model.deadman = 0;
+        model.deadman = 1; // drives running with the deadman held: a steady state
         model.speed = 40;
         model.testMode = 1;
         model.currentTool = 5;
-        model.runStatus = 2;
+        model.runStatus = 1; // paused: steady without a job
         const double position[7] = {10.5, -20.0, 30.25, 0.0, 90.0, -45.0, 0.0};
         std::copy(std::begin(position), std::end(position), std::begin(model.positionDeg));
         model.configuration = 3;
