@@ -30,7 +30,9 @@ public:
     void fromJson(const Json::Value &json);
 };
 
-// Positions of one job by name, in name order; the table owns them.
+// Positions of one job by name, in name order; the table owns them. It must
+// outlive the instructions that share its positions (the job program holds
+// both and destroys its instructions first).
 class PositionTable
 {
 public:

@@ -112,6 +112,7 @@ private Q_SLOTS:
     void positionJsonOfMove();
     void twentyOneData_data();
     void twentyOneData();
+    void variableCoordinatesSparse();
     void conditionLayout();
     void conditionWithShortLogicArrays();
     void disabledKeepsAllKeys();
@@ -487,6 +488,35 @@ void TestJobJson::twentyOneData()
     QCOMPARE(written.size(), 21u);
     QCOMPARE(written[0].asDouble(), first);
     QCOMPARE(written[20].asDouble(), last);
+}
+
+void TestJobJson::variableCoordinatesSparse()
+{
+    RobotPos position;
+    position.key = "P0001";
+    position.ctype = 1;
+    position.data[2] = 3.5;
+    position.data[4] = -1.25;
+    position.paraVarData[2] = std::make_unique<ParaVarCommand>();
+    position.paraVarData[2]->value = 1;
+    position.paraVarData[2]->varname = "GD001";
+    position.paraVarData[4] = std::make_unique<ParaVarCommand>();
+    position.paraVarData[4]->varname = "GD002";
+    position.paraVarData[4]->secondvalue = 2;
+    // Each variable carries its coordinate's value; indices without one stay
+    // empty, and the array ends with the last variable.
+    QCOMPARE(text(position.toJson()["paraVarData"]),
+             QString(R"([null,null,{"data":3.50,"secondvalue":0,"value":1,"varname":"GD001"},null,)"
+                     R"({"data":-1.250,"secondvalue":2,"value":0,"varname":"GD002"}])"));
+    QCOMPARE(position.paraVarData[2]->data, 0.0); // writing leaves the object as it is
+
+    RobotPos read;
+    read.fromJson(position.toJson());
+    QVERIFY(!read.paraVarData[0] && !read.paraVarData[3] && !read.paraVarData[5]);
+    QVERIFY(read.paraVarData[2] && read.paraVarData[4]);
+    QCOMPARE(read.paraVarData[4]->secondvalue, 2);
+    QCOMPARE(read.paraVarData[2]->data, 3.5);
+    QCOMPARE(text(read.toJson()), text(position.toJson()));
 }
 
 void TestJobJson::conditionLayout()
