@@ -65,6 +65,15 @@ private Q_SLOTS:
         robot = &fixture.robot();
     }
 
+    void cleanup()
+    {
+        // Back to the controller's single robot for the next case.
+        if (robot && robot->robotCount != 1) {
+            fixture.send(0x2E06, "{\"sum\":1}");
+            QVERIFY(fixture.flush());
+        }
+    }
+
     // The controller reports its six-axis robot right after the connection.
     void startupType()
     {
@@ -393,6 +402,30 @@ private Q_SLOTS:
         QCOMPARE(robot->robotType, 2);
         QCOMPARE(robot->axisCount, 6);
         fixture.sim().withModel([](qrxsim::ControllerModel &m) { m.robotTypeWire = 1; });
+    }
+
+    // The configuration files are described for the robot count reported.
+    void configFilesByRobotCount_data()
+    {
+        QTest::addColumn<int>("sum");
+        QTest::addColumn<QString>("file");
+        QTest::addColumn<QString>("description");
+        QTest::newRow("one robot, Robot_B") << 1 << "Robot_B.json" << QString();
+        QTest::newRow("two robots, Robot_B") << 2 << "Robot_B.json" << QStringLiteral("机器人2参数配置");
+        QTest::newRow("one robot, Robot_A") << 1 << "Robot_A.json" << QStringLiteral("参数配置");
+        QTest::newRow("four robots, Robot_A") << 4 << "Robot_A.json" << QStringLiteral("机器人1参数配置");
+        QTest::newRow("three robots, spray 3") << 3 << "R3spray.json" << QStringLiteral("机器人3喷涂参数配置");
+    }
+
+    void configFilesByRobotCount()
+    {
+        QFETCH(int, sum);
+        QFETCH(QString, file);
+        QFETCH(QString, description);
+        fixture.send(0x2E06, "{\"sum\":" + QByteArray::number(sum) + "}");
+        QVERIFY(fixture.flush());
+        QCOMPARE(robot->robotCount, sum);
+        QCOMPARE(robot->configFileDescription(file), description);
     }
 
     // The positioner axis count also travels on as the raw report.
