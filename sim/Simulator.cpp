@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QTcpSocket>
 #include <algorithm>
+#include <exception>
 
 Q_LOGGING_CATEGORY(lcSim, "sim", QtInfoMsg)
 
@@ -201,7 +202,14 @@ void Simulator::handleFrame(Session &session, quint16 command, const QByteArray 
             << QStringLiteral("no handler for 0x%1").arg(command, 4, 16, QLatin1Char('0'));
         return;
     }
-    it->handle(session, frame);
+    try {
+        it->handle(session, frame);
+    } catch (const std::exception &e) {
+        // A handler that chokes on a request must not take the controller down.
+        qCWarning(lcSim).noquote() << QStringLiteral("handler of 0x%1 failed: %2")
+                                          .arg(command, 4, 16, QLatin1Char('0'))
+                                          .arg(QString::fromUtf8(e.what()));
+    }
 }
 
 void Simulator::onTick()

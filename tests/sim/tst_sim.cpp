@@ -7,6 +7,7 @@
 #include "sim/Session.h"
 #include "sim/SimHandle.h"
 #include "sim/Simulator.h"
+#include "sim/commands/CommandTable.h"
 #include "support/LogCapture.h"
 #include "support/Loopback.h"
 
@@ -60,6 +61,10 @@ private Q_SLOTS:
     void controllerHeartbeat();
     void handlerRepliesAndBroadcasts();
     void ticksAndConnectHooks();
+    void throwingHandlerKeepsServing();
+    void commandCodesAreUnique();
+    void hostilePayloadsToEveryCommand_data();
+    void hostilePayloadsToEveryCommand();
 
 private:
     void connectClient(WireClient &client, int expectedClients = 1);
@@ -436,6 +441,75 @@ void TestSim::ticksAndConnectHooks()
     QCOMPARE(client.frames().first().command, quint16(0x2103));
     QVERIFY(ticked->load() >= 200);
     QVERIFY(clock.elapsed() >= 150);
+}
+
+void TestSim::throwingHandlerKeepsServing()
+{
+    m_sim->setHandler(0x2002, [](Session &, const ReceivedFrame &f) {
+        Json::Value v;
+        qrx::parsePayload(f.payload, v);
+        (void)v["robot"].asInt(); // a string does not convert: throws
+    });
+    LogCapture log("sim");
+    WireClient client;
+    connectClient(client);
+    client.sendFrame(0x2002, QByteArray("{\"robot\":\"one\"}\n"));
+    client.sendFrame(kHeartbeat, heartbeat(8));
+    QVERIFY(client.waitForFrame(kHeartbeatAnswer));
+    QCOMPARE(m_sim->clientCount(), 1);
+    QCOMPARE(log.lines().filter(QStringLiteral("handler of 0x2002 failed")).size(), 1);
+}
+
+void TestSim::commandCodesAreUnique()
+{
+    // Two families answering one code would leave one of them dead.
+    QSet<quint16> seen;
+    for (const qrxsim::CommandEntry &entry : qrxsim::commandTable()) {
+        QVERIFY2(!seen.contains(entry.code), qPrintable(QString::number(entry.code, 16)));
+        QVERIFY(entry.handle);
+        seen.insert(entry.code);
+    }
+    QVERIFY(seen.contains(kHeartbeat));
+}
+
+void TestSim::hostilePayloadsToEveryCommand_data()
+{
+    QTest::addColumn<QByteArray>("payload");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("not JSON") << QByteArray("\xff\xfe{{{");
+    QTest::newRow("array") << QByteArray("[1,2,3]\n");
+    QTest::newRow("empty object") << QByteArray("{}\n");
+    QTest::newRow("robot out of range") << QByteArray("{\"robot\":99,\"num\":-1,\"index\":100000}\n");
+    QTest::newRow("negative robot") << QByteArray("{\"robot\":-1,\"axis\":-7,\"data\":[]}\n");
+    QTest::newRow("wrong types") << QByteArray("{\"robot\":\"one\",\"data\":\"x\",\"pos\":{}}\n");
+}
+
+void TestSim::hostilePayloadsToEveryCommand()
+{
+    // Every handler of the full controller (with its start-up reports and
+    // ticks) takes malformed requests without dying and keeps serving.
+    QFETCH(QByteArray, payload);
+    m_sim.reset();
+    m_sim = std::make_unique<SimHandle>(testsupport::loopbackAddress());
+    QVERIFY(m_sim->start());
+    WireClient client;
+    connectClient(client);
+    QByteArray burst;
+    int count = 0;
+    for (const qrxsim::CommandEntry &entry : qrxsim::commandTable()) {
+        if (entry.code == kHeartbeat)
+            continue;
+        burst += qrx::encodeFrame(entry.code, payload);
+        ++count;
+    }
+    client.sendBytes(burst);
+    client.sendFrame(kHeartbeat, heartbeat(123));
+    QVERIFY(client.waitFor([&] {
+        const auto answers = client.frames(kHeartbeatAnswer);
+        return !answers.isEmpty() && answers.last().payload == heartbeat(123);
+    }, 20000));
+    QCOMPARE(m_sim->received().size() - m_sim->received(kHeartbeat).size(), count);
+    QCOMPARE(m_sim->clientCount(), 1);
 }
 
 QTEST_GUILESS_MAIN(TestSim)
