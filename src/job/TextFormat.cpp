@@ -1,7 +1,7 @@
 #include "job/TextFormat.h"
 
 #include <array>
-#include <cstdio>
+#include <charconv>
 
 namespace qrx {
 
@@ -14,10 +14,12 @@ std::string num(int value)
 
 std::string num(double value)
 {
-    // "%g" with the default precision of six is what an ostream writes.
+    // General format with six significant digits, as an ostream writes by
+    // default; to_chars ignores the C locale, which a Qt application sets
+    // from the environment (a decimal comma would break the job file).
     char buffer[32];
-    std::snprintf(buffer, sizeof buffer, "%g", value);
-    return buffer;
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 6);
+    return std::string(buffer, result.ptr);
 }
 
 std::string num(bool value)

@@ -460,6 +460,12 @@ void TestJobText::parameterTexts_data()
     QTest::addColumn<int>("unit");
     QTest::addColumn<QString>("line");
     QTest::newRow("ACC") << 0 << 0 << 25.5 << 0 << " ACC = 25.5";
+    QTest::newRow("ACC 100000") << 0 << 0 << 100000.0 << 0 << " ACC = 100000";
+    QTest::newRow("ACC 1e6") << 0 << 0 << 1e6 << 0 << " ACC = 1e+06";
+    QTest::newRow("ACC 0.0001") << 0 << 0 << 0.0001 << 0 << " ACC = 0.0001";
+    QTest::newRow("ACC 0.00001") << 0 << 0 << 0.00001 << 0 << " ACC = 1e-05";
+    QTest::newRow("ACC 2/3") << 0 << 0 << 2.0 / 3.0 << 0 << " ACC = 0.666667";
+    QTest::newRow("ACC 999999.5") << 0 << 0 << 999999.5 << 0 << " ACC = 1e+06";
     QTest::newRow("DEC variable") << 1 << 3 << 1.0 << 0 << " DEC = VAR";
     QTest::newRow("PL") << 2 << 0 << 2.0 << 0 << " PL = 2";
     QTest::newRow("SPIN") << 3 << 0 << -1.0 << 0 << " SPIN = -1";
