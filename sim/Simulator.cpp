@@ -20,6 +20,20 @@ constexpr int kTickIntervalMs = 20;
 constexpr quint16 kHeartbeatRequest = 0x7266;
 constexpr int kTracedPayloadChars = 240;
 
+// Runs one piece of family behaviour. One that chokes (a jsoncpp conversion
+// of an ill-typed request, say) is logged and must not take the controller
+// down.
+// what() names it, only when needed.
+template <typename What, typename Fn>
+void guarded(What &&what, Fn &&fn)
+{
+    try {
+        fn();
+    } catch (const std::exception &e) {
+        qCWarning(lcSim).noquote() << QStringLiteral("%1 failed: %2").arg(what(), QString::fromUtf8(e.what()));
+    }
+}
+
 } // namespace
 
 Simulator::Simulator(QObject *parent)
@@ -91,7 +105,8 @@ void Simulator::onNewConnection()
         m_recorder.setClientCount(clientCount());
         qCDebug(lcSim).noquote() << QStringLiteral("client %1 connected").arg(session->peer());
         for (const ConnectEntry &hook : m_onConnect)
-            hook.run(*session);
+            guarded([&] { return QStringLiteral("connect hook %1").arg(QLatin1String(hook.name)); },
+                    [&] { hook.run(*session); });
     }
 }
 
@@ -202,14 +217,8 @@ void Simulator::handleFrame(Session &session, quint16 command, const QByteArray 
             << QStringLiteral("no handler for 0x%1").arg(command, 4, 16, QLatin1Char('0'));
         return;
     }
-    try {
-        it->handle(session, frame);
-    } catch (const std::exception &e) {
-        // A handler that chokes on a request must not take the controller down.
-        qCWarning(lcSim).noquote() << QStringLiteral("handler of 0x%1 failed: %2")
-                                          .arg(command, 4, 16, QLatin1Char('0'))
-                                          .arg(QString::fromUtf8(e.what()));
-    }
+    guarded([&] { return QStringLiteral("handler of 0x%1").arg(command, 4, 16, QLatin1Char('0')); },
+            [&] { it->handle(session, frame); });
 }
 
 void Simulator::onTick()
@@ -218,7 +227,8 @@ void Simulator::onTick()
     const qint64 elapsed = now - m_lastTickMs;
     m_lastTickMs = now;
     for (const TickEntry &entry : m_ticks)
-        entry.tick(*this, elapsed);
+        guarded([&] { return QStringLiteral("tick %1").arg(QLatin1String(entry.name)); },
+                [&] { entry.tick(*this, elapsed); });
 }
 
 void Simulator::onControllerHeartbeat()

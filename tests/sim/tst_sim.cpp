@@ -61,7 +61,8 @@ private Q_SLOTS:
     void controllerHeartbeat();
     void handlerRepliesAndBroadcasts();
     void ticksAndConnectHooks();
-    void throwingHandlerKeepsServing();
+    void throwingBehaviourKeepsServing_data();
+    void throwingBehaviourKeepsServing();
     void commandCodesAreUnique();
     void hostilePayloadsToEveryCommand_data();
     void hostilePayloadsToEveryCommand();
@@ -443,21 +444,39 @@ void TestSim::ticksAndConnectHooks()
     QVERIFY(clock.elapsed() >= 150);
 }
 
-void TestSim::throwingHandlerKeepsServing()
+void TestSim::throwingBehaviourKeepsServing_data()
 {
-    m_sim->setHandler(0x2002, [](Session &, const ReceivedFrame &f) {
-        Json::Value v;
-        qrx::parsePayload(f.payload, v);
-        (void)v["robot"].asInt(); // a string does not convert: throws
+    QTest::addColumn<QString>("where");
+    QTest::addColumn<QString>("logged");
+    QTest::newRow("handler") << "handler" << "handler of 0x2002 failed: ";
+    QTest::newRow("tick") << "tick" << "tick choking failed: ";
+    QTest::newRow("connect hook") << "hook" << "connect hook choking failed: ";
+}
+
+void TestSim::throwingBehaviourKeepsServing()
+{
+    QFETCH(QString, where);
+    QFETCH(QString, logged);
+    // jsoncpp throws when a string is read as an integer.
+    const auto choke = [] { (void)Json::Value("one").asInt(); };
+    m_sim->withSimulator([&](Simulator &sim) {
+        if (where == QLatin1String("handler"))
+            sim.setHandler({0x2002, [choke](Session &, const ReceivedFrame &) { choke(); }});
+        else if (where == QLatin1String("tick"))
+            sim.addTick({"choking", [choke](Simulator &, qint64) { choke(); }});
+        else
+            sim.addConnectHook({"choking", [choke](Session &) { choke(); }});
     });
     LogCapture log("sim");
     WireClient client;
     connectClient(client);
-    client.sendFrame(0x2002, QByteArray("{\"robot\":\"one\"}\n"));
+    client.sendFrame(0x2002, QByteArray("{}\n"));
     client.sendFrame(kHeartbeat, heartbeat(8));
     QVERIFY(client.waitForFrame(kHeartbeatAnswer));
+    QTRY_VERIFY_WITH_TIMEOUT(!log.lines().filter(logged).isEmpty(), 5000);
     QCOMPARE(m_sim->clientCount(), 1);
-    QCOMPARE(log.lines().filter(QStringLiteral("handler of 0x2002 failed")).size(), 1);
+    // No more sim lines once the capture is gone.
+    m_sim->withSimulator([](Simulator &sim) { sim.clearTicksAndConnectHooks(); });
 }
 
 void TestSim::commandCodesAreUnique()
