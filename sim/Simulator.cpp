@@ -22,8 +22,7 @@ constexpr int kTracedPayloadChars = 240;
 
 // Runs one piece of family behaviour. One that chokes (a jsoncpp conversion
 // of an ill-typed request, say) is logged and must not take the controller
-// down.
-// what() names it, only when needed.
+// down; what() names it, and is only called then.
 template <typename What, typename Fn>
 void guarded(What &&what, Fn &&fn)
 {
