@@ -303,7 +303,9 @@ void TestContinuous::moveRecord()
     movj.u.move.acc = variable("AUTO", "GI010");
     movj.u.move.time = constant(200);
     movj.u.move.pos.ctype = 1;
-    const Json::Value root = parsed(sendQueue(Records{movj}));
+    const QByteArray payload = sendQueue(Records{movj});
+    QVERIFY(!payload.isEmpty());
+    const Json::Value root = parsed(payload);
     QCOMPARE(root["robot"].asInt(), 1);
     QCOMPARE(root["data"].size(), 1u);
     const Json::Value &m = root["data"][0];
@@ -361,10 +363,14 @@ void TestContinuous::variableClasses()
     QFETCH(int, value);
     qrx_motion_record r = move(2, 20, "P0002");
     r.u.move.dec = variable(word.toLatin1().constData(), name.toLatin1().constData());
-    const Json::Value root = parsed(sendQueue(Records{r}));
+    r.u.move.dec.value = 30; // the constant, when it is one
+    const QByteArray payload = sendQueue(Records{r});
+    QVERIFY(!payload.isEmpty());
+    const Json::Value root = parsed(payload);
     const Json::Value &dec = root["data"][0]["ParaDEC"];
     QCOMPARE(dec["value"].asInt(), value);
     QCOMPARE(QString::fromStdString(dec["varname"].asString()), value ? name : QString());
+    QCOMPARE(dec["data"].asDouble(), value ? 0.0 : 30.0);
 }
 
 void TestContinuous::conditionGroups()
@@ -377,7 +383,9 @@ void TestContinuous::conditionGroups()
     list.conditions[1] = condition(0, 1, "I002", 1, "0");
     list.conditions[2] = condition(1, 0, "GD003", 2, "2.5");
     list.groupLogic[0] = 0;
-    const Json::Value tree = parsed(sendQueue(Records{r}))["data"][0]["whileconditionArrayFINAL"];
+    const QByteArray payload = sendQueue(Records{r});
+    QVERIFY(!payload.isEmpty());
+    const Json::Value tree = parsed(payload)["data"][0]["whileconditionArrayFINAL"];
     QCOMPARE(tree["conditionGroup"].size(), 2u);
     QCOMPARE(tree["conditionGroup"][0].size(), 2u);
     QCOMPARE(tree["conditionGroup"][0][1]["key"].asString(), std::string("I002"));
@@ -393,7 +401,9 @@ void TestContinuous::queueOrderAndSkippedTypes()
 {
     const Records records{move(1, 30, "P0001"), record(29), timer(constant(1)), record(30), record(0),
                           dout(2, 0), move(2, 40, "P0002")};
-    const Json::Value root = parsed(sendQueue(records));
+    const QByteArray payload = sendQueue(records);
+    QVERIFY(!payload.isEmpty());
+    const Json::Value root = parsed(payload);
     QCOMPARE(root["data"].size(), 4u);
     const int types[] = {1, 7, 16, 2};
     for (Json::ArrayIndex i = 0; i < 4; ++i)
