@@ -398,6 +398,29 @@ private Q_SLOTS:
         QVERIFY(fixture.flush());
     }
 
+    // After a manual restart the controller's first mode report is
+    // announced even when the mode did not change.
+    void restartAnnouncesTheModeAgain()
+    {
+        const int held = robot->operationMode;
+        robot->close();
+        QVERIFY(robot->isClosed());
+        QVERIFY(!robot->isReady());
+        QTRY_VERIFY_WITH_TIMEOUT(robot->connected.load() == 0, 10000);
+
+        ThreadSpy changed(robot, SIGNAL(robot_mode_changed(OperationMode)));
+        robot->modeReceived.store(false);
+        robot->restart();
+        QVERIFY(!robot->isClosed());
+        QTRY_VERIFY_WITH_TIMEOUT(robot->connected.load() == 1, 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(robot->modeReceived.load(), 15000);
+        QVERIFY(fixture.flush());
+        QCOMPARE(robot->operationMode, held);
+        QCOMPARE(changed.count(), 1);
+        QCOMPARE(int(changed.at(0).value(0).value<OperationMode>()), held);
+        QVERIFY(!Robot::takeForceModeNotification());
+    }
+
     void instanceAccessor()
     {
         // No class-wide instance is alive here: the fixture's Robot was
