@@ -59,7 +59,7 @@ struct SimMotion
     static constexpr double maxAxisSpeed = 100.0; // units per second at 100 %
     static constexpr double maxJogSpeed = 50.0;   // units per second at jog speed 100 %
     static constexpr qint64 jogHoldMs = 300;      // a jog step keeps the axis moving this long
-    static constexpr qint64 driveEngageMs = 300;  // servo 1 + deadman on -> servo 3 after this
+    static constexpr qint64 driveEngageMs = 500;  // servo 1 + deadman on -> servo 3 after this
 
     std::array<double, 5> sync{};           // 0x7013 "pos"
     std::array<double, 7> axisSpeed{};      // last tick's speed per robot axis (0x2A05 "vel")

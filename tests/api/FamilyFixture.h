@@ -97,6 +97,14 @@ public:
         return framesSoFar();
     }
 
+    // Runs call and waits until the controller has taken its frames and the
+    // Robot every report they caused, so no reply of call can end a later wait.
+    bool quietly(const Call &call)
+    {
+        framesOf(call);
+        return settle();
+    }
+
     QStringList framesSoFar()
     {
         robot->send(kFenceCode, QByteArray());
