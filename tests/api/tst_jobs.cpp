@@ -257,8 +257,8 @@ void TestJobs::jobRunsToItsEnd()
         m.deadman = 1;
     });
     set_runs(2);
-    open_job("DEMO");
-    run_job("DEMO");
+    open_job("WELD01");
+    run_job("WELD01");
     QTRY_COMPARE_WITH_TIMEOUT(m_ctl.robot->runningStatus, 2, 10000);
     QTRY_VERIFY_WITH_TIMEOUT(get_job_running_lines() >= 3, 10000);
 
@@ -266,7 +266,7 @@ void TestJobs::jobRunsToItsEnd()
     QTRY_COMPARE_WITH_TIMEOUT(m_ctl.robot->runningStatus, 1, 10000);
     continue_run();
     QTRY_COMPARE_WITH_TIMEOUT(m_ctl.robot->runningStatus, 2, 10000);
-    // Two runs of eight lines, a line every 100 ms.
+    // Two runs of twenty lines, a line every 100 ms.
     QTRY_COMPARE_WITH_TIMEOUT(m_ctl.robot->runningStatus, 0, 20000);
     double cycle[7] = {};
     get_single_cycle(cycle);
