@@ -33,6 +33,8 @@ private Q_SLOTS:
     void parameterTexts_data();
     void parameterTexts();
     void extmovBlockText();
+    void disableEndsEveryLine_data();
+    void disableEndsEveryLine();
 };
 
 void TestJobText::lines_data()
@@ -384,6 +386,9 @@ void TestJobText::lines_data()
     row("SWITCHPAYLOAD", R"({"type":216,"intVar":3,"stringVar":"I001"})", "SWITCHPAYLOAD 3");
     row("SWITCHPAYLOAD variable", R"({"type":216,"intVar":3,"stringVar":"I001","posIDType":1})", "SWITCHPAYLOAD I001");
     row("DRAG_TRAJECTORY", R"({"type":172,"trackName":"T1","trackSpeed":0.5})", "DRAG_TRAJECTORY T1 0.5");
+    row("WINDOW count beyond three", R"({"type":208,"text1":"A","variable":"I1","count":9,"text2":"B","text3":"C",
+        "text4":"D","value1":1,"value2":2,"value3":3})", "WINDOW [$A$] I1 9 [$B$] 1 [$C$] 2 [$D$] 3");
+    row("WINDOW negative count", R"({"type":208,"text1":"A","variable":"I1","count":-1,"text2":"B"})", "WINDOW [$A$] I1 -1");
     row("disabled statement", R"({"type":16,"portId":3,"portValue":1,"logout":true})", "DOUT 3 1 DISABLE");
     row("disabled block end", R"({"type":12,"logout":true})", "ENDIF DISABLE");
 }
@@ -509,6 +514,27 @@ void TestJobText::extmovBlockText()
 {
     EXTMOVCommand open(144);
     QCOMPARE(QString::fromStdString(open.blockText()), QString("ENDEXTMOV"));
+}
+
+void TestJobText::disableEndsEveryLine_data()
+{
+    QTest::addColumn<int>("type");
+    for (int type = 1; type <= 219; ++type) {
+        if (newCommand(type))
+            QTest::addRow("type %d", type) << type;
+    }
+}
+
+void TestJobText::disableEndsEveryLine()
+{
+    QFETCH(int, type);
+    const std::unique_ptr<Command> command = newCommand(type);
+    const std::string enabled = command->toString();
+    QVERIFY(!enabled.empty());
+    QVERIFY(enabled.find('\n') == std::string::npos);
+    QVERIFY(enabled.size() < 8 || enabled.compare(enabled.size() - 8, 8, " DISABLE") != 0);
+    command->logout = true;
+    QCOMPARE(QString::fromStdString(command->toString()), QString::fromStdString(enabled + " DISABLE"));
 }
 
 QTEST_APPLESS_MAIN(TestJobText)
