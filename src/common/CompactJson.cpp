@@ -1,14 +1,18 @@
 #include "common/CompactJson.h"
 
-#include <cstdio>
+#include <charconv>
 #include <cstring>
 
 namespace qrx {
 
 std::string formatReal(double value)
 {
+    // "%#.12f", but independent of the C locale: a host whose locale
+    // writes a decimal comma must still send "2.50" to the controller.
     char buffer[400];
-    std::snprintf(buffer, sizeof buffer, "%#.12f", value);
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer - 1, value,
+                                      std::chars_format::fixed, 12);
+    *result.ptr = '\0';
     const std::size_t length = std::strlen(buffer);
     if (length == 0 || buffer[length - 1] != '0')
         return buffer;
