@@ -12,6 +12,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <random>
 #include <vector>
 #include <zlib.h>
 
@@ -179,6 +180,7 @@ void tst_LinkSend::hostileBytes_data()
     QTest::newRow("split delivery") << QStringLiteral("split") << 0 << 0;
     QTest::newRow("corrupt CRC") << QStringLiteral("crc") << -1 << 1;
     QTest::newRow("length claim swallowing the next bytes") << QStringLiteral("claim") << 65544 << 1;
+    QTest::newRow("random bytes without a head") << QStringLiteral("noise") << 50000 << 0;
 }
 
 void tst_LinkSend::hostileBytes()
@@ -196,6 +198,15 @@ void tst_LinkSend::hostileBytes()
     const QByteArray good("{\"ok\":true}\n");
     if (kind == QLatin1String("garbage")) {
         m_sim->sendGarbage("hello, this is no frame"); // 23 bytes, no "N"
+    } else if (kind == QLatin1String("noise")) {
+        QByteArray noise(headErrors, Qt::Uninitialized);
+        std::mt19937 random(2024);
+        for (int i = 0; i < noise.size(); ++i) {
+            noise[i] = char(random());
+            if (i > 0 && noise[i - 1] == 'N' && noise[i] == 'f')
+                noise[i] = 'g';
+        }
+        m_sim->sendGarbage(noise);
     } else if (kind == QLatin1String("split")) {
         m_sim->setSplitDelivery(true);
     } else if (kind == QLatin1String("crc")) {
