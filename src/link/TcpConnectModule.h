@@ -13,7 +13,13 @@
 // timeBase sets both timers: the check every timeBase/180 ms and the
 // time-out check every timeBase/150 ms (1666 ms and 2000 ms for 300000).
 // connectSucceed(1) is emitted on every connect, connectSucceed(0) on every
-// loss (twice when the socket drops, as the controller software always did).
+// loss: twice when the socket drops, three times when the receive time-out
+// closes it (the close reports the loss like a drop, then the time-out
+// reports it once more). Listeners have always seen it so.
+//
+// The link thread runs its own event loop, but Qt delivers events only while
+// a QCoreApplication exists (in any thread): the host program, or the API
+// layer on its behalf, creates one before start().
 
 #include "link/LinkSenders.h"
 
