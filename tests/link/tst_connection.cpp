@@ -28,6 +28,8 @@ private Q_SLOTS:
     void echoesControllerHeartbeat();
     void receiveTimeout_data();
     void receiveTimeout();
+    void lastPingTimeFromOutside_data();
+    void lastPingTimeFromOutside();
     void lossNotifiesTwiceAndReconnects();
     void retriesWhileUnreachable();
     void stopPreventsReconnect();
@@ -170,6 +172,31 @@ void tst_Connection::receiveTimeout()
     QTRY_VERIFY_WITH_TIMEOUT(statuses(link.status).count(1) == 2, 10000);
     QCOMPARE(statuses(link.status), (QVector<int>{1, 0, 0, 0, 1}));
     QCOMPARE(countLinesStartingWith(log, kReconnectLine), 2);
+}
+
+void tst_Connection::lastPingTimeFromOutside_data()
+{
+    QTest::addColumn<int>("ageSecs");
+    QTest::addColumn<bool>("dropped");
+    QTest::newRow("8 s ago: timed out at the next time-out check") << 8 << true;
+    QTest::newRow("just now: still alive") << 0 << false;
+}
+
+void tst_Connection::lastPingTimeFromOutside()
+{
+    QFETCH(int, ageSecs);
+    QFETCH(bool, dropped);
+    m_sim->setSilent(true);
+    LogCapture log;
+    Link link(m_address);
+    link.module.start();
+    QVERIFY(waitUp(link));
+
+    link.module.setLastPingTime(QDateTime::currentDateTime().addSecs(-ageSecs));
+    // Well within the 7 s that the connect itself allows.
+    const bool lost = link.status.wait(3000);
+    QCOMPARE(lost, dropped);
+    QCOMPARE(log.count(kTimeoutLine), dropped ? 1 : 0);
 }
 
 void tst_Connection::lossNotifiesTwiceAndReconnects()
