@@ -108,7 +108,10 @@ public:
     // ---- core: state the host API reads -----------------------------------
     // Request-and-wait: lock replyMutex, send, wait on replyCondition; every
     // key-reading handler wakes all waiters at its end.
-    std::atomic<quint8> connected{0}; // link connected (connectSucceed)
+    // Link connected. Follows connectSucceed, which the link façade
+    // re-emits in the thread it lives in (the Robot's), so it changes when
+    // that thread runs its events.
+    std::atomic<quint8> connected{0};
     QMutex replyMutex;
     QWaitCondition replyCondition;
 

@@ -170,6 +170,22 @@ private Q_SLOTS:
         QCOMPARE(args.value(argument).toByteArray(), payload);
     }
 
+    // 0x2A03 reaches the Robot decoded by the link, straight to its signal.
+    void positionReportRelayed()
+    {
+        ThreadSpy update(robot, SIGNAL(robot_position_update(QVector<double>, int, int)));
+        QVERIFY(update.isValid());
+        robot->replyMutex.lock();
+        fixture.send(0x2A03, QByteArray("{\"configuration\":5,\"coord\":2,\"posDeg\":[1.5,2,3,4,5,6,-7],\"robot\":2}"));
+        const bool handled = fixture.flush(10000);
+        robot->replyMutex.unlock();
+        QVERIFY(handled);
+        QCOMPARE(update.count(), 1);
+        QCOMPARE(update.at(0).value(0).value<QVector<double>>(), (QVector<double>{1.5, 2, 3, 4, 5, 6, -7}));
+        QCOMPARE(update.at(0).value(1).toInt(), 2);
+        QCOMPARE(update.at(0).value(2).toInt(), 2);
+    }
+
     void connectionRelaysDoNotWake()
     {
         ThreadSpy status(robot, SIGNAL(robot_connect_succeed(int)));
