@@ -92,6 +92,7 @@ void TestServoMode::init()
         m.coordinate = 0;
         m.speed = 10;
         m.runStatus = 0;
+        m.job = qrxsim::SimJobRunner();
     });
     QVERIFY(m_ctl.holdServo(0));
     QVERIFY(m_ctl.holdMode(0));
@@ -177,8 +178,14 @@ void TestServoMode::gettersReturnTheReply_data()
                                    << IntCall(get_jogging_speed) << 102;
     QTest::newRow("job paused") << ModelChange([](qrxsim::ControllerModel &m) { m.runStatus = 1; })
                                 << IntCall(get_robot_running_state) << 1;
-    QTest::newRow("job running") << ModelChange([](qrxsim::ControllerModel &m) { m.runStatus = 2; })
-                                 << IntCall(get_robot_running_state) << 2;
+    // A job really running: drives up, WELD01 at its first of 20 lines.
+    QTest::newRow("job running") << ModelChange([](qrxsim::ControllerModel &m) {
+        m.servoStatus = 3;
+        m.deadman = 1;
+        m.job.running = "WELD01";
+        m.job.line = 1;
+        m.runStatus = 2;
+    }) << IntCall(get_robot_running_state) << 2;
 }
 
 void TestServoMode::gettersReturnTheReply()
