@@ -92,8 +92,12 @@ void FrameDecoder::scan(EmitFn deliver, void *ctx)
         deliver(ctx, command, p + 6, length);
         // deliver may not touch m_buffer: data stays valid.
     }
-    if (pos > 0)
-        m_buffer.remove(0, pos);
+    // The buffer often shares its bytes with the caller's read: remove()
+    // would first copy all of them. Keep only the rest, copying just that.
+    if (pos >= size)
+        m_buffer.clear();
+    else if (pos > 0)
+        m_buffer = m_buffer.mid(pos);
 }
 
 } // namespace qrx
