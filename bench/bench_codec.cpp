@@ -12,9 +12,14 @@
 #include <QByteArray>
 #include <QLoggingCategory>
 #include <benchmark/benchmark.h>
+#include <unistd.h>
 #include <zlib.h>
 
+#include <cstdio>
+#include <map>
 #include <random>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -145,6 +150,64 @@ void BM_DecodeGarbageInReads(benchmark::State &state)
 }
 BENCHMARK(BM_DecodeGarbageInReads);
 
+// Prints the usual table, then each figure against its baseline.
+class RatioReporter : public benchmark::ConsoleReporter
+{
+public:
+    RatioReporter()
+        : ConsoleReporter(isatty(fileno(stdout)) ? OO_ColorTabular : OO_Tabular)
+    {
+    }
+
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        ConsoleReporter::ReportRuns(runs);
+        for (const Run &run : runs) {
+            if (run.error_occurred || run.iterations == 0)
+                continue;
+            // With repetitions the median stands for the name; else the run.
+            const std::string name = run.run_name.function_name;
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name != "median")
+                continue;
+            cpuNs[name] = run.GetAdjustedCPUTime();
+        }
+    }
+    void Finalize() override
+    {
+        ConsoleReporter::Finalize();
+        printRatio("decoding valid frames, throughput vs crc32 in one call", "BM_Crc32Alone",
+                   "BM_DecodeValidFrames", "at least 80 %");
+        printRatio("decoding valid frames, throughput vs crc32 per frame", "BM_Crc32PerFrame",
+                   "BM_DecodeValidFrames", "at least 80 %");
+        printRatio("1 MiB garbage and a frame, time vs 1 MiB valid frames", "BM_DecodeGarbageThenFrame",
+                   "BM_DecodeValidFrames", "under 10x", true);
+    }
+
+private:
+    void printRatio(const char *what, const std::string &base, const std::string &measured,
+                    const char *goal, bool timeRatio = false)
+    {
+        if (!cpuNs.count(base) || !cpuNs.count(measured))
+            return;
+        const double ratio = cpuNs[base] / cpuNs[measured];
+        if (timeRatio)
+            std::printf("%-58s %6.2fx   (goal: %s)\n", what, ratio, goal);
+        else
+            std::printf("%-58s %6.1f %%  (goal: %s)\n", what, 100.0 * ratio, goal);
+    }
+
+    std::map<std::string, double> cpuNs;
+};
+
 } // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char **argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    RatioReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return 0;
+}
