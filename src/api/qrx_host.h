@@ -248,7 +248,8 @@ QRX_HOST_API void QRX_HOST_CALL setErrorHandle(void (*handler)(const char *text)
 QRX_HOST_API int QRX_HOST_CALL servo_power_on(void);
 /* Sends 0x2301 {"deadman":0}, waits. */
 QRX_HOST_API void QRX_HOST_CALL servo_power_off(void);
-/* Sends 0x2001 {"robot","status":state}. Does not wait. */
+/* Sends 0x2001 {"robot","status":state}: state as a signed byte, "robot" the
+ * override robot number as it stands. Does not wait. */
 QRX_HOST_API void QRX_HOST_CALL set_servo_state(int state);
 /* The servo state last reported (3: drives running). Sends nothing. */
 QRX_HOST_API int QRX_HOST_CALL get_servo_state(void);
@@ -267,9 +268,13 @@ QRX_HOST_API void QRX_HOST_CALL set_jogging_speed(int speed);
 /* Sends 0x2602 {"robot"}, waits, returns the jog speed. */
 QRX_HOST_API int QRX_HOST_CALL get_jogging_speed(void);
 /* Axis 1..7: sends 0x2901 {"axis","direction":+1/-1} now and every 200 ms
- * until stop_jogging(). Nothing unless the servo state is 3. */
+ * until stop_jogging(); outside teach mode the repetition stops after the
+ * next step. Nothing unless the servo state is 3 (then the line
+ * "伺服不在运行状态,无法执行点动操作!" is logged); any other axis sends
+ * nothing. With the Robot's external-axis jog selection, axes 1..5 go out as
+ * 8..12 and other axes send nothing. */
 QRX_HOST_API void QRX_HOST_CALL start_jogging(int axis, bool direction);
-/* Stops the jog timer, sends 0x2902 {"axis"}. */
+/* Stops the jog timer, sends 0x2902 {"axis"} with the axis as given. */
 QRX_HOST_API void QRX_HOST_CALL stop_jogging(int axis);
 /* Sends 0x3d02 {"robot"}, waits, returns the running state (2: job running). */
 QRX_HOST_API int QRX_HOST_CALL get_robot_running_state(void);
@@ -320,7 +325,8 @@ QRX_HOST_API void QRX_HOST_CALL get_current_position(double *pos, int coord);
 QRX_HOST_API void QRX_HOST_CALL get_current_sync_position(double *pos);
 /* 0x5605 {"robot","posName"}, waits, copies the global position to out[14]. */
 QRX_HOST_API void QRX_HOST_CALL get_GPosition(const char *name, double *out);
-/* 0x5604 {"posName","coord","robot","pos"[14]}: robotAxes[7] then syncAxes[7]. */
+/* 0x5604 {"posName","coord","robot","pos"[14]}: robotAxes[7] then syncAxes[7];
+ * "robot" is the override robot number as it stands. */
 QRX_HOST_API void QRX_HOST_CALL set_GPosition(const char *posName, int coord, double *robotAxes, double *syncAxes);
 /* 0x560b {"varType","varName"}, waits, returns the cached value of the named
  * global variable ("GI001", "GD002", "GB003"; others give 0.0). */
@@ -348,9 +354,9 @@ QRX_HOST_API void QRX_HOST_CALL open_job(const char *name);
 QRX_HOST_API void QRX_HOST_CALL run_job(const char *name);
 /* 0x2501 {"jobname","robot","line"}; preconditions as run_job. */
 QRX_HOST_API void QRX_HOST_CALL step_job(const char *name, int line);
-/* 0x2401 {"type":1,"robot"}. */
+/* 0x2401 {"type":1,"robot"} ("robot": the override robot number). */
 QRX_HOST_API void QRX_HOST_CALL pause_job(void);
-/* 0x2503 {"robot"}. */
+/* 0x2503 {"robot"} ("robot": the override robot number). */
 QRX_HOST_API void QRX_HOST_CALL stop_job(void);
 /* Queries the mode (0x2102, waits); returns 1 when not in run mode, 2 when the
  * servo state is not 1, else sends 0x2501 {"robot","continueRun":1,"line":1,
@@ -361,12 +367,13 @@ QRX_HOST_API int QRX_HOST_CALL continue_job(void);
 QRX_HOST_API void QRX_HOST_CALL continue_run(void);
 /* 0x3111 {"robot","jobfilename","suffixname":".JBR"}. */
 QRX_HOST_API void QRX_HOST_CALL delete_job(const char *name);
-/* 0x5011 {"robot","index":count}. */
+/* 0x5011 {"robot","index":count} ("robot": the override robot number). */
 QRX_HOST_API void QRX_HOST_CALL set_runs(int count);
 /* Sends 0x3503 {"robot"} and returns at once the running line held before
  * this query's answer. */
 QRX_HOST_API int QRX_HOST_CALL get_job_running_lines(void);
-/* 0x3309 {"robot"}, waits, copies the cycle figures to out[7]. */
+/* 0x3309 {"robot"}, waits, copies the cycle figures to out[7], writing each
+ * to the debug log as it goes. */
 QRX_HOST_API void QRX_HOST_CALL get_single_cycle(double *out);
 
 /* ------------------------------------------------------------------------
@@ -400,7 +407,8 @@ QRX_HOST_API void QRX_HOST_CALL switch_tool_hand(int toolNum);
 QRX_HOST_API int QRX_HOST_CALL get_current_tool_hand(void);
 /* 0x3805 {"robot","toolNum","tool":{"x","y","z","A","B","C"}} from tool[6]. */
 QRX_HOST_API void QRX_HOST_CALL set_tool_hand_param(int toolNum, double *tool);
-/* 0x3806 {"toolNum"}, waits, copies x, y, z, A, B, C to out[6]. */
+/* 0x3806 {"toolNum"}, waits, copies x, y, z, A, B, C of that tool to out[6]
+ * (tools 0..31; out is left alone for any other number). */
 QRX_HOST_API void QRX_HOST_CALL query_tool_hand_param(int toolNum, double *out);
 /* 0x3c08 {"robot","userNum"}, then 0x3c0a {"userNum","inquire":"Calibration"}. */
 QRX_HOST_API void QRX_HOST_CALL set_user_coord_number(int userNum);
