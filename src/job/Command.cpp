@@ -1,11 +1,22 @@
 #include "job/Command.h"
 
-#include "job/JsonRead.h"
+#include "job/FieldTable.h"
 #include "job/TextFormat.h"
 
 namespace qrx {
 
-using namespace jsonread;
+namespace {
+
+// The keys every instruction carries besides "type".
+const FieldList<Command> &baseFields()
+{
+    using C = Command;
+    static const FieldList<C> list = {
+        {"logout", &C::logout}, {"userParamInt", &C::userParamInt}, {"userParamString", &C::userParamString}};
+    return list;
+}
+
+} // namespace
 
 Command::Command(int type)
     : type(type)
@@ -23,17 +34,13 @@ Json::Value Command::toJson() const
 {
     Json::Value json(Json::objectValue);
     json["type"] = type;
-    json["logout"] = logout;
-    json["userParamInt"] = userParamInt;
-    json["userParamString"] = userParamString;
+    writeFields(*this, baseFields(), json);
     return json;
 }
 
-void Command::fromJson(const Json::Value &json, PositionTable *)
+void Command::fromJson(const Json::Value &json, PositionTable *table)
 {
-    logout = readBool(json, "logout");
-    userParamInt = readInt(json, "userParamInt");
-    userParamString = readString(json, "userParamString");
+    readFields(*this, baseFields(), json, table);
 }
 
 RobotPos *Command::position() const

@@ -1,6 +1,6 @@
 #include "job/Condition.h"
 
-#include "job/JsonRead.h"
+#include "job/FieldTable.h"
 
 #include <array>
 
@@ -43,6 +43,18 @@ std::vector<LogicSymbolClass> readLogics(const Json::Value &array)
     return logics;
 }
 
+const FieldList<CommandCondition> &conditionFields()
+{
+    using C = CommandCondition;
+    static const FieldList<C> list = {
+        {"keyType", &C::keyType}, {"key", &C::key}, {"inNumLeft", &C::inNumLeft}, {"inNumRight", &C::inNumRight},
+        {"logicType", &C::logicType}, {"desType", &C::desType}, {"desValue", &C::desValue},
+        {"paramType", &C::paramType}, {"paramName", &C::paramName}, {"soueceType", &C::soueceType},
+        {"soueceName", &C::soueceName},
+    };
+    return list;
+}
+
 } // namespace
 
 std::string LogicSymbolClass::toString() const
@@ -69,33 +81,13 @@ std::string CommandCondition::toString() const
 Json::Value CommandCondition::toJson() const
 {
     Json::Value json(Json::objectValue);
-    json["keyType"] = keyType;
-    json["key"] = key;
-    json["inNumLeft"] = inNumLeft;
-    json["inNumRight"] = inNumRight;
-    json["logicType"] = logicType;
-    json["desType"] = desType;
-    json["desValue"] = desValue;
-    json["paramType"] = paramType;
-    json["paramName"] = paramName;
-    json["soueceType"] = soueceType;
-    json["soueceName"] = soueceName;
+    writeFields(*this, conditionFields(), json);
     return json;
 }
 
 void CommandCondition::fromJson(const Json::Value &json)
 {
-    keyType = readInt(json, "keyType");
-    key = readString(json, "key");
-    inNumLeft = readInt(json, "inNumLeft");
-    inNumRight = readInt(json, "inNumRight");
-    logicType = readInt(json, "logicType");
-    desType = readInt(json, "desType");
-    desValue = readString(json, "desValue");
-    paramType = readInt(json, "paramType");
-    paramName = readString(json, "paramName");
-    soueceType = readInt(json, "soueceType");
-    soueceName = readString(json, "soueceName");
+    readFields(*this, conditionFields(), json);
 }
 
 std::string CommandConditionMid::toString() const

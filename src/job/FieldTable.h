@@ -1,7 +1,8 @@
 #pragma once
-// The JSON keys of an instruction family, each bound to the member that
-// holds it, in the order the family writes them. One table per class drives
-// its toJson and fromJson.
+// The JSON keys of an object of the job model, each bound to the member that
+// holds it. One table per class drives its toJson and fromJson: the
+// instructions through FieldCommand, the parameter objects and conditions
+// through writeFields and readFields.
 
 #include "job/Command.h"
 #include "job/Condition.h"
@@ -27,16 +28,17 @@ struct Field
                                 std::unique_ptr<ParaSyncCommand> C::*, CommandConditionFINAL C::*,
                                 PositionRef C::*>;
 
-    template <class M>
-    Field(const char *key, M C::*member)
-        : key(key), member(member)
+    // `member` may belong to a base class of C.
+    template <class M, class B>
+    Field(const char *key, M B::*member)
+        : key(key), member(static_cast<M C::*>(member))
     {
     }
     // A parameter object that falls back to the flat key of the older form
     // when its own key is missing.
-    template <class M>
-    Field(const char *key, const char *flatKey, M C::*member)
-        : key(key), flatKey(flatKey), member(member)
+    template <class M, class B>
+    Field(const char *key, const char *flatKey, M B::*member)
+        : key(key), flatKey(flatKey), member(static_cast<M C::*>(member))
     {
     }
 
@@ -48,6 +50,14 @@ struct Field
 template <class C>
 using FieldList = std::vector<Field<C>>;
 
+// The fields of `first`, then those of `second`.
+template <class C>
+FieldList<C> joinFields(FieldList<C> first, const FieldList<C> &second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
 namespace detail {
 
 template <class T>
@@ -55,6 +65,9 @@ struct IsUniquePtr : std::false_type {};
 template <class T>
 struct IsUniquePtr<std::unique_ptr<T>> : std::true_type {};
 
+} // namespace detail
+
+// Writes the fields of `object` into `json`.
 template <class C>
 void writeFields(const C &object, const FieldList<C> &fields, Json::Value &json)
 {
@@ -62,7 +75,7 @@ void writeFields(const C &object, const FieldList<C> &fields, Json::Value &json)
         std::visit([&](auto member) {
             using M = std::decay_t<decltype(object.*member)>;
             const M &value = object.*member;
-            if constexpr (IsUniquePtr<M>::value)
+            if constexpr (detail::IsUniquePtr<M>::value)
                 json[field.key] = value ? value->toJson() : Json::Value();
             else if constexpr (std::is_same_v<M, CommandConditionFINAL> || std::is_same_v<M, PositionRef>)
                 json[field.key] = value.toJson();
@@ -72,8 +85,10 @@ void writeFields(const C &object, const FieldList<C> &fields, Json::Value &json)
     }
 }
 
+// Reads the fields of `object` from `json` (a missing or odd value reads as
+// 0, false or empty); positions go through `table`.
 template <class C>
-void readFields(C &object, const FieldList<C> &fields, const Json::Value &json, PositionTable *table)
+void readFields(C &object, const FieldList<C> &fields, const Json::Value &json, PositionTable *table = nullptr)
 {
     using namespace jsonread;
     for (const Field<C> &field : fields) {
@@ -91,7 +106,7 @@ void readFields(C &object, const FieldList<C> &fields, const Json::Value &json, 
                 target = jsonread::toString(value);
             } else if constexpr (std::is_same_v<M, Json::Value>) {
                 target = value;
-            } else if constexpr (IsUniquePtr<M>::value) {
+            } else if constexpr (detail::IsUniquePtr<M>::value) {
                 target = std::make_unique<typename M::element_type>();
                 if (value.isObject()) {
                     target->fromJson(value);
@@ -108,8 +123,6 @@ void readFields(C &object, const FieldList<C> &fields, const Json::Value &json, 
     }
 }
 
-} // namespace detail
-
 // Implements toJson and fromJson of Derived from Derived::fields(), after
 // those of Base (Command, or TimerCommand for WaitCommand).
 template <class Derived, class Base = Command>
@@ -121,14 +134,14 @@ public:
     Json::Value toJson() const override
     {
         Json::Value json = Base::toJson();
-        detail::writeFields(static_cast<const Derived &>(*this), Derived::fields(), json);
+        writeFields(static_cast<const Derived &>(*this), Derived::fields(), json);
         return json;
     }
 
     void fromJson(const Json::Value &json, PositionTable *table) override
     {
         Base::fromJson(json, table);
-        detail::readFields(static_cast<Derived &>(*this), Derived::fields(), json, table);
+        readFields(static_cast<Derived &>(*this), Derived::fields(), json, table);
     }
 };
 

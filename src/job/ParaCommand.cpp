@@ -1,11 +1,33 @@
 #include "job/ParaCommand.h"
 
-#include "job/JsonRead.h"
+#include "job/FieldTable.h"
 #include "job/TextFormat.h"
 
 namespace qrx {
 
-using namespace jsonread;
+namespace {
+
+// The keys of a constant-or-variable value.
+template <class C>
+FieldList<C> valueFields()
+{
+    return {{"value", &C::value}, {"data", &C::data}, {"varname", &C::varname}};
+}
+
+const FieldList<ParaCommand> &paraFields()
+{
+    static const FieldList<ParaCommand> list = valueFields<ParaCommand>();
+    return list;
+}
+
+const FieldList<ParaVarCommand> &paraVarFields()
+{
+    using C = ParaVarCommand;
+    static const FieldList<C> list = joinFields<C>(valueFields<C>(), {{"secondvalue", &C::secondvalue}});
+    return list;
+}
+
+} // namespace
 
 std::string ParaCommand::valueText() const
 {
@@ -20,17 +42,13 @@ std::string ParaCommand::toString() const
 Json::Value ParaCommand::toJson() const
 {
     Json::Value json(Json::objectValue);
-    json["value"] = value;
-    json["data"] = data;
-    json["varname"] = varname;
+    writeFields(*this, paraFields(), json);
     return json;
 }
 
 void ParaCommand::fromJson(const Json::Value &json)
 {
-    value = readInt(json, "value");
-    data = readDouble(json, "data");
-    varname = readString(json, "varname");
+    readFields(*this, paraFields(), json);
 }
 
 const char *ParaAccCommand::label() const { return " ACC = "; }
@@ -68,25 +86,19 @@ Json::Value ParaVCommand::toJson() const
 void ParaVCommand::fromJson(const Json::Value &json)
 {
     ParaCommand::fromJson(json);
-    m_vUnit = readInt(json, "m_vUnit");
+    m_vUnit = jsonread::readInt(json, "m_vUnit");
 }
 
 Json::Value ParaVarCommand::toJson() const
 {
     Json::Value json(Json::objectValue);
-    json["value"] = value;
-    json["data"] = data;
-    json["varname"] = varname;
-    json["secondvalue"] = secondvalue;
+    writeFields(*this, paraVarFields(), json);
     return json;
 }
 
 void ParaVarCommand::fromJson(const Json::Value &json)
 {
-    value = readInt(json, "value");
-    data = readDouble(json, "data");
-    varname = readString(json, "varname");
-    secondvalue = readInt(json, "secondvalue");
+    readFields(*this, paraVarFields(), json);
 }
 
 } // namespace qrx
