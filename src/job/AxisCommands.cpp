@@ -70,34 +70,20 @@ std::string READLINEARCommand::toString() const
     }
 }
 
-MOVCOMMCommand::MOVCOMMCommand(int type)
-    : FieldCommand(type),
-      paraV(std::make_unique<ParaVCommand>()),
-      paraAcc(std::make_unique<ParaAccCommand>()),
-      paraDec(std::make_unique<ParaDecCommand>()),
-      paraTime(std::make_unique<ParaTimeCommand>()),
-      paraPl(std::make_unique<ParaPlCommand>())
-{
-}
-
 const FieldList<MOVCOMMCommand> &MOVCOMMCommand::fields()
 {
     using C = MOVCOMMCommand;
-    static const FieldList<C> list = {
-        {"moveType", &C::moveType}, {"PL", &C::PL}, {"ACC", &C::ACC}, {"DEC", &C::DEC}, {"vUnit", &C::vUnit},
-        {"time", &C::time}, {"ParaV", "velocity", &C::paraV}, {"ParaACC", "ACC", &C::paraAcc},
-        {"ParaDEC", "DEC", &C::paraDec}, {"ParaTIME", "time", &C::paraTime}, {"ParaPL", "PL", &C::paraPl},
-    };
+    static const FieldList<C> list =
+        joinFields<C>({{"moveType", &C::moveType}, {"vUnit", &C::vUnit}}, motionFields<C>());
     return list;
 }
 
 std::string MOVCOMMCommand::toString() const
 {
-    const char *move = pick(moveType, {{0, " MovJ "}, {1, " MovL "}, {2, " MovC "}, {3, " MovS "}});
+    const char *move = moveText(moveType, 4);
     if (type != 101 || !move)
         return withTail(kUnknownCommandText);
-    return withTail("MOVCOMM " + std::string(move) + textOf(paraV) + textOf(paraPl) + textOf(paraAcc)
-                    + textOf(paraDec) + textOf(paraTime));
+    return withTail("MOVCOMM " + std::string(move) + motionText());
 }
 
 } // namespace qrx

@@ -10,7 +10,7 @@
 //   101 MOVCOMM  MovJ | MovL | MovC | MovS <speed><PL><ACC><DEC><time>
 //       (moveType 0-3)
 
-#include "job/FieldTable.h"
+#include "job/MotionParameters.h"
 
 namespace qrx {
 
@@ -51,23 +51,14 @@ public:
     int vartype = 0;
 };
 
-class MOVCOMMCommand : public FieldCommand<MOVCOMMCommand>
+class MOVCOMMCommand : public FieldCommand<MOVCOMMCommand>, public MotionParameters
 {
 public:
-    explicit MOVCOMMCommand(int type);
+    using FieldCommand::FieldCommand;
     std::string toString() const override;
     static const FieldList<MOVCOMMCommand> &fields();
     int moveType = 0;
-    double PL = 0.0;
-    double ACC = 0.0;
-    double DEC = 0.0;
     int vUnit = 0;
-    int time = 0;
-    std::unique_ptr<ParaVCommand> paraV;
-    std::unique_ptr<ParaAccCommand> paraAcc;
-    std::unique_ptr<ParaDecCommand> paraDec;
-    std::unique_ptr<ParaTimeCommand> paraTime;
-    std::unique_ptr<ParaPlCommand> paraPl;
 };
 
 } // namespace qrx

@@ -6,56 +6,35 @@ namespace qrx {
 
 using namespace render;
 
-namespace {
-
-const char *moveName(int moveType)
-{
-    return pick(moveType, {{0, " MovJ "}, {1, " MovL "}, {2, " MovC "}});
-}
-
-} // namespace
-
 // --- pallets -----------------------------------------------------------------
-
-PALCommand::PALCommand(int type)
-    : FieldCommand(type),
-      paraAcc(std::make_unique<ParaAccCommand>()),
-      paraV(std::make_unique<ParaVCommand>()),
-      paraDec(std::make_unique<ParaDecCommand>()),
-      paraPl(std::make_unique<ParaPlCommand>()),
-      paraTime(std::make_unique<ParaTimeCommand>())
-{
-}
 
 const FieldList<PALCommand> &PALCommand::fields()
 {
     using C = PALCommand;
-    static const FieldList<C> list = {
-        {"ID", &C::ID}, {"STACKTYPE", &C::STACKTYPE}, {"NUM", &C::NUM}, {"tool", &C::tool},
-        {"xyOpt", &C::xyOpt}, {"zOpt", &C::zOpt}, {"Posture", &C::Posture}, {"moveType", &C::moveType},
-        {"PL", &C::PL}, {"ACC", &C::ACC}, {"DEC", &C::DEC}, {"VARNAME", &C::VARNAME},
-        {"MULTIPAL", &C::MULTIPAL}, {"PalVar", &C::PalVar}, {"PalLevel", &C::PalLevel},
-        {"PalNumber", &C::PalNumber}, {"vUnit", &C::vUnit}, {"time", &C::time},
-        {"m_numVariableType", &C::m_numVariableType}, {"variableData", &C::variableData},
-        {"m_pointVariableType", &C::m_pointVariableType}, {"pointVariableName", &C::pointVariableName},
-        {"ParaACC", "ACC", &C::paraAcc}, {"ParaV", "velocity", &C::paraV}, {"ParaDEC", "DEC", &C::paraDec},
-        {"ParaPL", "PL", &C::paraPl}, {"ParaTIME", "time", &C::paraTime},
-    };
+    static const FieldList<C> list = joinFields<C>(
+        {
+            {"ID", &C::ID}, {"STACKTYPE", &C::STACKTYPE}, {"NUM", &C::NUM}, {"tool", &C::tool},
+            {"xyOpt", &C::xyOpt}, {"zOpt", &C::zOpt}, {"Posture", &C::Posture}, {"moveType", &C::moveType},
+            {"VARNAME", &C::VARNAME}, {"MULTIPAL", &C::MULTIPAL}, {"PalVar", &C::PalVar},
+            {"PalLevel", &C::PalLevel}, {"PalNumber", &C::PalNumber}, {"vUnit", &C::vUnit},
+            {"m_numVariableType", &C::m_numVariableType}, {"variableData", &C::variableData},
+            {"m_pointVariableType", &C::m_pointVariableType}, {"pointVariableName", &C::pointVariableName},
+        },
+        motionFields<C>());
     return list;
 }
 
 std::string PALCommand::toString() const
 {
     const std::string id = num(ID);
-    const char *move = moveName(moveType);
-    const std::string motion = textOf(paraV) + textOf(paraPl) + textOf(paraAcc) + textOf(paraDec) + textOf(paraTime);
+    const char *move = moveText(moveType, 3);
     switch (type) {
     case 71: return withTail("PALON ID = " + id + " MULTI = " + num(MULTIPAL));
     case 72: return withTail("PALOFF " + id);
     case 73: return withTail("PALLET " + id + " TYPE = " + num(STACKTYPE) + " NUM = " + num(NUM));
-    case 74: return move ? withTail("PALENTER " + id + move + motion) : withTail(kUnknownCommandText);
+    case 74: return move ? withTail("PALENTER " + id + move + motionText()) : withTail(kUnknownCommandText);
     case 75: return withTail("PALSHIFT " + id);
-    case 76: return move ? withTail("PALREAL " + id + move + motion) : withTail(kUnknownCommandText);
+    case 76: return move ? withTail("PALREAL " + id + move + motionText()) : withTail(kUnknownCommandText);
     case 77: return withTail("PALCLEAR " + id);
     case 78: return withTail("PALLET_POS " + id + " " + pointVariableName);
     case 203: return withTail("PAL_SET_EXAMPLE " + id + " " + variableData);
@@ -68,26 +47,16 @@ std::string PALCommand::toString() const
 
 // --- spraying ------------------------------------------------------------------
 
-SPRAYCommand::SPRAYCommand(int type)
-    : FieldCommand(type),
-      paraV(std::make_unique<ParaVCommand>()),
-      paraAcc(std::make_unique<ParaAccCommand>()),
-      paraDec(std::make_unique<ParaDecCommand>()),
-      paraTime(std::make_unique<ParaTimeCommand>()),
-      paraPl(std::make_unique<ParaPlCommand>())
-{
-}
-
 const FieldList<SPRAYCommand> &SPRAYCommand::fields()
 {
     using C = SPRAYCommand;
-    static const FieldList<C> list = {
-        {"gunID", &C::gunID}, {"seqID", &C::seqID}, {"traID", &C::traID}, {"colorID", &C::colorID},
-        {"anaID", &C::anaID}, {"flow", &C::flow}, {"sector", &C::sector}, {"atom", &C::atom},
-        {"PL", &C::PL}, {"ACC", &C::ACC}, {"DEC", &C::DEC}, {"time", &C::time},
-        {"ParaV", "velocity", &C::paraV}, {"ParaACC", "ACC", &C::paraAcc}, {"ParaDEC", "DEC", &C::paraDec},
-        {"ParaTIME", "time", &C::paraTime}, {"ParaPL", "PL", &C::paraPl}, {"point", &C::point},
-    };
+    static const FieldList<C> list = joinFields<C>(
+        {
+            {"gunID", &C::gunID}, {"seqID", &C::seqID}, {"traID", &C::traID}, {"colorID", &C::colorID},
+            {"anaID", &C::anaID}, {"flow", &C::flow}, {"sector", &C::sector}, {"atom", &C::atom},
+            {"point", &C::point},
+        },
+        motionFields<C>());
     return list;
 }
 
@@ -100,9 +69,7 @@ std::string SPRAYCommand::toString() const
     case 124:
         return withTail("SPRAY_CHANGE G = " + gun + " T = " + num(traID) + " AO = " + num(anaID) + " COLOR = "
                         + num(colorID));
-    case 125:
-        return withTail("SPRAY_MOVE ID = " + num(seqID) + textOf(paraV) + textOf(paraPl) + textOf(paraAcc)
-                        + textOf(paraDec) + textOf(paraTime));
+    case 125: return withTail("SPRAY_MOVE ID = " + num(seqID) + motionText());
     case 126: return withTail("SPRAY_STARTPOS ID = " + num(seqID) + " POINT = " + num(point));
     default: return withTail(kUnknownCommandText);
     }
@@ -132,7 +99,7 @@ std::string PUNCHCommand::toString() const
         return withTail(kUnknownCommandText);
     if (type == 160 || type == 162 || type == 166)
         return withTail(word + m_positionId);
-    const char *move = pick(moveType, {{0, " MovJ "}, {1, " MovL "}});
+    const char *move = moveText(moveType, 2);
     if (!move)
         return withTail(kUnknownCommandText);
     return withTail(word + std::string(move) + m_positionId);

@@ -33,14 +33,14 @@
 //   217 CONVEYOR_REMOVE <target | OUTP (removeType non-zero)> ID = <ID><speed><ACC>
 //       (target: posidname for posidtype 1, else m_positionId)
 
-#include "job/FieldTable.h"
+#include "job/MotionParameters.h"
 
 namespace qrx {
 
-class PALCommand : public FieldCommand<PALCommand>
+class PALCommand : public FieldCommand<PALCommand>, public MotionParameters
 {
 public:
-    explicit PALCommand(int type);
+    using FieldCommand::FieldCommand;
     std::string toString() const override;
     static const FieldList<PALCommand> &fields();
 
@@ -52,31 +52,22 @@ public:
     int zOpt = 0;
     int Posture = 0;
     int moveType = 0;
-    double PL = 0.0;
-    double ACC = 0.0;
-    double DEC = 0.0;
     std::string VARNAME;
     int MULTIPAL = 0;
     std::string PalVar;
     int PalLevel = 0;
     int PalNumber = 0;
     int vUnit = 0;
-    int time = 0;
     int m_numVariableType = 0;
     std::string variableData;
     int m_pointVariableType = 0;
     std::string pointVariableName;
-    std::unique_ptr<ParaAccCommand> paraAcc;
-    std::unique_ptr<ParaVCommand> paraV;
-    std::unique_ptr<ParaDecCommand> paraDec;
-    std::unique_ptr<ParaPlCommand> paraPl;
-    std::unique_ptr<ParaTimeCommand> paraTime;
 };
 
-class SPRAYCommand : public FieldCommand<SPRAYCommand>
+class SPRAYCommand : public FieldCommand<SPRAYCommand>, public MotionParameters
 {
 public:
-    explicit SPRAYCommand(int type);
+    using FieldCommand::FieldCommand;
     std::string toString() const override;
     static const FieldList<SPRAYCommand> &fields();
 
@@ -88,15 +79,6 @@ public:
     double flow = 0.0;
     double sector = 0.0;
     double atom = 0.0;
-    double PL = 0.0;
-    double ACC = 0.0;
-    double DEC = 0.0;
-    int time = 0;
-    std::unique_ptr<ParaVCommand> paraV;
-    std::unique_ptr<ParaAccCommand> paraAcc;
-    std::unique_ptr<ParaDecCommand> paraDec;
-    std::unique_ptr<ParaTimeCommand> paraTime;
-    std::unique_ptr<ParaPlCommand> paraPl;
     int point = 0;
 };
 

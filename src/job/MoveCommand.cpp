@@ -1,18 +1,14 @@
 #include "job/MoveCommand.h"
 
-#include "job/TextFormat.h"
+#include "job/RenderHelpers.h"
 
 namespace qrx {
 
+using namespace render;
+
 namespace {
 
-struct MotionKeyword
-{
-    int type;
-    const char *keyword;
-};
-
-const MotionKeyword kKeywords[] = {
+const Keywords kKeywords = {
     {1, "MOVJ "},           {2, "MOVL "},           {3, "MOVC "},
     {4, "MOVCA "},          {5, "IMOV "},           {6, "MOVS "},
     {28, "CIL "},           {32, "MOVJEXT "},       {33, "MOVLEXT "},
@@ -22,12 +18,6 @@ const MotionKeyword kKeywords[] = {
     {64, "LASER_RECTANGLE "}, {65, "LASER_MIDDLEHOLE "}, {66, "LASER_HEX "},
     {109, "POLISH_EDGE "},
 };
-
-template <class P>
-std::string textOf(const std::unique_ptr<P> &parameter)
-{
-    return parameter ? parameter->toString() : std::string();
-}
 
 bool between(int type, int low, int high)
 {
@@ -79,11 +69,7 @@ const FieldList<MoveCommand> &MoveCommand::fields()
 
 const char *MoveCommand::keyword(int type)
 {
-    for (const MotionKeyword &entry : kKeywords) {
-        if (entry.type == type)
-            return entry.keyword;
-    }
-    return nullptr;
+    return pick(type, kKeywords);
 }
 
 void MoveCommand::fromJson(const Json::Value &json, PositionTable *table)
@@ -123,7 +109,7 @@ std::string MoveCommand::toString() const
     std::string line;
     if (word && (posidtype == 0 || posidtype == 1)) {
         line = word;
-        line += posidtype == 1 ? posidname : m_positionId;
+        line += target(posidtype, posidname, m_positionId);
         if (type == 63) {
             line += " R = " + num(radius);
         } else if (type == 64 || type == 65) {

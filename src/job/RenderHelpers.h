@@ -24,6 +24,14 @@ inline const char *pick(int key, Keywords table)
     return nullptr;
 }
 
+// The move of an instruction that knows the first `kinds` of " MovJ ",
+// " MovL ", " MovC " and " MovS " (moveType 0-3), or null.
+inline const char *moveText(int moveType, int kinds)
+{
+    static const char *const moves[] = {" MovJ ", " MovL ", " MovC ", " MovS "};
+    return moveType >= 0 && moveType < kinds && moveType < 4 ? moves[moveType] : nullptr;
+}
+
 // A parameter object's text, nothing when there is no object.
 template <class P>
 std::string textOf(const std::unique_ptr<P> &parameter)
