@@ -25,6 +25,7 @@
 #include "sim/commands/Families.h"
 #include "sim/commands/Refusal.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace qrxsim {

@@ -25,6 +25,8 @@
 #include "sim/commands/Families.h"
 #include "sim/commands/Refusal.h"
 
+#include <algorithm>
+
 namespace qrxsim {
 
 namespace {
