@@ -205,6 +205,7 @@ void tst_Connection::lossNotifiesTwiceAndReconnects()
     Link link(m_address);
     link.module.start();
     QVERIFY(waitUp(link));
+    QVERIFY(m_sim->waitForClient()); // accepted, so there is something to drop
     m_sim->clearReceived();
 
     m_sim->dropConnections();
@@ -239,6 +240,7 @@ void tst_Connection::stopPreventsReconnect()
     Link link(m_address);
     link.module.start();
     QVERIFY(waitUp(link));
+    QVERIFY(m_sim->waitForClient());
     QVERIFY(!link.module.isStopped());
 
     link.module.stopConnect();

@@ -72,6 +72,7 @@ void tst_LinkSend::sendWhileDownWritesNothing()
     } else if (situation == QLatin1String("stopped")) {
         link.module.start();
         QVERIFY(waitUp(link));
+        QVERIFY(m_sim->waitForClient());
         link.module.stopConnect();
         QTRY_COMPARE(m_sim->clientCount(), 0);
     }
