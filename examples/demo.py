@@ -91,17 +91,24 @@ def main():
     if not wait_until(arrived, 20):
         return fail("the joint move did not arrive")
 
+    # A getter returns at the controller's next reply of any kind, so values
+    # are read back until the answer to this query is in.
     qrx.set_dout(2, 1)
     outputs = DOUBLE16()
-    qrx.get_dout(outputs)
+
+    def output_set():
+        qrx.get_dout(outputs)
+        return outputs[1] == 1.0
+
+    ok = wait_until(output_set, 3)
     print("digital outputs " + " ".join(f"{v:.0f}" for v in outputs))
-    if outputs[1] != 1.0:
+    if not ok:
         return fail("digital output 2 not set")
 
     qrx.set_global_variant(b"GI007", 42)
-    value = qrx.get_global_variant(b"GI007")
-    print(f"GI007 reads {value}")
-    if value != 42.0:
+    ok = wait_until(lambda: qrx.get_global_variant(b"GI007") == 42.0, 3)
+    print(f"GI007 reads {qrx.get_global_variant(b'GI007')}")
+    if not ok:
         return fail("the variable does not read back")
 
     print(f"running state {qrx.get_robot_running_state()}, mode {qrx.get_current_mode()}")
