@@ -22,18 +22,18 @@ std::string EXTMOVCommand::blockText() const
     return "ENDEXTMOV";
 }
 
-std::string EXTMOVCommand::toString() const
+std::string EXTMOVCommand::body() const
 {
     switch (type) {
     case 144: {
         const char *mode = pick(movtype, {{0, " CONST "}, {1, " FOLLOW "}});
         if (!mode)
-            return withTail(kUnknownCommandText);
-        return withTail("EXTMOV " + num(extaxle) + mode + (speedtype == 0 ? num(handvalue) : varname) + " "
-                        + num(speedproportionfactor));
+            return {};
+        return "EXTMOV " + num(extaxle) + mode + (speedtype == 0 ? num(handvalue) : varname) + " "
+            + num(speedproportionfactor);
     }
-    case 145: return withTail(blockText());
-    default: return withTail(kUnknownCommandText);
+    case 145: return blockText();
+    default: return {};
     }
 }
 
@@ -45,12 +45,12 @@ const FieldList<GEARINCommand> &GEARINCommand::fields()
     return list;
 }
 
-std::string GEARINCommand::toString() const
+std::string GEARINCommand::body() const
 {
     switch (type) {
-    case 148: return withTail("GEARIN " + num(mainAxle) + " " + num(followAxle) + " " + num(proportionfactor));
-    case 150: return withTail("ENDGEARIN");
-    default: return withTail(kUnknownCommandText);
+    case 148: return "GEARIN " + num(mainAxle) + " " + num(followAxle) + " " + num(proportionfactor);
+    case 150: return "ENDGEARIN";
+    default: return {};
     }
 }
 
@@ -61,12 +61,12 @@ const FieldList<READLINEARCommand> &READLINEARCommand::fields()
     return list;
 }
 
-std::string READLINEARCommand::toString() const
+std::string READLINEARCommand::body() const
 {
     switch (type) {
-    case 146: return withTail("READLINEAR " + varname);
-    case 147: return withTail("ENDREADLINEAR");
-    default: return withTail(kUnknownCommandText);
+    case 146: return "READLINEAR " + varname;
+    case 147: return "ENDREADLINEAR";
+    default: return {};
     }
 }
 
@@ -78,12 +78,12 @@ const FieldList<MOVCOMMCommand> &MOVCOMMCommand::fields()
     return list;
 }
 
-std::string MOVCOMMCommand::toString() const
+std::string MOVCOMMCommand::body() const
 {
     const char *move = moveText(moveType, 4);
     if (type != 101 || !move)
-        return withTail(kUnknownCommandText);
-    return withTail("MOVCOMM " + std::string(move) + motionText());
+        return {};
+    return "MOVCOMM " + std::string(move) + motionText();
 }
 
 } // namespace qrx

@@ -18,7 +18,7 @@ class EXTMOVCommand : public FieldCommand<EXTMOVCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     // The line that closes the block: "ENDEXTMOV".
     virtual std::string blockText() const;
     static const FieldList<EXTMOVCommand> &fields();
@@ -34,7 +34,7 @@ class GEARINCommand : public FieldCommand<GEARINCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<GEARINCommand> &fields();
     int mainAxle = 0;
     int followAxle = 0;
@@ -45,7 +45,7 @@ class READLINEARCommand : public FieldCommand<READLINEARCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<READLINEARCommand> &fields();
     std::string varname;
     int vartype = 0;
@@ -55,7 +55,7 @@ class MOVCOMMCommand : public FieldCommand<MOVCOMMCommand>, public MotionParamet
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<MOVCOMMCommand> &fields();
     int moveType = 0;
     int vUnit = 0;

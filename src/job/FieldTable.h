@@ -9,6 +9,7 @@
 #include "job/JsonRead.h"
 #include "job/ParaCommand.h"
 #include "job/RobotPos.h"
+#include "job/TextFormat.h"
 
 #include <initializer_list>
 #include <memory>
@@ -124,12 +125,22 @@ void readFields(C &object, const FieldList<C> &fields, const Json::Value &json, 
 }
 
 // Implements toJson and fromJson of Derived from Derived::fields(), after
-// those of Base (Command, or TimerCommand for WaitCommand).
+// those of Base (Command, or TimerCommand for WaitCommand), and toString from
+// Derived::body(): the line without its tail, empty for a type code the
+// class does not know (the line then reads "#UNKNOWN COMMAND!!").
 template <class Derived, class Base = Command>
 class FieldCommand : public Base
 {
 public:
     using Base::Base;
+
+    std::string toString() const override
+    {
+        std::string line = static_cast<const Derived &>(*this).body();
+        if (line.empty())
+            line = kUnknownCommandText;
+        return this->withTail(std::move(line));
+    }
 
     Json::Value toJson() const override
     {

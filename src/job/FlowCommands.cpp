@@ -28,11 +28,11 @@ std::string TimerCommand::durationText() const
     return desType == 0 ? num(duration) : desValue;
 }
 
-std::string TimerCommand::toString() const
+std::string TimerCommand::body() const
 {
     if (type != 7)
-        return withTail(kUnknownCommandText);
-    return withTail("TIMER T = " + durationText());
+        return {};
+    return "TIMER T = " + durationText();
 }
 
 const FieldList<WaitCommand> &WaitCommand::fields()
@@ -45,12 +45,12 @@ const FieldList<WaitCommand> &WaitCommand::fields()
     return list;
 }
 
-std::string WaitCommand::toString() const
+std::string WaitCommand::body() const
 {
     if (type != 8)
-        return withTail(kUnknownCommandText);
-    return withTail("WAIT " + waitConditionFinal.toString() + "  T = " + durationText() + "  F = "
-                    + num(m_filterTime) + " NOW = " + num(now));
+        return {};
+    return "WAIT " + waitConditionFinal.toString() + "  T = " + durationText() + "  F = "
+        + num(m_filterTime) + " NOW = " + num(now);
 }
 
 // --- blocks ----------------------------------------------------------------
@@ -61,14 +61,14 @@ const FieldList<IFCommand> &IFCommand::fields()
     return list;
 }
 
-std::string IFCommand::toString() const
+std::string IFCommand::body() const
 {
     switch (type) {
-    case 9: return withTail("IF " + ifconditionArrayFINAL.toString());
-    case 10: return withTail("ELSE");
-    case 11: return withTail("ELSEIF " + ifconditionArrayFINAL.toString());
-    case 12: return withTail("ENDIF");
-    default: return withTail(kUnknownCommandText);
+    case 9: return "IF " + ifconditionArrayFINAL.toString();
+    case 10: return "ELSE";
+    case 11: return "ELSEIF " + ifconditionArrayFINAL.toString();
+    case 12: return "ENDIF";
+    default: return {};
     }
 }
 
@@ -79,12 +79,12 @@ const FieldList<WHILECommand> &WHILECommand::fields()
     return list;
 }
 
-std::string WHILECommand::toString() const
+std::string WHILECommand::body() const
 {
     switch (type) {
-    case 13: return withTail("WHILE " + whileconditionArrayFINAL.toString());
-    case 14: return withTail("ENDWHILE");
-    default: return withTail(kUnknownCommandText);
+    case 13: return "WHILE " + whileconditionArrayFINAL.toString();
+    case 14: return "ENDWHILE";
+    default: return {};
     }
 }
 
@@ -95,12 +95,12 @@ const FieldList<UNTILCommand> &UNTILCommand::fields()
     return list;
 }
 
-std::string UNTILCommand::toString() const
+std::string UNTILCommand::body() const
 {
     switch (type) {
-    case 87: return withTail("UNTIL " + untilconditionArrayFINAL.toString());
-    case 88: return withTail("ENDUNTIL");
-    default: return withTail(kUnknownCommandText);
+    case 87: return "UNTIL " + untilconditionArrayFINAL.toString();
+    case 88: return "ENDUNTIL";
+    default: return {};
     }
 }
 
@@ -114,17 +114,17 @@ const FieldList<JUMPCommand> &JUMPCommand::fields()
     return list;
 }
 
-std::string JUMPCommand::toString() const
+std::string JUMPCommand::body() const
 {
     switch (type) {
     case 52: {
         std::string line = "JUMP " + label;
         if (jumpConditionFlag)
             line += "  WHEN " + jumpCondition.toString();
-        return withTail(line);
+        return line;
     }
-    case 53: return withTail("LABEL " + label);
-    default: return withTail(kUnknownCommandText);
+    case 53: return "LABEL " + label;
+    default: return {};
     }
 }
 
@@ -137,11 +137,11 @@ const FieldList<CallCommand> &CallCommand::fields()
     return list;
 }
 
-std::string CallCommand::toString() const
+std::string CallCommand::body() const
 {
     if (type != 15)
-        return withTail(kUnknownCommandText);
-    return withTail("CALL [$" + jobName + "$]");
+        return {};
+    return "CALL [$" + jobName + "$]";
 }
 
 const FieldList<Call_luafileCommand> &Call_luafileCommand::fields()
@@ -151,11 +151,11 @@ const FieldList<Call_luafileCommand> &Call_luafileCommand::fields()
     return list;
 }
 
-std::string Call_luafileCommand::toString() const
+std::string Call_luafileCommand::body() const
 {
     if (type != 215)
-        return withTail(kUnknownCommandText);
-    return withTail("CALL_LUAFILE [$" + luafileName + "$]");
+        return {};
+    return "CALL_LUAFILE [$" + luafileName + "$]";
 }
 
 const FieldList<PTHREADCommand> &PTHREADCommand::fields()
@@ -168,18 +168,18 @@ const FieldList<PTHREADCommand> &PTHREADCommand::fields()
     return list;
 }
 
-std::string PTHREADCommand::toString() const
+std::string PTHREADCommand::body() const
 {
     const bool global = localOrGlobal != 0;
     switch (type) {
-    case 90: return withTail("PTHREAD_START [$" + jobName + (global ? "$] GLOBAL" : "$] LOCAL"));
-    case 91: return withTail("PTHREAD_END [$" + jobName + (global ? "$] GLOBAL" : "$] LOCAL"));
-    case 114: return withTail("PTHREAD_ENDALL");
+    case 90: return "PTHREAD_START [$" + jobName + (global ? "$] GLOBAL" : "$] LOCAL");
+    case 91: return "PTHREAD_END [$" + jobName + (global ? "$] GLOBAL" : "$] LOCAL");
+    case 114: return "PTHREAD_ENDALL";
     case 209:
         if (jobName.empty())
-            return withTail(std::string("PTHREAD_STATE ") + " MainProgram " + m_VariableValue);
-        return withTail("PTHREAD_STATE [$" + jobName + (global ? "$] GLOBAL " : "$] LOCAL ") + m_VariableValue);
-    default: return withTail(kUnknownCommandText);
+            return std::string("PTHREAD_STATE ") + " MainProgram " + m_VariableValue;
+        return "PTHREAD_STATE [$" + jobName + (global ? "$] GLOBAL " : "$] LOCAL ") + m_VariableValue;
+    default: return {};
     }
 }
 
@@ -190,22 +190,22 @@ const FieldList<PROGRAMRUNCommand> &PROGRAMRUNCommand::fields()
     return list;
 }
 
-std::string PROGRAMRUNCommand::toString() const
+std::string PROGRAMRUNCommand::body() const
 {
     switch (type) {
-    case 111: return withTail("STOPRUN");
-    case 112: return withTail("RESTARTRUN");
+    case 111: return "STOPRUN";
+    case 112: return "RESTARTRUN";
     case 113:
         if (programtype == 1)
-            return withTail("PAUSERUN ALL");
+            return "PAUSERUN ALL";
         if (programtype == 2)
-            return withTail("PAUSERUN MAIN");
-        return withTail("PAUSERUN " + jobname);
+            return "PAUSERUN MAIN";
+        return "PAUSERUN " + jobname;
     case 119:
         if (programtype == 2)
-            return withTail("CONTINUERUN MAIN");
-        return withTail("CONTINUERUN " + jobname);
-    default: return withTail(kUnknownCommandText);
+            return "CONTINUERUN MAIN";
+        return "CONTINUERUN " + jobname;
+    default: return {};
     }
 }
 
@@ -221,11 +221,11 @@ const FieldList<SysSettingCommand> &SysSettingCommand::fields()
     return list;
 }
 
-std::string SysSettingCommand::toString() const
+std::string SysSettingCommand::body() const
 {
     if (type != 30)
-        return withTail(kUnknownCommandText);
-    return withTail("SPEED = " + num(speedType == 0 ? D_speed : S_speed) + speedUnitText(sUnit));
+        return {};
+    return "SPEED = " + num(speedType == 0 ? D_speed : S_speed) + speedUnitText(sUnit);
 }
 
 const FieldList<CRAFTLINECommand> &CRAFTLINECommand::fields()
@@ -234,11 +234,11 @@ const FieldList<CRAFTLINECommand> &CRAFTLINECommand::fields()
     return list;
 }
 
-std::string CRAFTLINECommand::toString() const
+std::string CRAFTLINECommand::body() const
 {
     if (type != 89)
-        return withTail(kUnknownCommandText);
-    return withTail("CRAFTLINE " + num(line));
+        return {};
+    return "CRAFTLINE " + num(line);
 }
 
 const FieldList<CMDNOTECommand> &CMDNOTECommand::fields()
@@ -247,11 +247,11 @@ const FieldList<CMDNOTECommand> &CMDNOTECommand::fields()
     return list;
 }
 
-std::string CMDNOTECommand::toString() const
+std::string CMDNOTECommand::body() const
 {
     if (type != 127)
-        return withTail(kUnknownCommandText);
-    return withTail("#" + note);
+        return {};
+    return "#" + note;
 }
 
 const FieldList<USERDEFINECommand> &USERDEFINECommand::fields()
@@ -260,11 +260,11 @@ const FieldList<USERDEFINECommand> &USERDEFINECommand::fields()
     return list;
 }
 
-std::string USERDEFINECommand::toString() const
+std::string USERDEFINECommand::body() const
 {
     if (type != 171)
-        return withTail(kUnknownCommandText);
-    return withTail(std::string("USERDEFINE ") + "ID = " + num(id));
+        return {};
+    return std::string("USERDEFINE ") + "ID = " + num(id);
 }
 
 const FieldList<WINDOWCommand> &WINDOWCommand::fields()
@@ -278,16 +278,16 @@ const FieldList<WINDOWCommand> &WINDOWCommand::fields()
     return list;
 }
 
-std::string WINDOWCommand::toString() const
+std::string WINDOWCommand::body() const
 {
     if (type != 208)
-        return withTail(kUnknownCommandText);
+        return {};
     std::string line = "WINDOW [$" + text1 + "$] " + variable + " " + num(count);
     const std::string *texts[] = {&text2, &text3, &text4};
     const int values[] = {value1, value2, value3};
     for (int i = 0; i < count && i < 3; ++i)
         line += " [$" + *texts[i] + "$] " + num(values[i]);
-    return withTail(line);
+    return line;
 }
 
 const FieldList<PRINTMSGCommand> &PRINTMSGCommand::fields()
@@ -297,12 +297,12 @@ const FieldList<PRINTMSGCommand> &PRINTMSGCommand::fields()
     return list;
 }
 
-std::string PRINTMSGCommand::toString() const
+std::string PRINTMSGCommand::body() const
 {
     const char *word = pick(printType, {{0, "PRINTMSG 0 "}, {1, "PRINTMSG 1 "}, {2, "PRINTMSG 2 "}});
     if (type != 120 || !word)
-        return withTail(kUnknownCommandText);
-    return withTail(word + printChar);
+        return {};
+    return word + printChar;
 }
 
 } // namespace qrx

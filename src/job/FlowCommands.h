@@ -33,7 +33,7 @@ class TimerCommand : public FieldCommand<TimerCommand>
 {
 public:
     explicit TimerCommand(int type);
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<TimerCommand> &fields();
     // The waiting time: the duration, or the variable in desValue.
     std::string durationText() const;
@@ -48,7 +48,7 @@ class WaitCommand : public FieldCommand<WaitCommand, TimerCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<WaitCommand> &fields();
 
     CommandConditionFINAL waitConditionFinal;
@@ -60,7 +60,7 @@ class IFCommand : public FieldCommand<IFCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<IFCommand> &fields();
     CommandConditionFINAL ifconditionArrayFINAL;
 };
@@ -69,7 +69,7 @@ class WHILECommand : public FieldCommand<WHILECommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<WHILECommand> &fields();
     CommandConditionFINAL whileconditionArrayFINAL;
 };
@@ -78,7 +78,7 @@ class UNTILCommand : public FieldCommand<UNTILCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<UNTILCommand> &fields();
     CommandConditionFINAL untilconditionArrayFINAL;
 };
@@ -87,7 +87,7 @@ class JUMPCommand : public FieldCommand<JUMPCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<JUMPCommand> &fields();
     std::string label;
     bool jumpConditionFlag = false;
@@ -98,7 +98,7 @@ class CallCommand : public FieldCommand<CallCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<CallCommand> &fields();
     int lineNoToCall = 0;
     std::string jobName;
@@ -108,7 +108,7 @@ class Call_luafileCommand : public FieldCommand<Call_luafileCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<Call_luafileCommand> &fields();
     std::string luafileName;
 };
@@ -117,7 +117,7 @@ class PTHREADCommand : public FieldCommand<PTHREADCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<PTHREADCommand> &fields();
     std::string jobName;
     int localOrGlobal = 0; // 0 LOCAL, 1 GLOBAL
@@ -128,7 +128,7 @@ class PROGRAMRUNCommand : public FieldCommand<PROGRAMRUNCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<PROGRAMRUNCommand> &fields();
     int programtype = 0; // 0 a job, 1 all, 2 the main program
     std::string jobname;
@@ -138,7 +138,7 @@ class SysSettingCommand : public FieldCommand<SysSettingCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<SysSettingCommand> &fields();
     int speedType = 0;
     double D_speed = 0.0;
@@ -150,7 +150,7 @@ class CRAFTLINECommand : public FieldCommand<CRAFTLINECommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<CRAFTLINECommand> &fields();
     int line = 0;
 };
@@ -159,7 +159,7 @@ class CMDNOTECommand : public FieldCommand<CMDNOTECommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<CMDNOTECommand> &fields();
     std::string note;
 };
@@ -168,7 +168,7 @@ class USERDEFINECommand : public FieldCommand<USERDEFINECommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<USERDEFINECommand> &fields();
     int id = 0;
 };
@@ -177,7 +177,7 @@ class WINDOWCommand : public FieldCommand<WINDOWCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<WINDOWCommand> &fields();
     std::string text1, text2, text3, text4;
     std::string variable;
@@ -189,7 +189,7 @@ class PRINTMSGCommand : public FieldCommand<PRINTMSGCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<PRINTMSGCommand> &fields();
     std::string printChar;
     int printType = 0;

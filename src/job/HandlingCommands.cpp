@@ -24,24 +24,24 @@ const FieldList<PALCommand> &PALCommand::fields()
     return list;
 }
 
-std::string PALCommand::toString() const
+std::string PALCommand::body() const
 {
     const std::string id = num(ID);
     const char *move = moveText(moveType, 3);
     switch (type) {
-    case 71: return withTail("PALON ID = " + id + " MULTI = " + num(MULTIPAL));
-    case 72: return withTail("PALOFF " + id);
-    case 73: return withTail("PALLET " + id + " TYPE = " + num(STACKTYPE) + " NUM = " + num(NUM));
-    case 74: return move ? withTail("PALENTER " + id + move + motionText()) : withTail(kUnknownCommandText);
-    case 75: return withTail("PALSHIFT " + id);
-    case 76: return move ? withTail("PALREAL " + id + move + motionText()) : withTail(kUnknownCommandText);
-    case 77: return withTail("PALCLEAR " + id);
-    case 78: return withTail("PALLET_POS " + id + " " + pointVariableName);
-    case 203: return withTail("PAL_SET_EXAMPLE " + id + " " + variableData);
-    case 204: return withTail("PALGRIPPER ID = " + id + " GRIPPERS = " + num(NUM) + " " + (tool ? "ON " : "OFF "));
-    case 218: return withTail("PH_PALON ID = " + id);
-    case 219: return withTail("PH_PALOFF " + id);
-    default: return withTail(kUnknownCommandText);
+    case 71: return "PALON ID = " + id + " MULTI = " + num(MULTIPAL);
+    case 72: return "PALOFF " + id;
+    case 73: return "PALLET " + id + " TYPE = " + num(STACKTYPE) + " NUM = " + num(NUM);
+    case 74: return move ? "PALENTER " + id + move + motionText() : std::string();
+    case 75: return "PALSHIFT " + id;
+    case 76: return move ? "PALREAL " + id + move + motionText() : std::string();
+    case 77: return "PALCLEAR " + id;
+    case 78: return "PALLET_POS " + id + " " + pointVariableName;
+    case 203: return "PAL_SET_EXAMPLE " + id + " " + variableData;
+    case 204: return "PALGRIPPER ID = " + id + " GRIPPERS = " + num(NUM) + " " + (tool ? "ON " : "OFF ");
+    case 218: return "PH_PALON ID = " + id;
+    case 219: return "PH_PALOFF " + id;
+    default: return {};
     }
 }
 
@@ -60,18 +60,18 @@ const FieldList<SPRAYCommand> &SPRAYCommand::fields()
     return list;
 }
 
-std::string SPRAYCommand::toString() const
+std::string SPRAYCommand::body() const
 {
     const std::string gun = num(gunID);
     switch (type) {
-    case 122: return withTail("SPRAY_ON G = " + gun);
-    case 123: return withTail("SPRAY_OFF G = " + gun);
+    case 122: return "SPRAY_ON G = " + gun;
+    case 123: return "SPRAY_OFF G = " + gun;
     case 124:
-        return withTail("SPRAY_CHANGE G = " + gun + " T = " + num(traID) + " AO = " + num(anaID) + " COLOR = "
-                        + num(colorID));
-    case 125: return withTail("SPRAY_MOVE ID = " + num(seqID) + motionText());
-    case 126: return withTail("SPRAY_STARTPOS ID = " + num(seqID) + " POINT = " + num(point));
-    default: return withTail(kUnknownCommandText);
+        return "SPRAY_CHANGE G = " + gun + " T = " + num(traID) + " AO = " + num(anaID) + " COLOR = "
+            + num(colorID);
+    case 125: return "SPRAY_MOVE ID = " + num(seqID) + motionText();
+    case 126: return "SPRAY_STARTPOS ID = " + num(seqID) + " POINT = " + num(point);
+    default: return {};
     }
 }
 
@@ -87,7 +87,7 @@ const FieldList<PUNCHCommand> &PUNCHCommand::fields()
     return list;
 }
 
-std::string PUNCHCommand::toString() const
+std::string PUNCHCommand::body() const
 {
     // Keywords that end in a space take the position directly; the others
     // name the movement first.
@@ -96,13 +96,13 @@ std::string PUNCHCommand::toString() const
                                    {166, "PUNCH_LAY "}, {167, "PUNCH_LAYSAFEPOS"}, {168, "PUNCH_LAYUPPERPOS"},
                                    {169, "PUNCH_LAYPOS"}});
     if (!word)
-        return withTail(kUnknownCommandText);
+        return {};
     if (type == 160 || type == 162 || type == 166)
-        return withTail(word + m_positionId);
+        return word + m_positionId;
     const char *move = moveText(moveType, 2);
     if (!move)
-        return withTail(kUnknownCommandText);
-    return withTail(word + std::string(move) + m_positionId);
+        return {};
+    return word + std::string(move) + m_positionId;
 }
 
 const FieldList<NEWPUNCHCommand> &NEWPUNCHCommand::fields()
@@ -118,7 +118,7 @@ const FieldList<NEWPUNCHCommand> &NEWPUNCHCommand::fields()
     return list;
 }
 
-std::string NEWPUNCHCommand::toString() const
+std::string NEWPUNCHCommand::body() const
 {
     const char *moveWord = pick(type, {{183, "PH_TOPREVSAFEPOS "}, {184, "PH_REPREVSAFEPOS "},
                                        {185, "PH_TOLOCALSAFEPOS "}, {186, "PH_RELOCALSAFEPOS "},
@@ -128,24 +128,24 @@ std::string NEWPUNCHCommand::toString() const
     if (moveWord) {
         const char *move = pick(moveType, {{0, " MovJ VJ = "}, {1, " MovL V = "}});
         if (!move)
-            return withTail(kUnknownCommandText);
-        return withTail(moveWord + m_positionId + move + num(vUnit) + " PL = " + num(pl) + " SYNC = " + num(sync)
-                        + (notice ? " NOTICE" : " UNNOTICE") + (workstation == 0 ? " PREV" : " LOCAL"));
+            return {};
+        return moveWord + m_positionId + move + num(vUnit) + " PL = " + num(pl) + " SYNC = " + num(sync)
+            + (notice ? " NOTICE" : " UNNOTICE") + (workstation == 0 ? " PREV" : " LOCAL");
     }
     switch (type) {
-    case 193: return withTail("PH_DEALBEFOREPICK");
-    case 194: return withTail("PH_DEALBEFOREDROP");
-    case 195: return withTail("PH_DEALAFTERPICK");
-    case 196: return withTail("PH_DEALAFTERDROP");
-    case 197: return withTail("PH_FIXTUREOPEN FIXTURE_ID = " + num(fixture));
-    case 198: return withTail("PH_FIXTURECLOSE FIXTURE_ID = " + num(fixture));
-    case 199: return withTail("PH_STARTPUNCH");
-    case 200: return withTail("PH_WAITPUNCHDONE");
-    case 201: return withTail("PH_WAITDIN " + num(waitInValue) + " " + num(waitInState));
-    case 202: return withTail("PH_DOUT " + num(outValue) + " " + num(outState));
-    case 205: return withTail("PH_MULTIPLEPUNON ID = " + num(ID));
-    case 206: return withTail("PH_MULTIPLEPUNOFF ID = " + num(ID));
-    default: return withTail(kUnknownCommandText);
+    case 193: return "PH_DEALBEFOREPICK";
+    case 194: return "PH_DEALBEFOREDROP";
+    case 195: return "PH_DEALAFTERPICK";
+    case 196: return "PH_DEALAFTERDROP";
+    case 197: return "PH_FIXTUREOPEN FIXTURE_ID = " + num(fixture);
+    case 198: return "PH_FIXTURECLOSE FIXTURE_ID = " + num(fixture);
+    case 199: return "PH_STARTPUNCH";
+    case 200: return "PH_WAITPUNCHDONE";
+    case 201: return "PH_WAITDIN " + num(waitInValue) + " " + num(waitInState);
+    case 202: return "PH_DOUT " + num(outValue) + " " + num(outState);
+    case 205: return "PH_MULTIPLEPUNON ID = " + num(ID);
+    case 206: return "PH_MULTIPLEPUNOFF ID = " + num(ID);
+    default: return {};
     }
 }
 
@@ -161,18 +161,18 @@ const FieldList<VisionCommand> &VisionCommand::fields()
     return list;
 }
 
-std::string VisionCommand::toString() const
+std::string VisionCommand::body() const
 {
     const char *word = pick(type, {{79, "VISION_RUN "}, {80, "VISION_TRG "}, {81, "VISION_POS "},
                                    {82, "VISION_POSNUM "}, {83, "VISION_END "}, {84, "VISION_CLEAR "}});
     if (!word)
-        return withTail(kUnknownCommandText);
+        return {};
     std::string line = word + std::string("ID = ") + num(ID);
     if (type == 81)
         line += " " + m_positionId;
     else if (type == 82)
         line += " " + M_STRPOSNUM;
-    return withTail(line);
+    return line;
 }
 
 CONYTRACKCommand::CONYTRACKCommand(int type)
@@ -191,20 +191,20 @@ const FieldList<CONYTRACKCommand> &CONYTRACKCommand::fields()
     return list;
 }
 
-std::string CONYTRACKCommand::toString() const
+std::string CONYTRACKCommand::body() const
 {
     const std::string id = num(ID);
     const std::string &where = target(posidtype, posidname, m_positionId);
     switch (type) {
-    case 105: return withTail("CONVEYOR_ON " + id);
-    case 106: return withTail("CONVEYOR_OFF " + id);
-    case 107: return withTail("CONVEYOR_CHECKPOS " + id);
-    case 108: return withTail("CONVEYOR_CHECKEND " + id);
-    case 174: return withTail("CONVEYOR_POS " + where + " ID = " + id + textOf(paraV) + textOf(paraAcc));
+    case 105: return "CONVEYOR_ON " + id;
+    case 106: return "CONVEYOR_OFF " + id;
+    case 107: return "CONVEYOR_CHECKPOS " + id;
+    case 108: return "CONVEYOR_CHECKEND " + id;
+    case 174: return "CONVEYOR_POS " + where + " ID = " + id + textOf(paraV) + textOf(paraAcc);
     case 217:
-        return withTail("CONVEYOR_REMOVE " + (removeType ? std::string("OUTP") : where) + " ID = " + id
-                        + textOf(paraV) + textOf(paraAcc));
-    default: return withTail(kUnknownCommandText);
+        return "CONVEYOR_REMOVE " + (removeType ? std::string("OUTP") : where) + " ID = " + id
+            + textOf(paraV) + textOf(paraAcc);
+    default: return {};
     }
 }
 

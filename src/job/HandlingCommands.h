@@ -41,7 +41,7 @@ class PALCommand : public FieldCommand<PALCommand>, public MotionParameters
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<PALCommand> &fields();
 
     int ID = 0;
@@ -68,7 +68,7 @@ class SPRAYCommand : public FieldCommand<SPRAYCommand>, public MotionParameters
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<SPRAYCommand> &fields();
 
     int gunID = 0;
@@ -86,7 +86,7 @@ class PUNCHCommand : public FieldCommand<PUNCHCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     RobotPos *position() const override { return robotPos.pos; }
     std::string positionId() const override { return m_positionId; }
     static const FieldList<PUNCHCommand> &fields();
@@ -104,7 +104,7 @@ class NEWPUNCHCommand : public FieldCommand<NEWPUNCHCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     RobotPos *position() const override { return robotPos.pos; }
     std::string positionId() const override { return m_positionId; }
     static const FieldList<NEWPUNCHCommand> &fields();
@@ -131,7 +131,7 @@ class VisionCommand : public FieldCommand<VisionCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     RobotPos *position() const override { return robotPos.pos; }
     std::string positionId() const override { return m_positionId; }
     static const FieldList<VisionCommand> &fields();
@@ -146,7 +146,7 @@ class CONYTRACKCommand : public FieldCommand<CONYTRACKCommand>
 {
 public:
     explicit CONYTRACKCommand(int type);
-    std::string toString() const override;
+    std::string body() const;
     RobotPos *position() const override { return robotPos.pos; }
     std::string positionId() const override { return m_positionId; }
     static const FieldList<CONYTRACKCommand> &fields();

@@ -18,19 +18,19 @@ const FieldList<IOCommand> &IOCommand::fields()
     return list;
 }
 
-std::string IOCommand::toString() const
+std::string IOCommand::body() const
 {
     const std::string port = group != 0 ? "(" + num(portId) + ")" : num(portId);
     const std::string value = valueIsVariant ? varName : num(group != 0 ? groupValue : portValue);
     switch (type) {
-    case 16: return withTail("DOUT " + port + " " + value);
-    case 17: return withTail("DIN " + varName + " " + port);
-    case 99: return withTail("READ_DOUT " + varName + " " + port);
-    case 20: return withTail("AIN " + varName + " AIN" + num(portId));
-    case 21: return withTail("AOUT AOUT" + num(portId) + " " + value);
+    case 16: return "DOUT " + port + " " + value;
+    case 17: return "DIN " + varName + " " + port;
+    case 99: return "READ_DOUT " + varName + " " + port;
+    case 20: return "AIN " + varName + " AIN" + num(portId);
+    case 21: return "AOUT AOUT" + num(portId) + " " + value;
     case 22:
-        return withTail("PULSEOUT RATE = " + num(rate) + " SUM = " + num(sum) + " T = " + num(time) + " " + port);
-    default: return withTail(kUnknownCommandText);
+        return "PULSEOUT RATE = " + num(rate) + " SUM = " + num(sum) + " T = " + num(time) + " " + port;
+    default: return {};
     }
 }
 
@@ -44,14 +44,14 @@ const FieldList<AITOCommand> &AITOCommand::fields()
     return list;
 }
 
-std::string AITOCommand::toString() const
+std::string AITOCommand::body() const
 {
     switch (type) {
     case 18:
-        return withTail("AITOON AIN" + num(ain) + " AOUT" + num(aout) + " " + num(para1) + " " + num(para2)
-                        + " " + num(para3));
-    case 19: return withTail("AITOOFF");
-    default: return withTail(kUnknownCommandText);
+        return "AITOON AIN" + num(ain) + " AOUT" + num(aout) + " " + num(para1) + " " + num(para2)
+            + " " + num(para3);
+    case 19: return "AITOOFF";
+    default: return {};
     }
 }
 
@@ -70,13 +70,13 @@ bool VARCommand::isDeclaration() const
     return type == 35 || type == 37 || type == 39;
 }
 
-std::string VARCommand::toString() const
+std::string VARCommand::body() const
 {
     const char *word = pick(type, {{35, "INT "}, {37, "DOUBLE "}, {39, "BOOLEAN "}, {40, "SETINT "},
                                    {41, "SETDOUBLE "}, {42, "SETBOOL "}});
     if (!word)
-        return withTail(kUnknownCommandText);
-    return withTail(word + key + " = " + strValue);
+        return {};
+    return word + key + " = " + strValue;
 }
 
 const FieldList<FORCESETCommand> &FORCESETCommand::fields()
@@ -86,11 +86,11 @@ const FieldList<FORCESETCommand> &FORCESETCommand::fields()
     return list;
 }
 
-std::string FORCESETCommand::toString() const
+std::string FORCESETCommand::body() const
 {
     if (type != 43)
-        return withTail(kUnknownCommandText);
-    return withTail("FORCESET " + gVarName);
+        return {};
+    return "FORCESET " + gVarName;
 }
 
 const FieldList<OPCommand> &OPCommand::fields()
@@ -103,13 +103,13 @@ const FieldList<OPCommand> &OPCommand::fields()
     return list;
 }
 
-std::string OPCommand::toString() const
+std::string OPCommand::body() const
 {
     const char *word = pick(type, {{44, "ADD "}, {45, "SUB "}, {46, "MUL "}, {47, "DIV "}, {48, "MOD "},
                                    {102, "SIN "}, {103, "COS "}, {104, "ATAN "}});
     if (!word)
-        return withTail(kUnknownCommandText);
-    return withTail(word + key + " " + desValue);
+        return {};
+    return word + key + " " + desValue;
 }
 
 const FieldList<LOGICAL_OPCommand> &LOGICAL_OPCommand::fields()
@@ -123,18 +123,18 @@ const FieldList<LOGICAL_OPCommand> &LOGICAL_OPCommand::fields()
     return list;
 }
 
-std::string LOGICAL_OPCommand::toString() const
+std::string LOGICAL_OPCommand::body() const
 {
     if (type != 121)
-        return withTail(kUnknownCommandText);
+        return {};
     std::string line = "LOGICAL_OP " + answerName + " ";
     switch (logicalType) {
     case 0: line += firstName + " AND " + secondName; break;
     case 1: line += firstName + " OR " + secondName; break;
     case 2: line += "NOT " + firstName; break;
-    default: return withTail(kUnknownCommandText);
+    default: return {};
     }
-    return withTail(line);
+    return line;
 }
 
 const FieldList<MODBUSCommand> &MODBUSCommand::fields()
@@ -147,19 +147,19 @@ const FieldList<MODBUSCommand> &MODBUSCommand::fields()
     return list;
 }
 
-std::string MODBUSCommand::toString() const
+std::string MODBUSCommand::body() const
 {
     switch (type) {
-    case 210: return withTail("MODBUS_OPEN");
-    case 211: return withTail("MODBUS_CLOSE");
-    case 212: return withTail(std::string("MODBUS_CONNECTION_STATUS") + " ID = " + num(ID));
+    case 210: return "MODBUS_OPEN";
+    case 211: return "MODBUS_CLOSE";
+    case 212: return std::string("MODBUS_CONNECTION_STATUS") + " ID = " + num(ID);
     case 213:
-        return withTail(std::string("MODBUS_READ") + " ID = " + num(ID) + " " + num(m_addressType) + " "
-                        + num(m_firstAddress) + " " + m_variableValue);
+        return std::string("MODBUS_READ") + " ID = " + num(ID) + " " + num(m_addressType) + " "
+            + num(m_firstAddress) + " " + m_variableValue;
     case 214:
-        return withTail(std::string("MODBUS_WRITE") + " ID = " + num(ID) + " " + num(m_addressType) + " "
-                        + num(m_firstAddress) + " " + num(m_addressNum) + " " + m_variableValue);
-    default: return withTail(kUnknownCommandText);
+        return std::string("MODBUS_WRITE") + " ID = " + num(ID) + " " + num(m_addressType) + " "
+            + num(m_firstAddress) + " " + num(m_addressNum) + " " + m_variableValue;
+    default: return {};
     }
 }
 
@@ -170,11 +170,11 @@ const FieldList<SENDMSGCommand> &SENDMSGCommand::fields()
     return list;
 }
 
-std::string SENDMSGCommand::toString() const
+std::string SENDMSGCommand::body() const
 {
     if (type != 94)
-        return withTail(kUnknownCommandText);
-    return withTail("SENDMSG ID = " + num(ID) + " " + sendChar);
+        return {};
+    return "SENDMSG ID = " + num(ID) + " " + sendChar;
 }
 
 const FieldList<MSG_CONN_STCommand> &MSG_CONN_STCommand::fields()
@@ -185,11 +185,11 @@ const FieldList<MSG_CONN_STCommand> &MSG_CONN_STCommand::fields()
     return list;
 }
 
-std::string MSG_CONN_STCommand::toString() const
+std::string MSG_CONN_STCommand::body() const
 {
     if (type != 95)
-        return withTail(kUnknownCommandText);
-    return withTail("MSG_CONN_ST " + num(ID) + " " + m_valueName);
+        return {};
+    return "MSG_CONN_ST " + num(ID) + " " + m_valueName;
 }
 
 const FieldList<PARSEMSGCommand> &PARSEMSGCommand::fields()
@@ -202,11 +202,11 @@ const FieldList<PARSEMSGCommand> &PARSEMSGCommand::fields()
     return list;
 }
 
-std::string PARSEMSGCommand::toString() const
+std::string PARSEMSGCommand::body() const
 {
     if (type != 96)
-        return withTail(kUnknownCommandText);
-    return withTail("PARSEMSG ID = " + num(ID) + " " + explainValue + " CLEARCACHE = " + num(clearCache));
+        return {};
+    return "PARSEMSG ID = " + num(ID) + " " + explainValue + " CLEARCACHE = " + num(clearCache);
 }
 
 const FieldList<OPENCLOSEMSGCommand> &OPENCLOSEMSGCommand::fields()
@@ -215,12 +215,12 @@ const FieldList<OPENCLOSEMSGCommand> &OPENCLOSEMSGCommand::fields()
     return list;
 }
 
-std::string OPENCLOSEMSGCommand::toString() const
+std::string OPENCLOSEMSGCommand::body() const
 {
     const char *word = pick(type, {{115, "OPENMSG "}, {116, "CLOSEMSG "}});
     if (!word)
-        return withTail(kUnknownCommandText);
-    return withTail(word + std::string("ID = ") + num(ID));
+        return {};
+    return word + std::string("ID = ") + num(ID);
 }
 
 const FieldList<READCOMMCommand> &READCOMMCommand::fields()
@@ -233,12 +233,12 @@ const FieldList<READCOMMCommand> &READCOMMCommand::fields()
     return list;
 }
 
-std::string READCOMMCommand::toString() const
+std::string READCOMMCommand::body() const
 {
     if (type != 110)
-        return withTail(kUnknownCommandText);
-    return withTail("READCOMM ID = " + num(ID) + (commType == 0 ? " EHTERNET " : " MODBUS ") + m_varname + " "
-                    + m_positionId);
+        return {};
+    return "READCOMM ID = " + num(ID) + (commType == 0 ? " EHTERNET " : " MODBUS ") + m_varname + " "
+        + m_positionId;
 }
 
 const FieldList<ClkCommand> &ClkCommand::fields()
@@ -248,13 +248,13 @@ const FieldList<ClkCommand> &ClkCommand::fields()
     return list;
 }
 
-std::string ClkCommand::toString() const
+std::string ClkCommand::body() const
 {
     switch (type) {
-    case 128: return withTail("CLKSTART ID = " + num(ID));
-    case 129: return withTail("CLKSTOP ID = " + num(ID) + " " + m_varname);
-    case 130: return withTail("CLKRESET ID = " + num(ID));
-    default: return withTail(kUnknownCommandText);
+    case 128: return "CLKSTART ID = " + num(ID);
+    case 129: return "CLKSTOP ID = " + num(ID) + " " + m_varname;
+    case 130: return "CLKRESET ID = " + num(ID);
+    default: return {};
     }
 }
 

@@ -31,7 +31,7 @@ class IOCommand : public FieldCommand<IOCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<IOCommand> &fields();
 
     Json::Value ParaGroup; // carried unchanged
@@ -53,7 +53,7 @@ class AITOCommand : public FieldCommand<AITOCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<AITOCommand> &fields();
     int ain = 0;
     int aout = 0;
@@ -64,7 +64,7 @@ class VARCommand : public FieldCommand<VARCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     bool isDeclaration() const override; // INT, DOUBLE, BOOLEAN
     static const FieldList<VARCommand> &fields();
     std::string key;
@@ -79,7 +79,7 @@ class FORCESETCommand : public FieldCommand<FORCESETCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<FORCESETCommand> &fields();
     std::string gVarName;
     int gVarType = 0;
@@ -89,7 +89,7 @@ class OPCommand : public FieldCommand<OPCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<OPCommand> &fields();
     std::string key;
     int desType = 0;
@@ -102,7 +102,7 @@ class LOGICAL_OPCommand : public FieldCommand<LOGICAL_OPCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<LOGICAL_OPCommand> &fields();
     int answerType = 0;
     std::string answerName;
@@ -117,7 +117,7 @@ class MODBUSCommand : public FieldCommand<MODBUSCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<MODBUSCommand> &fields();
     int ID = 0;
     std::string m_variableValue;
@@ -131,7 +131,7 @@ class SENDMSGCommand : public FieldCommand<SENDMSGCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<SENDMSGCommand> &fields();
     int ID = 0;
     std::string sendChar;
@@ -141,7 +141,7 @@ class MSG_CONN_STCommand : public FieldCommand<MSG_CONN_STCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<MSG_CONN_STCommand> &fields();
     int ID = 0;
     int m_varType = 0;
@@ -152,7 +152,7 @@ class PARSEMSGCommand : public FieldCommand<PARSEMSGCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<PARSEMSGCommand> &fields();
     int ID = 0;
     int expvarType = 0;
@@ -164,7 +164,7 @@ class OPENCLOSEMSGCommand : public FieldCommand<OPENCLOSEMSGCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<OPENCLOSEMSGCommand> &fields();
     int ID = 0;
 };
@@ -173,7 +173,7 @@ class READCOMMCommand : public FieldCommand<READCOMMCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<READCOMMCommand> &fields();
     int ID = 0;
     int commType = 0; // 0 Ethernet, 1 Modbus
@@ -185,7 +185,7 @@ class ClkCommand : public FieldCommand<ClkCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<ClkCommand> &fields();
     int ID = 0;
     std::string m_varname;

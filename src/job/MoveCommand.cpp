@@ -103,7 +103,7 @@ Json::Value MoveCommand::positionJson() const
     return json;
 }
 
-std::string MoveCommand::toString() const
+std::string MoveCommand::body() const
 {
     const char *word = keyword(type);
     std::string line;
@@ -143,7 +143,7 @@ std::string MoveCommand::toString() const
         line += " T = " + num(polish) + " ID = " + num(polishID) + " ANGLE = " + num(polishAngle);
     if (hasTime(type))
         line += textOf(paraTime);
-    return withTail(line);
+    return line;
 }
 
 } // namespace qrx

@@ -21,7 +21,7 @@ public:
     explicit MoveCommand(int type);
     ~MoveCommand() override;
 
-    std::string toString() const override;
+    std::string body() const;
     void fromJson(const Json::Value &json, PositionTable *table) override;
     RobotPos *position() const override;
     std::string positionId() const override;

@@ -16,12 +16,12 @@ const FieldList<READPOSCommand> &READPOSCommand::fields()
     return list;
 }
 
-std::string READPOSCommand::toString() const
+std::string READPOSCommand::body() const
 {
     if (type != 92)
-        return withTail(kUnknownCommandText);
+        return {};
     const std::string where = posidtype == 2 ? std::string("CURPOS") : target(posidtype, posidname, m_positionId);
-    return withTail("READPOS " + varname + " " + where + " " + num(coord) + " " + num(axis));
+    return "READPOS " + varname + " " + where + " " + num(coord) + " " + num(axis);
 }
 
 const FieldList<POSCALCommand> &POSCALCommand::fields()
@@ -35,13 +35,13 @@ const FieldList<POSCALCommand> &POSCALCommand::fields()
     return list;
 }
 
-std::string POSCALCommand::toString() const
+std::string POSCALCommand::body() const
 {
     const char *word = pick(caltype, {{0, "POSADD "}, {1, "POSSUB "}, {2, "POSSET "}});
     if (type != 93 || !word)
-        return withTail(kUnknownCommandText);
-    return withTail(word + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + num(axis) + " "
-                    + desData);
+        return {};
+    return word + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + num(axis) + " "
+        + desData;
 }
 
 const FieldList<POSCALALLCommand> &POSCALALLCommand::fields()
@@ -55,12 +55,12 @@ const FieldList<POSCALALLCommand> &POSCALALLCommand::fields()
     return list;
 }
 
-std::string POSCALALLCommand::toString() const
+std::string POSCALALLCommand::body() const
 {
     const char *word = pick(caltype, {{0, "POSADDALL "}, {1, "POSSUBALL "}, {2, "POSSETALL "}});
     if (type != 140 || !word)
-        return withTail(kUnknownCommandText);
-    return withTail(word + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + calData);
+        return {};
+    return word + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + calData;
 }
 
 const FieldList<COPYPOSCommand> &COPYPOSCommand::fields()
@@ -74,14 +74,14 @@ const FieldList<COPYPOSCommand> &COPYPOSCommand::fields()
     return list;
 }
 
-std::string COPYPOSCommand::toString() const
+std::string COPYPOSCommand::body() const
 {
     if (type != 118)
-        return withTail(kUnknownCommandText);
+        return {};
     const std::string &destination = target(cpdpostype, cpdposname, cpdposId);
     if (cppostype == 2)
-        return withTail("COPYPOS CURPOS TO " + destination);
-    return withTail("COPYPOS " + target(cppostype, cpposname, cpposId) + " TO " + destination);
+        return "COPYPOS CURPOS TO " + destination;
+    return "COPYPOS " + target(cppostype, cpposname, cpposId) + " TO " + destination;
 }
 
 const FieldList<SETPOSMSGCommand> &SETPOSMSGCommand::fields()
@@ -94,11 +94,11 @@ const FieldList<SETPOSMSGCommand> &SETPOSMSGCommand::fields()
     return list;
 }
 
-std::string SETPOSMSGCommand::toString() const
+std::string SETPOSMSGCommand::body() const
 {
     if (type != 207)
-        return withTail(kUnknownCommandText);
-    return withTail("SETPOSMSG " + target(posidtype, posidname, m_positionId) + " " + posData);
+        return {};
+    return "SETPOSMSG " + target(posidtype, posidname, m_positionId) + " " + posData;
 }
 
 const FieldList<READPOSMSGCommand> &READPOSMSGCommand::fields()
@@ -111,12 +111,12 @@ const FieldList<READPOSMSGCommand> &READPOSMSGCommand::fields()
     return list;
 }
 
-std::string READPOSMSGCommand::toString() const
+std::string READPOSMSGCommand::body() const
 {
     const char *what = pick(varType, {{0, " TCS "}, {1, " UCS "}, {2, " CSTYPE "}, {3, " ANGLEUNIT "}, {4, " SHARP "}});
     if (type != 173 || !what)
-        return withTail(kUnknownCommandText);
-    return withTail("READPOSMSG " + m_positionId + what + varName);
+        return {};
+    return "READPOSMSG " + m_positionId + what + varName;
 }
 
 const FieldList<TOFFSETCommand> &TOFFSETCommand::fields()
@@ -126,18 +126,23 @@ const FieldList<TOFFSETCommand> &TOFFSETCommand::fields()
     return list;
 }
 
-std::string TOFFSETCommand::toString() const
+std::string TOFFSETCommand::body() const
 {
     switch (type) {
-    case 141: return withTail("TOFFSETON " + num(coord) + " " + calData);
-    case 142: return withTail("TOFFSETOFF");
-    default: return withTail(kUnknownCommandText);
+    case 141: return "TOFFSETON " + num(coord) + " " + calData;
+    case 142: return "TOFFSETOFF";
+    default: return {};
     }
 }
 
-const FieldList<UserCommand> &UserCommand::fields()
+FrameSetCommand::FrameSetCommand(int type, int ownType, const char *keyword)
+    : FieldCommand(type), m_ownType(ownType), m_keyword(keyword)
 {
-    using C = UserCommand;
+}
+
+const FieldList<FrameSetCommand> &FrameSetCommand::fields()
+{
+    using C = FrameSetCommand;
     static const FieldList<C> list = {
         {"ID", &C::ID}, {"coord", &C::coord}, {"varType", &C::varType}, {"m_varName", &C::m_varName},
         {"m_newValue", &C::m_newValue},
@@ -145,28 +150,11 @@ const FieldList<UserCommand> &UserCommand::fields()
     return list;
 }
 
-std::string UserCommand::toString() const
+std::string FrameSetCommand::body() const
 {
-    if (type != 97)
-        return withTail(kUnknownCommandText);
-    return withTail(std::string("USERFRAME_SET ") + "ID = " + num(ID) + " " + (varType == 0 ? m_newValue : m_varName));
-}
-
-const FieldList<ToolCommand> &ToolCommand::fields()
-{
-    using C = ToolCommand;
-    static const FieldList<C> list = {
-        {"ID", &C::ID}, {"coord", &C::coord}, {"varType", &C::varType}, {"m_varName", &C::m_varName},
-        {"m_newValue", &C::m_newValue},
-    };
-    return list;
-}
-
-std::string ToolCommand::toString() const
-{
-    if (type != 98)
-        return withTail(kUnknownCommandText);
-    return withTail(std::string("TOOLFRAME_SET ") + "ID = " + num(ID) + " " + (varType == 0 ? m_newValue : m_varName));
+    if (type != m_ownType)
+        return {};
+    return m_keyword + std::string("ID = ") + num(ID) + " " + (varType == 0 ? m_newValue : m_varName);
 }
 
 const FieldList<COORDCommand> &COORDCommand::fields()
@@ -179,15 +167,15 @@ const FieldList<COORDCommand> &COORDCommand::fields()
     return list;
 }
 
-std::string COORDCommand::toString() const
+std::string COORDCommand::body() const
 {
     switch (type) {
     case 49:
-        return withTail("USERCOORD_TRANS (" + num(coordNum) + ") " + num(CoordA) + " " + num(CoordB) + " "
-                        + num(CoordC));
-    case 50: return withTail("SWITCHUSER (" + num(coordNum) + ")");
-    case 117: return withTail("SWITCHUSER (" + valueName + ")");
-    default: return withTail(kUnknownCommandText);
+        return "USERCOORD_TRANS (" + num(coordNum) + ") " + num(CoordA) + " " + num(CoordB) + " "
+            + num(CoordC);
+    case 50: return "SWITCHUSER (" + num(coordNum) + ")";
+    case 117: return "SWITCHUSER (" + valueName + ")";
+    default: return {};
     }
 }
 
@@ -201,12 +189,12 @@ const FieldList<POS_REACHABLECommand> &POS_REACHABLECommand::fields()
     return list;
 }
 
-std::string POS_REACHABLECommand::toString() const
+std::string POS_REACHABLECommand::body() const
 {
     const char *move = pick(moveType, {{0, " MOVJ "}, {1, " MOVL "}});
     if (type != 133 || !move)
-        return withTail(kUnknownCommandText);
-    return withTail("POS_REACHABLE " + m_varname + move + m_positionId);
+        return {};
+    return "POS_REACHABLE " + m_varname + move + m_positionId;
 }
 
 const FieldList<SWITCHSYNCCommand> &SWITCHSYNCCommand::fields()
@@ -215,11 +203,11 @@ const FieldList<SWITCHSYNCCommand> &SWITCHSYNCCommand::fields()
     return list;
 }
 
-std::string SWITCHSYNCCommand::toString() const
+std::string SWITCHSYNCCommand::body() const
 {
     if (type != 51)
-        return withTail(kUnknownCommandText);
-    return withTail("SWITCHSYNC " + num(syncgroup));
+        return {};
+    return "SWITCHSYNC " + num(syncgroup);
 }
 
 const FieldList<STRETCHCommand> &STRETCHCommand::fields()
@@ -233,13 +221,13 @@ const FieldList<STRETCHCommand> &STRETCHCommand::fields()
     return list;
 }
 
-std::string STRETCHCommand::toString() const
+std::string STRETCHCommand::body() const
 {
     const char *shape = pick(stretchType, {{0, "LINE "}, {1, "ARC "}});
     if (type != 175 || !shape)
-        return withTail(kUnknownCommandText);
-    return withTail("POS_STRETCH " + std::string(shape) + position1Id + " " + position2Id + " " + position3Id + " "
-                    + position1OutId + " " + position2OutId + " " + num(stretchL1) + " " + num(stretchL2));
+        return {};
+    return "POS_STRETCH " + std::string(shape) + position1Id + " " + position2Id + " " + position3Id + " "
+        + position1OutId + " " + position2OutId + " " + num(stretchL1) + " " + num(stretchL2);
 }
 
 const FieldList<MRESETCommand> &MRESETCommand::fields()
@@ -248,11 +236,11 @@ const FieldList<MRESETCommand> &MRESETCommand::fields()
     return list;
 }
 
-std::string MRESETCommand::toString() const
+std::string MRESETCommand::body() const
 {
     if (type != 149)
-        return withTail(kUnknownCommandText);
-    return withTail("MRESET " + num(exterAxis));
+        return {};
+    return "MRESET " + num(exterAxis);
 }
 
 const FieldList<SWICHPAYLOADCommand> &SWICHPAYLOADCommand::fields()
@@ -262,11 +250,11 @@ const FieldList<SWICHPAYLOADCommand> &SWICHPAYLOADCommand::fields()
     return list;
 }
 
-std::string SWICHPAYLOADCommand::toString() const
+std::string SWICHPAYLOADCommand::body() const
 {
     if (type != 216)
-        return withTail(kUnknownCommandText);
-    return withTail("SWITCHPAYLOAD " + (posIDType == 1 ? stringVar : num(intVar)));
+        return {};
+    return "SWITCHPAYLOAD " + (posIDType == 1 ? stringVar : num(intVar));
 }
 
 const FieldList<DragCommand> &DragCommand::fields()
@@ -276,11 +264,11 @@ const FieldList<DragCommand> &DragCommand::fields()
     return list;
 }
 
-std::string DragCommand::toString() const
+std::string DragCommand::body() const
 {
     if (type != 172)
-        return withTail(kUnknownCommandText);
-    return withTail("DRAG_TRAJECTORY " + trackName + " " + num(trackSpeed));
+        return {};
+    return "DRAG_TRAJECTORY " + trackName + " " + num(trackSpeed);
 }
 
 } // namespace qrx

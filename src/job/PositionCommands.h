@@ -31,7 +31,7 @@ class READPOSCommand : public FieldCommand<READPOSCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<READPOSCommand> &fields();
     std::string varname;
     std::string m_positionId; // key "positionId"
@@ -45,7 +45,7 @@ class POSCALCommand : public FieldCommand<POSCALCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<POSCALCommand> &fields();
     int caltype = 0;
     std::string m_positionId; // key "positionId"
@@ -61,7 +61,7 @@ class POSCALALLCommand : public FieldCommand<POSCALALLCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<POSCALALLCommand> &fields();
     int caltype = 0;
     std::string m_positionId; // key "positionId"
@@ -76,7 +76,7 @@ class COPYPOSCommand : public FieldCommand<COPYPOSCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<COPYPOSCommand> &fields();
     std::string cpposId;
     int cppostype = 0;
@@ -92,7 +92,7 @@ class SETPOSMSGCommand : public FieldCommand<SETPOSMSGCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<SETPOSMSGCommand> &fields();
     int posidtype = 0;
     std::string m_positionId; // key "positionId"
@@ -105,7 +105,7 @@ class READPOSMSGCommand : public FieldCommand<READPOSMSGCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<READPOSMSGCommand> &fields();
     int varType = 0;
     std::string message;
@@ -117,44 +117,51 @@ class TOFFSETCommand : public FieldCommand<TOFFSETCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<TOFFSETCommand> &fields();
     int coord = 0;
     std::string calData;
     int datatype = 0;
 };
 
-class UserCommand : public FieldCommand<UserCommand>
+// USERFRAME_SET and TOOLFRAME_SET: the same keys and line form, each under
+// its own class and type code.
+class FrameSetCommand : public FieldCommand<FrameSetCommand>
 {
 public:
-    using FieldCommand::FieldCommand;
-    std::string toString() const override;
-    static const FieldList<UserCommand> &fields();
+    std::string body() const;
+    static const FieldList<FrameSetCommand> &fields();
     int ID = 0;
     int coord = 0;
     int varType = 0;
     std::string m_varName;
     std::string m_newValue;
+
+protected:
+    FrameSetCommand(int type, int ownType, const char *keyword);
+
+private:
+    int m_ownType;
+    const char *m_keyword;
 };
 
-class ToolCommand : public FieldCommand<ToolCommand>
+class UserCommand : public FrameSetCommand
 {
 public:
-    using FieldCommand::FieldCommand;
-    std::string toString() const override;
-    static const FieldList<ToolCommand> &fields();
-    int ID = 0;
-    int coord = 0;
-    int varType = 0;
-    std::string m_varName;
-    std::string m_newValue;
+    explicit UserCommand(int type) : FrameSetCommand(type, 97, "USERFRAME_SET ") {}
+};
+
+class ToolCommand : public FrameSetCommand
+{
+public:
+    explicit ToolCommand(int type) : FrameSetCommand(type, 98, "TOOLFRAME_SET ") {}
 };
 
 class COORDCommand : public FieldCommand<COORDCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<COORDCommand> &fields();
     int coordNum = 0;
     int coordType = 0;
@@ -169,7 +176,7 @@ class POS_REACHABLECommand : public FieldCommand<POS_REACHABLECommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<POS_REACHABLECommand> &fields();
     int m_varType = 0;
     int moveType = 0;
@@ -181,7 +188,7 @@ class SWITCHSYNCCommand : public FieldCommand<SWITCHSYNCCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<SWITCHSYNCCommand> &fields();
     int syncgroup = 0;
 };
@@ -190,7 +197,7 @@ class STRETCHCommand : public FieldCommand<STRETCHCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<STRETCHCommand> &fields();
     std::string position1Id, position2Id, position3Id;
     std::string position1OutId, position2OutId;
@@ -203,7 +210,7 @@ class MRESETCommand : public FieldCommand<MRESETCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<MRESETCommand> &fields();
     int exterAxis = 0;
 };
@@ -212,7 +219,7 @@ class SWICHPAYLOADCommand : public FieldCommand<SWICHPAYLOADCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<SWICHPAYLOADCommand> &fields();
     int intVar = 0;
     std::string stringVar;
@@ -223,7 +230,7 @@ class DragCommand : public FieldCommand<DragCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<DragCommand> &fields();
     std::string trackName;
     double trackSpeed = 0.0;

@@ -28,19 +28,19 @@ const FieldList<ARCCommand> &ARCCommand::fields()
     return list;
 }
 
-std::string ARCCommand::toString() const
+std::string ARCCommand::body() const
 {
     switch (type) {
-    case 23: return withTail("ARCON ID=" + num(arcParameterId) + " TEMP=" + num(useTemp));
-    case 24: return withTail("ARCOFF ID=" + num(arcParameterId) + " TEMP=" + num(useTemp));
+    case 23: return "ARCON ID=" + num(arcParameterId) + " TEMP=" + num(useTemp);
+    case 24: return "ARCOFF ID=" + num(arcParameterId) + " TEMP=" + num(useTemp);
     case 25:
-        return withTail("ARCSET V= " + num(voltage) + " A= " + num(current) + " T = " + num(arcsetTime_ms));
-    case 26: return withTail("WVON #" + num(arcParameterId));
-    case 27: return withTail("WVOFF " + num(arcParameterId));
-    case 70: return withTail("REFP " + num(refpPointNum) + " " + m_positionId);
-    case 176: return withTail("FEEDWIRE T = " + num(feedtime));
-    case 177: return withTail("SPOTWELD ID = " + num(arcParameterId));
-    default: return withTail(kUnknownCommandText);
+        return "ARCSET V= " + num(voltage) + " A= " + num(current) + " T = " + num(arcsetTime_ms);
+    case 26: return "WVON #" + num(arcParameterId);
+    case 27: return "WVOFF " + num(arcParameterId);
+    case 70: return "REFP " + num(refpPointNum) + " " + m_positionId;
+    case 176: return "FEEDWIRE T = " + num(feedtime);
+    case 177: return "SPOTWELD ID = " + num(arcParameterId);
+    default: return {};
     }
 }
 
@@ -52,15 +52,15 @@ const FieldList<TIGWeldCommand> &TIGWeldCommand::fields()
     return list;
 }
 
-std::string TIGWeldCommand::toString() const
+std::string TIGWeldCommand::body() const
 {
     switch (type) {
     case 67:
         if (typeOFTIG == 0)
-            return withTail(std::string("TIGWELDON ") + "L1 = " + num(l1) + " L2 = " + num(l2));
-        return withTail(std::string("TIGWELDON ") + "T = " + num(timeOFTIG));
-    case 68: return withTail("TIGWELDOFF");
-    default: return withTail(kUnknownCommandText);
+            return std::string("TIGWELDON ") + "L1 = " + num(l1) + " L2 = " + num(l2);
+        return std::string("TIGWELDON ") + "T = " + num(timeOFTIG);
+    case 68: return "TIGWELDOFF";
+    default: return {};
     }
 }
 
@@ -70,12 +70,12 @@ const FieldList<LASERCommand> &LASERCommand::fields()
     return list;
 }
 
-std::string LASERCommand::toString() const
+std::string LASERCommand::body() const
 {
     switch (type) {
-    case 61: return withTail(std::string("LASER_ON ") + "ID = " + num(ID));
-    case 62: return withTail("LASER_OFF");
-    default: return withTail(kUnknownCommandText);
+    case 61: return std::string("LASER_ON ") + "ID = " + num(ID);
+    case 62: return "LASER_OFF";
+    default: return {};
     }
 }
 
@@ -86,12 +86,12 @@ const FieldList<ARCTRACKCommand> &ARCTRACKCommand::fields()
     return list;
 }
 
-std::string ARCTRACKCommand::toString() const
+std::string ARCTRACKCommand::body() const
 {
     switch (type) {
-    case 158: return withTail((isArcTracking == 0 ? "ARCTRACKON ID = " : "ARCVTRACKON ID = ") + num(ID));
-    case 159: return withTail("ARCTRACKOFF ID = " + num(ID));
-    default: return withTail(kUnknownCommandText);
+    case 158: return (isArcTracking == 0 ? "ARCTRACKON ID = " : "ARCVTRACKON ID = ") + num(ID);
+    case 159: return "ARCTRACKOFF ID = " + num(ID);
+    default: return {};
     }
 }
 
@@ -102,11 +102,11 @@ const FieldList<ARCBUILTINCommand> &ARCBUILTINCommand::fields()
     return list;
 }
 
-std::string ARCBUILTINCommand::toString() const
+std::string ARCBUILTINCommand::body() const
 {
     if (type != 170)
-        return withTail(kUnknownCommandText);
-    return withTail(std::string("ARCBUILTIN ") + "ID = " + num(ID) + " " + num(Value));
+        return {};
+    return std::string("ARCBUILTIN ") + "ID = " + num(ID) + " " + num(Value);
 }
 
 const FieldList<TRACKCommand> &TRACKCommand::fields()
@@ -116,12 +116,12 @@ const FieldList<TRACKCommand> &TRACKCommand::fields()
     return list;
 }
 
-std::string TRACKCommand::toString() const
+std::string TRACKCommand::body() const
 {
     const char *word = pick(type, {{85, "LASERTRACK_ON "}, {86, "LASERTRACK_OFF "}});
     if (!word)
-        return withTail(kUnknownCommandText);
-    return withTail(word + std::string("ID = ") + num(ID));
+        return {};
+    return word + std::string("ID = ") + num(ID);
 }
 
 const FieldList<SeamFindCommand> &SeamFindCommand::fields()
@@ -137,23 +137,23 @@ const FieldList<SeamFindCommand> &SeamFindCommand::fields()
     return list;
 }
 
-std::string SeamFindCommand::toString() const
+std::string SeamFindCommand::body() const
 {
     const std::string id = num(m_searchNetID);
     switch (type) {
     case 134:
-        return withTail("SEARCH_INITIALIZE ID = " + id + " PRO = " + num(m_searchProID) + " CORR = "
-                        + num(m_searchCorrect));
+        return "SEARCH_INITIALIZE ID = " + id + " PRO = " + num(m_searchProID) + " CORR = "
+            + num(m_searchCorrect);
     case 135:
-        return withTail("SEARCH_MEASURE ID = " + id + " POINT = " + num(m_searchFeaturePA) + " PART = "
-                        + num(m_searchWorkPieNum) + " TASK = " + num(m_searchtaskNum));
+        return "SEARCH_MEASURE ID = " + id + " POINT = " + num(m_searchFeaturePA) + " PART = "
+            + num(m_searchWorkPieNum) + " TASK = " + num(m_searchtaskNum);
     case 136:
-        return withTail("SEARCH_CORR ID = " + id + " POINTA = " + num(m_searchFeaturePA) + " POINTB = "
-                        + num(m_searchFeaturePB) + " POINTC = " + num(m_searchFeaturePC));
-    case 137: return withTail("SEARCH_CANCELCORR ID = " + id + " USER = " + num(m_searchUserCoord));
-    case 138: return withTail("SEARCH_CALBR ID = " + id + " TOOL = " + num(m_searchToolCoord));
-    case 139: return withTail("SEARCH_OFF ID = " + id);
-    default: return withTail(kUnknownCommandText);
+        return "SEARCH_CORR ID = " + id + " POINTA = " + num(m_searchFeaturePA) + " POINTB = "
+            + num(m_searchFeaturePB) + " POINTC = " + num(m_searchFeaturePC);
+    case 137: return "SEARCH_CANCELCORR ID = " + id + " USER = " + num(m_searchUserCoord);
+    case 138: return "SEARCH_CALBR ID = " + id + " TOOL = " + num(m_searchToolCoord);
+    case 139: return "SEARCH_OFF ID = " + id;
+    default: return {};
     }
 }
 
@@ -182,20 +182,20 @@ const FieldList<SEARCHCommand> &SEARCHCommand::fields()
     return list;
 }
 
-std::string SEARCHCommand::toString() const
+std::string SEARCHCommand::body() const
 {
     const std::string &where = target(posidtype, posidname, position1Id);
     const std::string motion = textOf(paraV) + textOf(paraPl) + textOf(paraAcc);
     switch (type) {
-    case 151: return withTail("SEARCH_START ID = " + num(ID));
-    case 152: return withTail("SEARCH_STATIC ID = " + num(ID) + " " + where + motion);
+    case 151: return "SEARCH_START ID = " + num(ID);
+    case 152: return "SEARCH_STATIC ID = " + num(ID) + " " + where + motion;
     case 153:
-        return withTail("SEARCH_DYNAMIC " + where + " TYPE = " + num(senseType) + " ID = " + num(ID) + motion);
-    case 154: return withTail("SEARCH_OFFSET " + positionOutId);
-    case 155: return withTail("SEARCH_OFFSETEND");
-    case 156: return withTail("SEARCH_CALC PART = " + num(artifactType) + " " + positionOutId);
-    case 157: return withTail("SEARCH_END ID = " + num(ID));
-    default: return withTail(kUnknownCommandText);
+        return "SEARCH_DYNAMIC " + where + " TYPE = " + num(senseType) + " ID = " + num(ID) + motion;
+    case 154: return "SEARCH_OFFSET " + positionOutId;
+    case 155: return "SEARCH_OFFSETEND";
+    case 156: return "SEARCH_CALC PART = " + num(artifactType) + " " + positionOutId;
+    case 157: return "SEARCH_END ID = " + num(ID);
+    default: return {};
     }
 }
 
@@ -210,18 +210,18 @@ const FieldList<PathCommand> &PathCommand::fields()
     return list;
 }
 
-std::string PathCommand::toString() const
+std::string PathCommand::body() const
 {
     switch (type) {
-    case 178: return withTail("WELDPATHSTART");
-    case 179: return withTail("WELDPATHSTOP");
-    case 180: return withTail("WELDPATHCOUNT " + varName);
+    case 178: return "WELDPATHSTART";
+    case 179: return "WELDPATHSTOP";
+    case 180: return "WELDPATHCOUNT " + varName;
     case 181:
-        return withTail("WELDPATHOFFSET WELDPATH" + num(initialPath) + " WELDPATH" + num(targetPath) + " "
-                        + num(xOffset) + " " + num(yOffset) + " " + num(zOffset) + " " + num(aOffset) + " "
-                        + num(bOffset) + " " + num(cOffset));
-    case 182: return withTail("STARTOFFSETWELD");
-    default: return withTail(kUnknownCommandText);
+        return "WELDPATHOFFSET WELDPATH" + num(initialPath) + " WELDPATH" + num(targetPath) + " "
+            + num(xOffset) + " " + num(yOffset) + " " + num(zOffset) + " " + num(aOffset) + " "
+            + num(bOffset) + " " + num(cOffset);
+    case 182: return "STARTOFFSETWELD";
+    default: return {};
     }
 }
 
@@ -235,12 +235,12 @@ const FieldList<SCREWCommand> &SCREWCommand::fields()
     return list;
 }
 
-std::string SCREWCommand::toString() const
+std::string SCREWCommand::body() const
 {
     const char *mode = pick(screwType, {{0, " TIGHT "}, {1, " UNSCREW "}, {2, " FREE "}});
     if (type != 143 || !mode)
-        return withTail(kUnknownCommandText);
-    return withTail("SCREW ID = " + num(screwID) + mode + varName + " " + num(maxSpinTime));
+        return {};
+    return "SCREW ID = " + num(screwID) + mode + varName + " " + num(maxSpinTime);
 }
 
 const FieldList<POLISHCommand> &POLISHCommand::fields()
@@ -251,14 +251,14 @@ const FieldList<POLISHCommand> &POLISHCommand::fields()
     return list;
 }
 
-std::string POLISHCommand::toString() const
+std::string POLISHCommand::body() const
 {
     switch (type) {
     case 131:
-        return withTail("POLISH_CONTINUE ID = " + num(polishID) + " TIMES = " + num(times) + " ANGLE = "
-                        + num(angle) + " " + num(time));
-    case 132: return withTail("POLISH_OFF ID = " + num(polishID));
-    default: return withTail(kUnknownCommandText);
+        return "POLISH_CONTINUE ID = " + num(polishID) + " TIMES = " + num(times) + " ANGLE = "
+            + num(angle) + " " + num(time);
+    case 132: return "POLISH_OFF ID = " + num(polishID);
+    default: return {};
     }
 }
 

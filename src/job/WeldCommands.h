@@ -42,7 +42,7 @@ class ARCCommand : public FieldCommand<ARCCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     RobotPos *position() const override { return robotPos.pos; }
     std::string positionId() const override { return m_positionId; }
     static const FieldList<ARCCommand> &fields();
@@ -79,7 +79,7 @@ class TIGWeldCommand : public FieldCommand<TIGWeldCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<TIGWeldCommand> &fields();
     double timeOFTIG = 0.0;
     int typeOFTIG = 0;
@@ -91,7 +91,7 @@ class LASERCommand : public FieldCommand<LASERCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<LASERCommand> &fields();
     int ID = 0;
 };
@@ -100,7 +100,7 @@ class ARCTRACKCommand : public FieldCommand<ARCTRACKCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<ARCTRACKCommand> &fields();
     int ID = 0;
     int isArcTracking = 0;
@@ -110,7 +110,7 @@ class ARCBUILTINCommand : public FieldCommand<ARCBUILTINCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<ARCBUILTINCommand> &fields();
     int ID = 0;
     double Value = 0.0;
@@ -120,7 +120,7 @@ class TRACKCommand : public FieldCommand<TRACKCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<TRACKCommand> &fields();
     int ID = 0;
     int segmentParam = 0;
@@ -131,7 +131,7 @@ class SeamFindCommand : public FieldCommand<SeamFindCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<SeamFindCommand> &fields();
     int m_searchNetID = 0;
     int m_searchProID = 0;
@@ -149,7 +149,7 @@ class SEARCHCommand : public FieldCommand<SEARCHCommand>
 {
 public:
     explicit SEARCHCommand(int type);
-    std::string toString() const override;
+    std::string body() const;
     RobotPos *position() const override { return robotPos.pos; }
     std::string positionId() const override { return position1Id; }
     static const FieldList<SEARCHCommand> &fields();
@@ -181,7 +181,7 @@ class PathCommand : public FieldCommand<PathCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<PathCommand> &fields();
     int initialPath = 0;
     double xOffset = 0.0, yOffset = 0.0, zOffset = 0.0, aOffset = 0.0, bOffset = 0.0, cOffset = 0.0;
@@ -194,7 +194,7 @@ class SCREWCommand : public FieldCommand<SCREWCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<SCREWCommand> &fields();
     int screwID = 0;
     int screwType = 0; // 0 tight, 1 unscrew, 2 free
@@ -207,7 +207,7 @@ class POLISHCommand : public FieldCommand<POLISHCommand>
 {
 public:
     using FieldCommand::FieldCommand;
-    std::string toString() const override;
+    std::string body() const;
     static const FieldList<POLISHCommand> &fields();
     int polishID = 0;
     int times = 0;
