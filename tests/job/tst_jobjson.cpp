@@ -306,6 +306,9 @@ void TestJobJson::flatKeyFallback_data()
     QTest::newRow("PAL ACC") << R"({"type":74,"ACC":15})" << "ParaACC" << 15.0;
     QTest::newRow("MOVCOMM PL") << R"({"type":101,"PL":4})" << "ParaPL" << 4.0;
     QTest::newRow("SPRAY DEC") << R"({"type":125,"DEC":8})" << "ParaDEC" << 8.0;
+    QTest::newRow("PAL velocity") << R"({"type":76,"velocity":12})" << "ParaV" << 12.0;
+    QTest::newRow("MOVCOMM time") << R"({"type":101,"time":6})" << "ParaTIME" << 6.0;
+    QTest::newRow("SPRAY PL") << R"({"type":125,"PL":2.5})" << "ParaPL" << 2.5;
     QTest::newRow("SEARCH velocity") << R"({"type":152,"velocity":9})" << "ParaV" << 9.0;
     QTest::newRow("CONVEYOR acc") << R"({"type":174,"acc":7})" << "ParaACC" << 7.0;
 }

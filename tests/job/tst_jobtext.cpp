@@ -269,6 +269,8 @@ void TestJobText::lines_data()
         "PALREAL 1 MovL  V = 100 mm/s PL = 2 ACC = 0 DEC = 0 0");
     row("PALREAL MovC", R"({"type":76,"ID":1,"moveType":2,"ParaV":{"data":100,"m_vUnit":1}})",
         "PALREAL 1 MovC  V = 100 mm/s PL = 0 ACC = 0 DEC = 0 0");
+    row("PALENTER knows no MovS", R"({"type":74,"ID":1,"moveType":3})", "#UNKNOWN COMMAND!!");
+    row("PALREAL knows no MovS", R"({"type":76,"ID":1,"moveType":3})", "#UNKNOWN COMMAND!!");
     row("PALCLEAR", R"({"type":77,"ID":1})", "PALCLEAR 1");
     row("PALLET_POS", R"({"type":78,"ID":1,"pointVariableName":"GP001"})", "PALLET_POS 1 GP001");
     row("PAL_SET_EXAMPLE", R"({"type":203,"ID":1,"variableData":"I005"})", "PAL_SET_EXAMPLE 1 I005");
@@ -284,6 +286,7 @@ void TestJobText::lines_data()
     row("SPRAY_STARTPOS", R"({"type":126,"seqID":2,"point":5})", "SPRAY_STARTPOS ID = 2 POINT = 5");
     row("PUNCH", R"({"type":160,"positionId":"P1"})", "PUNCH P1");
     row("PUNCH_MOVE", R"({"type":161,"positionId":"P1","moveType":1})", "PUNCH_MOVE MovL P1");
+    row("PUNCH_MOVE knows no MovC", R"({"type":161,"positionId":"P1","moveType":2})", "#UNKNOWN COMMAND!!");
     row("PUNCH_PICK", R"({"type":162,"positionId":"P2"})", "PUNCH_PICK P2");
     row("PUNCH_PICKSAFEPOS", R"({"type":163,"positionId":"P3"})", "PUNCH_PICKSAFEPOS MovJ P3");
     row("PUNCH_PICKUPPERPOS", R"({"type":164,"positionId":"P3"})", "PUNCH_PICKUPPERPOS MovJ P3");
@@ -338,6 +341,8 @@ void TestJobText::lines_data()
     row("MOVCOMM MovL", R"({"type":101,"moveType":1,"ParaV":{"data":50,"m_vUnit":1}})", "MOVCOMM  MovL  V = 50 mm/s PL = 0 ACC = 0 DEC = 0 0");
     row("MOVCOMM MovC", R"({"type":101,"moveType":2,"ParaV":{"data":50,"m_vUnit":1}})", "MOVCOMM  MovC  V = 50 mm/s PL = 0 ACC = 0 DEC = 0 0");
     row("MOVCOMM MovS", R"({"type":101,"moveType":3,"ParaV":{"data":50,"m_vUnit":1}})", "MOVCOMM  MovS  V = 50 mm/s PL = 0 ACC = 0 DEC = 0 0");
+    row("MOVCOMM moveType 4", R"({"type":101,"moveType":4})", "#UNKNOWN COMMAND!!");
+    row("MOVCOMM moveType -1", R"({"type":101,"moveType":-1})", "#UNKNOWN COMMAND!!");
     row("EXTMOV CONST", R"({"type":144,"extaxle":1,"handvalue":50,"speedproportionfactor":0.5})", "EXTMOV 1 CONST 50 0.5");
     row("EXTMOV FOLLOW", R"({"type":144,"extaxle":2,"movtype":1,"speedtype":1,"varname":"D001","speedproportionfactor":1})",
         "EXTMOV 2 FOLLOW D001 1");
@@ -412,6 +417,8 @@ void TestJobText::unknownSubtypes_data()
     QTest::newRow("motion without keyword") << 3 << "/// PL = 0 ACC = 0 DEC = 0";
     QTest::newRow("print type 3") << 4 << "#UNKNOWN COMMAND!!";
     QTest::newRow("disabled Dummy") << 5 << "#UNKNOWN COMMAND!! DISABLE";
+    QTest::newRow("USERFRAME_SET class with the TOOLFRAME_SET code") << 6 << "#UNKNOWN COMMAND!!";
+    QTest::newRow("TOOLFRAME_SET class with the USERFRAME_SET code") << 7 << "#UNKNOWN COMMAND!!";
 }
 
 void TestJobText::unknownSubtypes()
@@ -430,6 +437,8 @@ void TestJobText::unknownSubtypes()
         command = std::move(print);
         break;
     }
+    case 6: command = std::make_unique<UserCommand>(98); break;
+    case 7: command = std::make_unique<ToolCommand>(97); break;
     default:
         command = std::make_unique<DummyCommand>();
         command->logout = true;
