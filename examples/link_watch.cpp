@@ -3,7 +3,7 @@
 // sign of life (the controller's answers to the heartbeat), and exits 0 when
 // the link came up.
 //
-//   qrx-demo <address> [seconds]
+//   qrx-link-watch <address> [seconds]
 
 #include "link/TcpConnectModule.h"
 
