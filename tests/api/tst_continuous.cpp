@@ -440,6 +440,14 @@ void TestContinuous::outOfRangeRefusesQueue_data()
     qrx_motion_record word = move(1, 50, "P0001");
     word.u.move.velocity = variable("REAL", "D001");
     QTest::newRow("unknown type word") << Records{word} << 1;
+    qrx_motion_record gap = record(9);
+    gap.u.block.condition.count = 2;
+    gap.u.block.condition.conditions[0] = condition(0, 0, "I001", 0, "1");
+    gap.u.block.condition.conditions[1] = condition(2, 0, "I002", 0, "1");
+    QTest::newRow("condition groups with a gap") << Records{gap} << 1;
+    qrx_motion_record many = record(13);
+    many.u.block.condition.count = QRX_MAX_CONDITIONS + 1;
+    QTest::newRow("more conditions than the record holds") << Records{many} << 1;
 }
 
 void TestContinuous::outOfRangeRefusesQueue()
