@@ -106,7 +106,7 @@ typedef struct qrx_move_params {
  * unchanged: desType 2 names the right operand by paramName, 3 by
  * soueceName, any other value by desValue. */
 typedef struct qrx_condition {
-    int group;                          /* 0..QRX_MAX_CONDITION_GROUPS-1, ascending */
+    int group;                          /* 0..QRX_MAX_CONDITION_GROUPS-1: 0 first, then equal or one more */
     int logic;                          /* joins it to the previous one of its group: 0 AND, 1 OR, 2 NOT */
     int keyType;
     char key[QRX_NAME_LEN];             /* left operand */
