@@ -125,6 +125,9 @@ void TestConnectionApi::connectSendsPostConnectionRequest()
     m_firstRobot = qrx::api::apiRobot();
     QVERIFY(m_firstRobot);
     QCOMPARE(m_firstRobot->isClosed(), false);
+    // The host runs a Qt application: the library uses it and makes none.
+    QCOMPARE(qrx::api::libraryContext(), nullptr);
+    QCOMPARE(m_firstRobot->thread(), QThread::currentThread());
     // The line that prints the Robot object.
     QVERIFY2(log.contains(QStringLiteral("Robot(0x")), qPrintable(log.lines().join('\n')));
 }
