@@ -110,6 +110,10 @@ static void *controller(void *arg)
         unsigned char body[65536 + 4];
         if (head[0] != 0x4E || head[1] != 0x66 || !readAll(fd, body, length + 4))
             break;
+        if (code == 0x2F07) {
+            sendFrame(0x2F08, "{\"coord\":1,\"pos\":[1.50,2.50,3.50,4.50,5.50,6.50,7.50],"
+                              "\"posDeg\":[0.0,0.0,0.0,0.0,0.0,0.0,0.0],\"robot\":1}\n");
+        }
         if (code == 0x7266) {
             char echo[MAX_PAYLOAD + 1];
             size_t n = length < MAX_PAYLOAD ? length : MAX_PAYLOAD;
@@ -231,6 +235,17 @@ int main(int argc, char **argv)
         double start = nowSeconds();
         CHECK(connect_robot(address) == 0);
         CHECK(nowSeconds() - start < 0.5);
+    }
+
+    /* A getter blocks this thread, which runs no event loop, until the
+     * library's own thread has handled the reply. */
+    {
+        double pos[7] = {0, 0, 0, 0, 0, 0, -1};
+        get_current_position(pos, 1);
+        index = waitForFrame(0x2F07, 0, 10.0);
+        CHECK(payloadIs(index, "{\"coord\":1,\"robot\":1}\n"));
+        CHECK(pos[0] == 1.5 && pos[5] == 6.5);
+        CHECK(pos[6] == -1); /* six values, not seven */
     }
 
     /* Controller errors reach the handler on the library's thread. */
