@@ -1,8 +1,9 @@
 #pragma once
 // The JSON keys of an object of the job model, each bound to the member that
 // holds it. One table per class drives its toJson and fromJson: the
-// instructions through FieldCommand, the parameter objects and conditions
-// through writeFields and readFields.
+// instructions through FieldCommand (which also adds the common tail to their
+// line), the parameter objects and conditions through writeFields and
+// readFields.
 
 #include "job/Command.h"
 #include "job/Condition.h"
