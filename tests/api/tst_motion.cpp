@@ -11,6 +11,8 @@ using familytest::Call;
 using familytest::frameText;
 using familytest::json;
 
+using Values6 = QVector<double>;
+
 namespace {
 
 double g_a[12] = {10, 20.5, -30, 0.25, 0, 90, 1, 2, 3, 4, 5, 6};
@@ -203,24 +205,36 @@ void TestMotion::moveTravelsOverTime()
 void TestMotion::circleEndsAtItsLastPoint_data()
 {
     QTest::addColumn<bool>("full");
-    QTest::addColumn<double>("endAxis1");
-    QTest::newRow("arc ends at the third point") << false << -1.0;
-    QTest::newRow("full circle returns to the first") << true << 10.0;
+    QTest::addColumn<Values6>("end");
+    QTest::newRow("arc ends at the third point") << false << Values6{-1, -2, -3, -4, -5, -6};
+    QTest::newRow("full circle returns to the first") << true << Values6{10, 20.5, -30, 0.25, 0, 90};
 }
 
+// The controller passes the three points in order; a full circle comes
+// back to the first one.
 void TestMotion::circleEndsAtItsLastPoint()
 {
     QFETCH(bool, full);
-    QFETCH(double, endAxis1);
+    QFETCH(Values6, end);
     QVERIFY(servoRunning());
-    if (full)
-        robot_movca(g_a, g_b, g_c, 100, 0, 10, 10);
-    else
-        robot_movc(g_a, g_b, g_c, 100, 0, 10, 10);
-    qint64 elapsed = 0;
-    const QVector<double> seen = travel(0, endAxis1, &elapsed);
-    QCOMPARE(seen.last(), endAxis1);
-    QVERIFY(seen.contains(1.0) || seen.size() > 2);
+    // framesOf() returns once the controller holds the move.
+    QCOMPARE(m_ctl.framesOf([full] {
+                 if (full)
+                     robot_movca(g_a, g_b, g_c, 100, 0, 10, 10);
+                 else
+                     robot_movc(g_a, g_b, g_c, 100, 0, 10, 10);
+             }).size(),
+             1);
+    bool moving = true;
+    QTRY_VERIFY_WITH_TIMEOUT(
+        (m_ctl.model([&moving](qrxsim::ControllerModel &m) { moving = m.motion.busy(); }), !moving), 20000);
+    double pos[6] = {};
+    get_current_position(pos, 0);
+    for (int i = 0; i < 6; ++i)
+        QCOMPARE(pos[i], end[i]);
+    int moves = 0;
+    m_ctl.model([&moves](qrxsim::ControllerModel &m) { moves = m.motion.moves; });
+    QVERIFY(moves >= 1);
 }
 
 void TestMotion::externalAxesMove()
