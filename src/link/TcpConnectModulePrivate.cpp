@@ -192,7 +192,7 @@ void TcpConnectModulePrivate::onTcpSocketStateChanged(QAbstractSocket::SocketSta
     switch (socketState) {
     case QAbstractSocket::ConnectedState:
         connected = true;
-        setLastReceiveTime(QDateTime::currentDateTime());
+        setLastReceiveTime(QDateTime::currentDateTimeUtc());
         m_connectTime = secondsSinceEpoch();
         emit connectSucceed(1);
         break;
@@ -242,10 +242,10 @@ void TcpConnectModulePrivate::route(quint16 command, const QByteArray &payload)
         writeFrame(qrx::encodeFrame(kHeartbeat, payload));
         break;
     case kHeartbeatAnswer:
-        setLastReceiveTime(QDateTime::currentDateTime());
+        setLastReceiveTime(QDateTime::currentDateTimeUtc());
         break;
     default:
-        setLastReceiveTime(QDateTime::currentDateTime());
+        setLastReceiveTime(QDateTime::currentDateTimeUtc());
         emit receivedData(command, payload);
         break;
     }
@@ -265,7 +265,7 @@ void TcpConnectModulePrivate::onTcpSocketCheck()
                    .arg(QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz")));
         needReconnect = false;
         connected = false;
-        setLastReceiveTime(QDateTime::currentDateTime());
+        setLastReceiveTime(QDateTime::currentDateTimeUtc());
         m_connectTime = secondsSinceEpoch();
         replaceSocket();
         m_socket->connectToHost(address, m_port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
@@ -333,7 +333,7 @@ void TcpConnectModulePrivate::onCheckHeartBeat()
 {
     if (!connected || closing || m_connecting)
         return;
-    if (lastReceiveTime().secsTo(QDateTime::currentDateTime()) < kReceiveTimeoutSecs)
+    if (lastReceiveTime().secsTo(QDateTime::currentDateTimeUtc()) < kReceiveTimeoutSecs)
         return;
     qCDebug(lcLink).noquote() << tr("连接超时 主动断开");
     if (m_socket)

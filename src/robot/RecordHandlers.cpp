@@ -10,6 +10,7 @@
 #include "robot/JsonRead.h"
 
 #include <QCoreApplication>
+#include <QMetaMethod>
 
 namespace {
 
@@ -50,11 +51,16 @@ void Robot::robot_net_slot_MoreRobotCurPosition(const QByteArray &data)
     Json::Value root;
     if (!qrx::parsePayload(data, root))
         return;
+    qrx::jsonReals(root, "pos", currentPosition, 6);
+    // A controller may stream these reports fast; the two text lines are
+    // only worth building for a listener.
+    static const QMetaMethod lines = QMetaMethod::fromSignal(&Robot::receive_moreRobot_CurPosition);
+    if (!isSignalConnected(lines))
+        return;
     const int robot = qrx::jsonInt(root, "robot");
     const int coord = qrx::jsonInt(root, "coord");
     const QByteArray posLine = positionLine(robot, coord, root, "pos");
     const QByteArray posDegLine = positionLine(robot, coord, root, "posDeg");
-    qrx::jsonReals(root, "pos", currentPosition, 6);
     emit receive_moreRobot_CurPosition(posDegLine, posLine);
 }
 
