@@ -7,6 +7,7 @@
 
 #include "common/Logging.h"
 #include "common/Payload.h"
+#include "robot/HandlerShape.h"
 #include "robot/JsonRead.h"
 
 #include <QCoreApplication>
@@ -47,31 +48,25 @@ int globalIndex(const QString &name)
 // Emits receive_moreRobot_CurPosition(posDeg line, pos line).
 void Robot::robot_net_slot_MoreRobotCurPosition(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "pos", currentPosition, 6);
-    // A controller may stream these reports fast; the two text lines are
-    // only worth building for a listener.
-    static const QMetaMethod lines = QMetaMethod::fromSignal(&Robot::receive_moreRobot_CurPosition);
-    if (!isSignalConnected(lines))
-        return;
-    const int robot = qrx::jsonInt(root, "robot");
-    const int coord = qrx::jsonInt(root, "coord");
-    const QByteArray posLine = positionLine(robot, coord, root, "pos");
-    const QByteArray posDegLine = positionLine(robot, coord, root, "posDeg");
-    emit receive_moreRobot_CurPosition(posDegLine, posLine);
+    takeReport(data, [&](const Json::Value &root) {
+        qrx::jsonReals(root, "pos", currentPosition, 6);
+        // A controller may stream these reports fast; the two text lines are
+        // only worth building for a listener.
+        static const QMetaMethod lines = QMetaMethod::fromSignal(&Robot::receive_moreRobot_CurPosition);
+        if (!isSignalConnected(lines))
+            return;
+        const int robot = qrx::jsonInt(root, "robot");
+        const int coord = qrx::jsonInt(root, "coord");
+        const QByteArray posLine = positionLine(robot, coord, root, "pos");
+        const QByteArray posDegLine = positionLine(robot, coord, root, "posDeg");
+        emit receive_moreRobot_CurPosition(posDegLine, posLine);
+    });
 }
 
 // 0x7013 {"robot","coord","pos"[5..]}: syncPosition = "pos"[0..4].
 void Robot::robot_net_slot_CurEXPosition(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "pos", syncPosition, 5);
+    takePayload(data, {{"pos", syncPosition, 5}}, {});
 }
 
 // ---- IO --------------------------------------------------------------------
@@ -80,42 +75,22 @@ void Robot::robot_net_slot_CurEXPosition(const QByteArray &data)
 
 void Robot::robot_net_slot_DoutStatus(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "status", dout, 16);
-    emit robot_dout_display(data);
+    takePayload(data, {{"status", dout, 16}}, {&Robot::robot_dout_display});
 }
 
 void Robot::robot_net_slot_DinStatus(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "status", din, 16);
-    emit robot_din_display(data);
+    takePayload(data, {{"status", din, 16}}, {&Robot::robot_din_display});
 }
 
 void Robot::robot_net_slot_AoutStatus(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "status", aout, 16);
-    emit robot_aout_display(data);
+    takePayload(data, {{"status", aout, 16}}, {&Robot::robot_aout_display});
 }
 
 void Robot::robot_net_slot_AinStatus(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "status", ain, 16);
-    emit robot_ain_display(data);
+    takePayload(data, {{"status", ain, 16}}, {&Robot::robot_ain_display});
 }
 
 // ---- motor figures ---------------------------------------------------------
@@ -125,15 +100,12 @@ void Robot::robot_net_slot_AinStatus(const QByteArray &data)
 // motorVelSync[1] "maxVelSync".
 void Robot::robot_net_slot_MotorSpeed(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "vel", motorVel[0], 7);
-    qrx::jsonReals(root, "maxVel", motorVel[1], 7);
-    qrx::jsonReals(root, "velSync", motorVelSync[0], 5);
-    qrx::jsonReals(root, "maxVelSync", motorVelSync[1], 5);
-    emit robot_tool_receiveMotorSpeed(data);
+    takePayload(data,
+               {{"vel", motorVel[0], 7},
+                {"maxVel", motorVel[1], 7},
+                {"velSync", motorVelSync[0], 5},
+                {"maxVelSync", motorVelSync[1], 5}},
+               {&Robot::robot_tool_receiveMotorSpeed});
 }
 
 // 0x2A07 {"robot","torq","maxTorq"[7],"torqSync","maxTorqSync"[5],
@@ -143,41 +115,27 @@ void Robot::robot_net_slot_MotorSpeed(const QByteArray &data)
 // "maxTheoTorq".
 void Robot::robot_net_slot_MotorTorque(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "torq", motorTorque[0], 7);
-    qrx::jsonReals(root, "maxTorq", motorTorque[1], 7);
-    qrx::jsonReals(root, "torqSync", motorTorqueSync[0], 5);
-    qrx::jsonReals(root, "maxTorqSync", motorTorqueSync[1], 5);
-    qrx::jsonReals(root, "theoTorq", motorTheoTorque[0], 7);
-    qrx::jsonReals(root, "maxTheoTorq", motorTheoTorque[1], 7);
-    emit robot_tool_receiveMotorTorque(data);
-    emit robot_tool_receiveMotorTorqueTheo(data);
+    takePayload(data,
+               {{"torq", motorTorque[0], 7},
+                {"maxTorq", motorTorque[1], 7},
+                {"torqSync", motorTorqueSync[0], 5},
+                {"maxTorqSync", motorTorqueSync[1], 5},
+                {"theoTorq", motorTheoTorque[0], 7},
+                {"maxTheoTorq", motorTheoTorque[1], 7}},
+               {&Robot::robot_tool_receiveMotorTorque, &Robot::robot_tool_receiveMotorTorqueTheo});
 }
 
 // 0x2A0B {"robot","motorOverload"[7],"motorOverloadSync"[5]}.
 void Robot::robot_net_slot_MotorLoad(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "motorOverload", motorOverload, 7);
-    qrx::jsonReals(root, "motorOverloadSync", motorOverloadSync, 5);
-    emit signal_robotReceivedMotorLoad(data);
+    takePayload(data, {{"motorOverload", motorOverload, 7}, {"motorOverloadSync", motorOverloadSync, 5}},
+               {&Robot::signal_robotReceivedMotorLoad});
 }
 
 // 0x330A {"value"[7]}: singleCycle.
 void Robot::robot_net_slot_SingleCycleValue(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    qrx::jsonReals(root, "value", singleCycle, 7);
-    emit robot_singlevalue(data);
+    takePayload(data, {{"value", singleCycle, 7}}, {&Robot::robot_singlevalue});
 }
 
 // ---- variables -------------------------------------------------------------
@@ -187,32 +145,28 @@ void Robot::robot_net_slot_SingleCycleValue(const QByteArray &data)
 // globalBool (0 or 1), 2 in globalInt, 3 in globalReal.
 void Robot::robot_net_slot_OneGlobalVariant(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const double value = qrx::jsonReal(root, "varValue");
-    globalVarValue = value;
-    const int index = globalIndex(qrx::jsonString(root, "varName"));
-    if (index >= 0 && index < kGlobalVarCount) {
-        switch (qrx::jsonInt(root, "varType")) {
-        case 1: globalBool[index] = value != 0.0 ? 1 : 0; break;
-        case 2: globalInt[index] = qrx::jsonInt(root, "varValue"); break;
-        case 3: globalReal[index] = value; break;
-        default: break;
+    takeReport(data, [&](const Json::Value &root) {
+        const double value = qrx::jsonReal(root, "varValue");
+        globalVarValue = value;
+        const int index = globalIndex(qrx::jsonString(root, "varName"));
+        if (index >= 0 && index < kGlobalVarCount) {
+            switch (qrx::jsonInt(root, "varType")) {
+            case 1: globalBool[index] = value != 0.0 ? 1 : 0; break;
+            case 2: globalInt[index] = qrx::jsonInt(root, "varValue"); break;
+            case 3: globalReal[index] = value; break;
+            default: break;
+            }
         }
-    }
-    emit robot_get_oneglobalVariant(data);
+        emit robot_get_oneglobalVariant(data);
+    });
 }
 
 // 0x50B3 {"open"}: continuousMotionMode (0 closed, 1 open).
 void Robot::robot_net_slot_continuousMotionMode(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    continuousMotionMode.store(qrx::jsonBool(root, "open") ? 1 : 0);
+    takeReport(data, [&](const Json::Value &root) {
+        continuousMotionMode.store(qrx::jsonBool(root, "open") ? 1 : 0);
+    });
 }
 
 // ---- jobs ------------------------------------------------------------------
@@ -221,76 +175,64 @@ void Robot::robot_net_slot_continuousMotionMode(const QByteArray &data)
 // pro_run_status with two digits, '0'+robot and '0'+status.
 void Robot::robot_net_slot_prorunstatus(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const int robot = qrx::jsonInt(root, "robot");
-    runningStatus = qrx::jsonInt(root, "status");
-    writeLine(tr("接收机器人运行状态 robot=%1 status=%2").arg(robot).arg(runningStatus));
-    QByteArray digits;
-    digits.append(char('0' + robot)).append(char('0' + runningStatus));
-    emit pro_run_status(digits);
+    takeReport(data, [&](const Json::Value &root) {
+        const int robot = qrx::jsonInt(root, "robot");
+        runningStatus = qrx::jsonInt(root, "status");
+        writeLine(tr("接收机器人运行状态 robot=%1 status=%2").arg(robot).arg(runningStatus));
+        QByteArray digits;
+        digits.append(char('0' + robot)).append(char('0' + runningStatus));
+        emit pro_run_status(digits);
+    });
 }
 
 // 0x4919, 0x9103 {"robot","status","continueRun"}: jobStatus, jobContinueRun.
 void Robot::robot_net_slot_JobStatusProcess(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const int robot = qrx::jsonInt(root, "robot");
-    jobStatus = qrx::jsonInt(root, "status");
-    jobContinueRun = qrx::jsonInt(root, "continueRun");
-    writeLine(tr("收到机器人运行状态 robot=%1 status=%2").arg(robot).arg(jobStatus));
-    emit robot_job_status(robot, jobStatus, jobContinueRun);
-    emit robotp_jstatus(robot, jobStatus);
+    takeReport(data, [&](const Json::Value &root) {
+        const int robot = qrx::jsonInt(root, "robot");
+        jobStatus = qrx::jsonInt(root, "status");
+        jobContinueRun = qrx::jsonInt(root, "continueRun");
+        writeLine(tr("收到机器人运行状态 robot=%1 status=%2").arg(robot).arg(jobStatus));
+        emit robot_job_status(robot, jobStatus, jobContinueRun);
+        emit robotp_jstatus(robot, jobStatus);
+    });
 }
 
 // 0x3501 {"robot","jobname","num"}.
 void Robot::robot_net_slot_stepEndProcess(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    emit robot_step_end(qrx::jsonInt(root, "robot"), qrx::jsonString(root, "jobname"),
-                        qrx::jsonInt(root, "num"));
+    takeReport(data, [&](const Json::Value &root) {
+        emit robot_step_end(qrx::jsonInt(root, "robot"), qrx::jsonString(root, "jobname"),
+                            qrx::jsonInt(root, "num"));
+    });
 }
 
 // 0x3502 {"robot","num"}.
 void Robot::robot_net_slot_BWBCommandStatus(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    emit robot_BWB_command(qrx::jsonInt(root, "robot"), qrx::jsonInt(root, "num"));
+    takeReport(data, [&](const Json::Value &root) {
+        emit robot_BWB_command(qrx::jsonInt(root, "robot"), qrx::jsonInt(root, "num"));
+    });
 }
 
 // 0x3504 {"num"}: currentRunLine, the line being executed.
 void Robot::robot_net_slot_JobfiletoLine(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    currentRunLine = qrx::jsonInt(root, "num");
-    emit robot_JobfiletoLine(data);
+    takeReport(data, [&](const Json::Value &root) {
+        currentRunLine = qrx::jsonInt(root, "num");
+        emit robot_JobfiletoLine(data);
+    });
 }
 
 // 0x5013 {"robot","count","index"}.
 void Robot::robot_net_slot_RobotCycleIndex(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const int robot = qrx::jsonInt(root, "robot");
-    const int count = qrx::jsonInt(root, "count");
-    const int index = qrx::jsonInt(root, "index");
-    emit RobotCycleIndex(robot, count, index);
-    emit sPBtnState(robot);
-    emit robot_cycletimes_update(count);
+    takeReport(data, [&](const Json::Value &root) {
+        const int robot = qrx::jsonInt(root, "robot");
+        const int count = qrx::jsonInt(root, "count");
+        const int index = qrx::jsonInt(root, "index");
+        emit RobotCycleIndex(robot, count, index);
+        emit sPBtnState(robot);
+        emit robot_cycletimes_update(count);
+    });
 }

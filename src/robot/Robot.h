@@ -29,6 +29,7 @@
 #include <QWaitCondition>
 
 #include <atomic>
+#include <initializer_list>
 #include <string>
 
 #include "link/LinkTypes.h"
@@ -599,6 +600,32 @@ protected:
     private:
         Robot *m_robot;
     };
+
+    // The shape of every handler that reads a JSON report: parses the
+    // payload (text up to its first NUL), hands the root to
+    // read(const Json::Value &) when it parses, and wakes the waiters at
+    // the end either way. Defined in robot/HandlerShape.h.
+    template <typename Read>
+    void takeReport(const QByteArray &data, Read &&read);
+
+    // Reports that fill cache arrays and hand the payload on as received:
+    // once the payload parses, each array member is copied into its cache
+    // (element by element, at most count), then every signal in notify is
+    // emitted with the payload.
+    struct CacheArray
+    {
+        const char *key;
+        double *out;
+        int count;
+    };
+    using PayloadSignal = void (Robot::*)(QByteArray);
+    void takePayload(const QByteArray &data, std::initializer_list<CacheArray> arrays,
+                    std::initializer_list<PayloadSignal> notify);
+
+    // Reports of one number: field = the key's value, log line text (Robot
+    // context) with the number as %1, then notify(field).
+    using NumberSignal = void (Robot::*)(int);
+    void takeNumber(const QByteArray &data, const char *key, int &field, const char *text, NumberSignal notify);
 
 private:
     void storeMessage(const std::string &text);

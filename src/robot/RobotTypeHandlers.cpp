@@ -10,6 +10,7 @@
 #include "robot/Robot.h"
 
 #include "common/Payload.h"
+#include "robot/HandlerShape.h"
 #include "robot/DhForms.h"
 #include "robot/HandlerLines.h"
 #include "robot/JsonRead.h"
@@ -21,162 +22,127 @@ using qrx::writeRobotLine;
 // The delta and unknown codes keep the axis count; a few models log nothing.
 void Robot::robot_net_slot_RobotType(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const qrx::RobotTypeRow &row = qrx::robotTypeForWire(qrx::jsonInt(root, "type"));
-    robotType = row.type;
-    if (row.axes != qrx::kAxesUnchanged)
-        axisCount = row.axes;
-    if (row.logLine)
-        writeRobotLine(qrx::robotText(row.logLine));
-    emit robot_change_CurRobotType(row.type);
+    takeReport(data, [&](const Json::Value &root) {
+        const qrx::RobotTypeRow &row = qrx::robotTypeForWire(qrx::jsonInt(root, "type"));
+        robotType = row.type;
+        if (row.axes != qrx::kAxesUnchanged)
+            axisCount = row.axes;
+        if (row.logLine)
+            writeRobotLine(qrx::robotText(row.logLine));
+        emit robot_change_CurRobotType(row.type);
+    });
 }
 
 // 0x3B03 {"Joint": {"AxisNum", limits, speeds, ratios, ...}}: no state.
 // Emits robot_joint_para("AxisNum", payload).
 void Robot::robot_net_slot_JointPara(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const Json::Value joint = root.isObject() ? root.get("Joint", Json::Value()) : Json::Value();
-    const QString line =
-        fillLine(QT_TRANSLATE_NOOP("Robot", "接收关节参数数据 joint=%1 posSWLimit=%2 negSWLimit=%3 ratedvel=%4 "
-                                            "DeRatedVel=%5 maxRotSpeed=%6 maxDeRotSpeed=%7 maxAcc=%8 "),
-                 joint,
-                 {"AxisNum", "PosSWLimit", "NegSWLimit", "RatedVel", "DeRatedVel", "MaxRotSpeed",
-                  "MaxDeRotSpeed", "MaxAcc"})
-        + fillLine(QT_TRANSLATE_NOOP("Robot", "maxDecel=%9 reducRatio=%10 encoderResolution=%11 "
-                                              "ratedrotspeed=%12 ratedderotspeed=%13 backlash=%14 "
-                                              "direction=%15 AxisDirection=%16"),
-                   joint,
-                   {"MaxDecel", "ReducRatio", "EncoderResolution", "RatedRotSpeed", "RatedDeRotSpeed",
-                    "BackLash", "Direction", "AxisDirection"});
-    writeRobotLine(line);
-    emit robot_joint_para(qrx::jsonInt(joint, "AxisNum"), data);
+    takeReport(data, [&](const Json::Value &root) {
+        const Json::Value joint = root.isObject() ? root.get("Joint", Json::Value()) : Json::Value();
+        const QString line =
+            fillLine(QT_TRANSLATE_NOOP("Robot", "接收关节参数数据 joint=%1 posSWLimit=%2 negSWLimit=%3 ratedvel=%4 "
+                                                "DeRatedVel=%5 maxRotSpeed=%6 maxDeRotSpeed=%7 maxAcc=%8 "),
+                     joint,
+                     {"AxisNum", "PosSWLimit", "NegSWLimit", "RatedVel", "DeRatedVel", "MaxRotSpeed",
+                      "MaxDeRotSpeed", "MaxAcc"})
+            + fillLine(QT_TRANSLATE_NOOP("Robot", "maxDecel=%9 reducRatio=%10 encoderResolution=%11 "
+                                                  "ratedrotspeed=%12 ratedderotspeed=%13 backlash=%14 "
+                                                  "direction=%15 AxisDirection=%16"),
+                       joint,
+                       {"MaxDecel", "ReducRatio", "EncoderResolution", "RatedRotSpeed", "RatedDeRotSpeed",
+                        "BackLash", "Direction", "AxisDirection"});
+        writeRobotLine(line);
+        emit robot_joint_para(qrx::jsonInt(joint, "AxisNum"), data);
+    });
 }
 
 // 0x2606 {"AxisNum","MaxSpeed","MaxAcc"}: maximum jog speed of one joint.
 void Robot::robot_net_slot_JointInchSpeed(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    writeRobotLine(fillLine(
-        QT_TRANSLATE_NOOP("Robot", "接收关节轴最大点动速度 AxisNum=%1 MaxSpeed=%2 MaxAcc=%3"), root,
-        {"AxisNum", "MaxSpeed", "MaxAcc"}));
-    emit robot_jointInchSpeed_data_check(qrx::jsonInt(root, "AxisNum"), data);
+    takeReport(data, [&](const Json::Value &root) {
+        writeRobotLine(fillLine(
+            QT_TRANSLATE_NOOP("Robot", "接收关节轴最大点动速度 AxisNum=%1 MaxSpeed=%2 MaxAcc=%3"), root,
+            {"AxisNum", "MaxSpeed", "MaxAcc"}));
+        emit robot_jointInchSpeed_data_check(qrx::jsonInt(root, "AxisNum"), data);
+    });
 }
 
 // 0x2609 {"MaxSpeed", ...}: Cartesian jog limits; the reader parses them.
 void Robot::robot_net_slot_RectInchSpeed(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    emit robot_rectInchSpeed_data_check(data);
+    takePayload(data, {}, {&Robot::robot_rectInchSpeed_data_check});
 }
 
 // 0x2803 {"interpolationMethod","absolutePosResolution","runDelayTime","stopTime"}
 void Robot::robot_net_slot_InterpolationMode(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收机器人插补方式 interpolationMethod=%1"), root,
-                            {"interpolationMethod"}));
-    emit robot_interpolationMode_data_check(data);
+    takeReport(data, [&](const Json::Value &root) {
+        writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收机器人插补方式 interpolationMethod=%1"), root,
+                                {"interpolationMethod"}));
+        emit robot_interpolationMode_data_check(data);
+    });
 }
 
 // 0x260C {"Sensitivity"}
 void Robot::robot_net_slot_Sensitivity(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收点动灵敏度 Sensitivity=%1"), root, {"Sensitivity"}));
-    emit robot_sensitivity_data_check(data);
+    takeReport(data, [&](const Json::Value &root) {
+        writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收点动灵敏度 Sensitivity=%1"), root, {"Sensitivity"}));
+        emit robot_sensitivity_data_check(data);
+    });
 }
 
 // 0x700B {"AxisNum"}: positionerAxisCount.
 void Robot::robot_net_slot_OutterAxisCount(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    positionerAxisCount = qrx::jsonInt(root, "AxisNum");
-    writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收变位机轴数 %1"), root, {"AxisNum"}));
-    emit robot_tool_receiveOutterAxisCount(positionerAxisCount);
+    takeReport(data, [&](const Json::Value &root) {
+        positionerAxisCount = qrx::jsonInt(root, "AxisNum");
+        writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收变位机轴数 %1"), root, {"AxisNum"}));
+        emit robot_tool_receiveOutterAxisCount(positionerAxisCount);
+    });
 }
 
 namespace {
 
 // What both DH handlers do once the type allows the message: the line of
-// the type's form (DhForms.h), then the values, the mounting flag
-// ("upsideDown" as decimal text) and the pitch.
-struct DhReading
+// the type's form (DhForms.h), then robot_user_dhParaState with the values,
+// robot_user_dhcoord with the mounting flag ("upsideDown" as decimal text)
+// and signal_robotUserDhpitch with the pitch.
+void takeDh(Robot *robot, const Json::Value &root)
 {
-    QStringList values;
-    QString upsideDown;
-    double pitch = 0.0;
-};
-
-DhReading readDh(int typeCode, const Json::Value &root)
-{
-    const qrx::DhForm form = qrx::dhFormForType(typeCode);
+    const qrx::DhForm form = qrx::dhFormForType(robot->robotType);
     const QString line = qrx::dhLogLine(form, root);
     if (!line.isEmpty())
         writeRobotLine(line);
-    DhReading reading;
-    reading.values = qrx::dhValueTexts(form, root);
-    reading.upsideDown = QString::number(qrx::jsonInt(root, "upsideDown"));
-    reading.pitch = qrx::jsonReal(root, "pitch");
-    return reading;
+    const QStringList values = qrx::dhValueTexts(form, root);
+    const QString upsideDown = QString::number(qrx::jsonInt(root, "upsideDown"));
+    const double pitch = qrx::jsonReal(root, "pitch");
+    emit robot->robot_user_dhParaState(values);
+    emit robot->robot_user_dhcoord(upsideDown);
+    emit robot->signal_robotUserDhpitch(pitch);
 }
 
 } // namespace
 
-// 0x3E05: the DH parameter values of the robot. Emits the values, the
-// mounting, the pitch, robot_joint_para(axisCount, payload) and, last,
-// signal_DHreviewFinish().
+// 0x3E05: the DH parameter values of the robot: what 0x3A03 gives, then
+// robot_joint_para(axisCount, payload) and, last, signal_DHreviewFinish().
 void Robot::robot_net_slot_DHParaValue(const QByteArray &data)
 {
     if (qrx::dhFormForType(robotType) == qrx::DhForm::Ignored)
         return;
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const DhReading dh = readDh(robotType, root);
-    emit robot_user_dhParaState(dh.values);
-    emit robot_user_dhcoord(dh.upsideDown);
-    emit signal_robotUserDhpitch(dh.pitch);
-    emit robot_joint_para(axisCount, data);
-    emit signal_DHreviewFinish();
+    takeReport(data, [&](const Json::Value &root) {
+        takeDh(this, root);
+        emit robot_joint_para(axisCount, data);
+        emit signal_DHreviewFinish();
+    });
 }
 
-// 0x3A03: the DH parameter state; same reading, without the joint and
-// finish notifications.
+// 0x3A03: the DH parameter state.
 void Robot::robot_net_slot_dhParaState(const QByteArray &data)
 {
     if (qrx::dhFormForType(robotType) == qrx::DhForm::Ignored)
         return;
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const DhReading dh = readDh(robotType, root);
-    emit robot_user_dhParaState(dh.values);
-    emit robot_user_dhcoord(dh.upsideDown);
-    emit signal_robotUserDhpitch(dh.pitch);
+    takeReport(data, [&](const Json::Value &root) { takeDh(this, root); });
 }
 
 // The catalogue is chosen by the robot count held (0x2E06).

@@ -22,10 +22,12 @@
 #include "robot/Robot.h"
 
 #include "common/Payload.h"
+#include "robot/HandlerShape.h"
 #include "robot/HandlerLines.h"
 #include "robot/JsonRead.h"
 
 #include <algorithm>
+#include <initializer_list>
 
 using qrx::fillLine;
 using qrx::robotText;
@@ -57,17 +59,35 @@ bool succeeded(const Json::Value &root, const char *key)
     return qrx::jsonInt(root, key) != 0;
 }
 
-// Fills n slots from a member: an array element by element, a single
-// number into the first slot; the slots left over are cleared.
-double *fillSlots(const Json::Value &root, const char *key, double *out, int n)
+// "result" and "apply" reports: the success or the failure line, then the
+// value as sent, for the signal.
+int logOutcome(const Json::Value &root, const char *key, const char *okText, const char *failText)
 {
-    std::fill(out, out + n, 0.0);
-    const Json::Value member = root.isObject() ? root.get(key, Json::Value()) : Json::Value();
-    if (member.isArray())
-        qrx::jsonReals(root, key, out, n);
-    else
-        out[0] = qrx::jsonRealValue(member);
-    return out + n;
+    writeRobotLine(robotText(succeeded(root, key) ? okText : failText));
+    return qrx::jsonInt(root, key);
+}
+
+// One member of a record laid out in slots, and how many slots it takes.
+struct Slots
+{
+    const char *key;
+    int count;
+};
+
+// Fills the slots of out from the members in turn: an array element by
+// element, a single number into its first slot; the slots left over are
+// cleared.
+void fillSlots(const Json::Value &root, double *out, std::initializer_list<Slots> members)
+{
+    for (const Slots &m : members) {
+        std::fill(out, out + m.count, 0.0);
+        const Json::Value member = root.isObject() ? root.get(m.key, Json::Value()) : Json::Value();
+        if (member.isArray())
+            qrx::jsonReals(root, m.key, out, m.count);
+        else
+            out[0] = qrx::jsonRealValue(member);
+        out += m.count;
+    }
 }
 
 } // namespace
@@ -79,25 +99,23 @@ double *fillSlots(const Json::Value &root, const char *key, double *out, int n)
 // (x, y, z, A, B, C) for tool numbers 0..kToolCount-1, lastToolNum.
 void Robot::robot_net_slot_ToolParameter(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const int toolNum = qrx::jsonInt(root, "toolNum");
-    QVector<double> tool(6, 0.0);
-    qrx::jsonReals(root, "toolDeg", tool.data(), 6);
-    const QString note = qrx::jsonString(root, "note");
-    lastToolNum = toolNum;
-    if (toolNum >= 0 && toolNum < kToolCount)
-        std::copy(tool.cbegin(), tool.cend(), toolParameters[toolNum]);
+    takeReport(data, [&](const Json::Value &root) {
+        const int toolNum = qrx::jsonInt(root, "toolNum");
+        QVector<double> tool(6, 0.0);
+        qrx::jsonReals(root, "toolDeg", tool.data(), 6);
+        const QString note = qrx::jsonString(root, "note");
+        lastToolNum = toolNum;
+        if (toolNum >= 0 && toolNum < kToolCount)
+            std::copy(tool.cbegin(), tool.cend(), toolParameters[toolNum]);
 
-    QString line = robotText(QT_TRANSLATE_NOOP(
-                                 "Robot", "接收工具手参数 toolNum=%1 x=%2 y=%3 z=%4 A=%5 B=%6 C=%7 note=%8"))
-                       .arg(toolNum);
-    for (double v : tool)
-        line = line.arg(v);
-    writeRobotLine(line.arg(note));
-    emit robot_tool_count_check(toolNum, tool, data);
+        QString line = robotText(QT_TRANSLATE_NOOP(
+                                     "Robot", "接收工具手参数 toolNum=%1 x=%2 y=%3 z=%4 A=%5 B=%6 C=%7 note=%8"))
+                           .arg(toolNum);
+        for (double v : tool)
+            line = line.arg(v);
+        writeRobotLine(line.arg(note));
+        emit robot_tool_count_check(toolNum, tool, data);
+    });
 }
 
 // ---- user frames ------------------------------------------------------------
@@ -105,51 +123,42 @@ void Robot::robot_net_slot_ToolParameter(const QByteArray &data)
 // 0x3C09 {"userNum","inquire","status","Calibration","posDeg"[4 or 6]}
 void Robot::robot_net_slot_UserCoordsReply(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const int userNum = qrx::jsonInt(root, "userNum");
-    const int inquire = qrx::jsonInt(root, "inquire");
-    double values[6] = {};
-    const int count = qrx::jsonReals(root, "posDeg", values, 6);
-    const bool fourValues = count <= 4;
-    const QVector<double> frame(values, values + (fourValues ? 4 : 6));
+    takeReport(data, [&](const Json::Value &root) {
+        const int userNum = qrx::jsonInt(root, "userNum");
+        const int inquire = qrx::jsonInt(root, "inquire");
+        double values[6] = {};
+        const int count = qrx::jsonReals(root, "posDeg", values, 6);
+        const bool fourValues = count <= 4;
+        const QVector<double> frame(values, values + (fourValues ? 4 : 6));
 
-    QString line = fourValues
-                       ? robotText(QT_TRANSLATE_NOOP(
-                             "Robot", "接收用户坐标数据 userNum=%1 inquire=%2 pos1=%3 pos2=%4 pos3=%5 pos4=%6"))
-                       : robotText(QT_TRANSLATE_NOOP("Robot", "接收用户坐标数据 userNum=%1 inquire=%2 pos1=%3 "
-                                                              "pos2=%4 pos3=%5 pos4=%6 pos5=%7 pos6=%8"));
-    line = line.arg(userNum).arg(inquire);
-    for (double v : frame)
-        line = line.arg(v);
-    writeRobotLine(line);
-    emit robot_usercoords_reply(userNum, line, frame, inquire != 0);
+        QString line = fourValues
+                           ? robotText(QT_TRANSLATE_NOOP(
+                                 "Robot", "接收用户坐标数据 userNum=%1 inquire=%2 pos1=%3 pos2=%4 pos3=%5 pos4=%6"))
+                           : robotText(QT_TRANSLATE_NOOP("Robot", "接收用户坐标数据 userNum=%1 inquire=%2 pos1=%3 "
+                                                                  "pos2=%4 pos3=%5 pos4=%6 pos5=%7 pos6=%8"));
+        line = line.arg(userNum).arg(inquire);
+        for (double v : frame)
+            line = line.arg(v);
+        writeRobotLine(line);
+        emit robot_usercoords_reply(userNum, line, frame, inquire != 0);
+    });
 }
 
 // 0x3C0C {"curUserNum"}: currentUserFrame (the answer to 0x3C0B).
 void Robot::robot_net_slot_CurrentUserCoords(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    currentUserFrame = qrx::jsonInt(root, "curUserNum");
-    writeRobotLine(robotText(QT_TRANSLATE_NOOP("Robot", "接收切换用户坐标 userNum=%1")).arg(currentUserFrame));
-    emit robot_usercoords_inuse(currentUserFrame);
+    takeNumber(data, "curUserNum", currentUserFrame, QT_TRANSLATE_NOOP("Robot", "接收切换用户坐标 userNum=%1"),
+               &Robot::robot_usercoords_inuse);
 }
 
 // 0x3C0F {"note"}
 void Robot::robot_net_slot_UserCoordsNote(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const QString note = qrx::jsonString(root, "note");
-    writeRobotLine(robotText(QT_TRANSLATE_NOOP("Robot", "接收用户坐标注释 note=%1")).arg(note));
-    emit robot_usercoords_note(note);
+    takeReport(data, [&](const Json::Value &root) {
+        const QString note = qrx::jsonString(root, "note");
+        writeRobotLine(robotText(QT_TRANSLATE_NOOP("Robot", "接收用户坐标注释 note=%1")).arg(note));
+        emit robot_usercoords_note(note);
+    });
 }
 
 // ---- taught points ----------------------------------------------------------
@@ -192,11 +201,7 @@ void Robot::robot_net_slot_7MarkedPoint(const QByteArray &data)
 // 0x3816, 0x7108 {"status"}: the state of a tool calibration.
 void Robot::robot_net_slot_ToolStatus(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    emit signal_toolStatus(data);
+    takePayload(data, {}, {&Robot::signal_toolStatus});
 }
 
 // ---- results ----------------------------------------------------------------
@@ -204,78 +209,59 @@ void Robot::robot_net_slot_ToolStatus(const QByteArray &data)
 // 0x3804 {"result"}
 void Robot::robot_net_slot_CountSuccess(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    writeRobotLine(succeeded(root, "result") ? robotText(QT_TRANSLATE_NOOP("Robot", "接收工具手标定计算成功"))
-                                             : robotText(QT_TRANSLATE_NOOP("Robot", "接收工具手标定失败")));
-    emit robot_count_success(qrx::jsonInt(root, "result"));
+    takeReport(data, [&](const Json::Value &root) {
+        emit robot_count_success(logOutcome(root, "result", QT_TRANSLATE_NOOP("Robot", "接收工具手标定计算成功"),
+                                            QT_TRANSLATE_NOOP("Robot", "接收工具手标定失败")));
+    });
 }
 
 // 0x7104 {"result","distance"}
 void Robot::robot_net_slot_CountSuccessFor20(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    const char *text = succeeded(root, "result")
-                           ? QT_TRANSLATE_NOOP("Robot", "接收工具手标定计算成功,结果值为%1")
-                           : QT_TRANSLATE_NOOP("Robot", "接收工具手标定失败,结果值为%1");
-    writeRobotLine(fillLine(text, root, {"distance"}));
-    emit robot_count_successFor20(qrx::jsonInt(root, "result"), qrx::jsonReal(root, "distance"));
+    takeReport(data, [&](const Json::Value &root) {
+        const char *text = succeeded(root, "result")
+                               ? QT_TRANSLATE_NOOP("Robot", "接收工具手标定计算成功,结果值为%1")
+                               : QT_TRANSLATE_NOOP("Robot", "接收工具手标定失败,结果值为%1");
+        writeRobotLine(fillLine(text, root, {"distance"}));
+        emit robot_count_successFor20(qrx::jsonInt(root, "result"), qrx::jsonReal(root, "distance"));
+    });
 }
 
 // 0x7106 {"apply"}
 void Robot::robot_net_slot_ResetResultToZeroPoint(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    writeRobotLine(succeeded(root, "apply")
-                       ? robotText(QT_TRANSLATE_NOOP("Robot", "20点标定，将结果位置标为零点成功"))
-                       : robotText(QT_TRANSLATE_NOOP("Robot", "20点标定，将结果位置标为零点失败")));
-    emit robot_ResetResult_ToZeroPoint(qrx::jsonInt(root, "apply"));
+    takeReport(data, [&](const Json::Value &root) {
+        emit robot_ResetResult_ToZeroPoint(
+            logOutcome(root, "apply", QT_TRANSLATE_NOOP("Robot", "20点标定，将结果位置标为零点成功"),
+                       QT_TRANSLATE_NOOP("Robot", "20点标定，将结果位置标为零点失败")));
+    });
 }
 
 // 0x7208 {"status"[4],"result","length"[3],"dtheta"}: fourPointData.
 void Robot::robot_net_slot_4Point(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    double *next = fillSlots(root, "status", fourPointData, 4);
-    next = fillSlots(root, "result", next, 1);
-    next = fillSlots(root, "length", next, 3);
-    fillSlots(root, "dtheta", next, 1);
-    emit robot_received4Point(data);
+    takeReport(data, [&](const Json::Value &root) {
+        fillSlots(root, fourPointData, {{"status", 4}, {"result", 1}, {"length", 3}, {"dtheta", 1}});
+        emit robot_received4Point(data);
+    });
 }
 
 // 0x7204 {"result","length"[3],"dtheta"}: fourPointResult.
 void Robot::robot_net_slot_CountSuccessFor4(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    double *next = fillSlots(root, "result", fourPointResult, 1);
-    next = fillSlots(root, "length", next, 3);
-    fillSlots(root, "dtheta", next, 1);
-    emit robot_count_successFor4(data);
+    takeReport(data, [&](const Json::Value &root) {
+        fillSlots(root, fourPointResult, {{"result", 1}, {"length", 3}, {"dtheta", 1}});
+        emit robot_count_successFor4(data);
+    });
 }
 
 // 0x7206 {"apply"}: dhResult.
 void Robot::robot_net_slot_resultForDH(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
-    dhResult.store(succeeded(root, "apply") ? 1 : 0);
-    emit robot_receivedresultForDH(data);
+    takeReport(data, [&](const Json::Value &root) {
+        dhResult.store(succeeded(root, "apply") ? 1 : 0);
+        emit robot_receivedresultForDH(data);
+    });
 }
 
 // 0x3303: zeroCalibrationSuccess = 1, whatever the payload.

@@ -1,0 +1,26 @@
+// The handler shapes shared by the report families of Robot.
+
+#include "robot/HandlerShape.h"
+
+#include "robot/HandlerLines.h"
+#include "robot/JsonRead.h"
+
+void Robot::takePayload(const QByteArray &data, std::initializer_list<CacheArray> arrays,
+                       std::initializer_list<PayloadSignal> notify)
+{
+    takeReport(data, [&](const Json::Value &root) {
+        for (const CacheArray &array : arrays)
+            qrx::jsonReals(root, array.key, array.out, array.count);
+        for (PayloadSignal signal : notify)
+            emit(this->*signal)(data);
+    });
+}
+
+void Robot::takeNumber(const QByteArray &data, const char *key, int &field, const char *text, NumberSignal notify)
+{
+    takeReport(data, [&](const Json::Value &root) {
+        field = qrx::jsonInt(root, key);
+        qrx::writeRobotLine(qrx::robotText(text).arg(field));
+        emit(this->*notify)(field);
+    });
+}
