@@ -7,6 +7,7 @@
 
 #include "common/Logging.h"
 #include "common/Payload.h"
+#include "robot/HandlerLines.h"
 #include "robot/HandlerShape.h"
 #include "robot/JsonRead.h"
 
@@ -14,11 +15,6 @@
 #include <QMetaMethod>
 
 namespace {
-
-void writeLine(const QString &line)
-{
-    qCDebug(lcRobot).noquote() << line;
-}
 
 // "robot coord v0 v1 ... v6": integers in decimal, reals with 4 decimals,
 // one blank between fields; as many values as the array holds (at most 7).
@@ -178,7 +174,7 @@ void Robot::robot_net_slot_prorunstatus(const QByteArray &data)
     takeReport(data, [&](const Json::Value &root) {
         const int robot = qrx::jsonInt(root, "robot");
         runningStatus = qrx::jsonInt(root, "status");
-        writeLine(tr("接收机器人运行状态 robot=%1 status=%2").arg(robot).arg(runningStatus));
+        qrx::writeRobotLine(tr("接收机器人运行状态 robot=%1 status=%2").arg(robot).arg(runningStatus));
         QByteArray digits;
         digits.append(char('0' + robot)).append(char('0' + runningStatus));
         emit pro_run_status(digits);
@@ -192,7 +188,7 @@ void Robot::robot_net_slot_JobStatusProcess(const QByteArray &data)
         const int robot = qrx::jsonInt(root, "robot");
         jobStatus = qrx::jsonInt(root, "status");
         jobContinueRun = qrx::jsonInt(root, "continueRun");
-        writeLine(tr("收到机器人运行状态 robot=%1 status=%2").arg(robot).arg(jobStatus));
+        qrx::writeRobotLine(tr("收到机器人运行状态 robot=%1 status=%2").arg(robot).arg(jobStatus));
         emit robot_job_status(robot, jobStatus, jobContinueRun);
         emit robotp_jstatus(robot, jobStatus);
     });

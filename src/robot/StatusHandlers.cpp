@@ -1,13 +1,12 @@
 // The status handlers of Robot: servo, mode, coordinate, speed, tool,
-// deadman, running state, positions, IO, motor figures, variables, jobs and
-// the robots of the controller.
+// deadman, teach type and the robots of the controller.
 //
 // Every key-reading handler has the same shape: parse the payload (text up
 // to its first NUL), read the keys (missing ones read as 0), store what the
 // host API reads later, build the log line, emit, and at the end - parsed
-// or not - wake every thread waiting on replyCondition. The WakeAtEnd guard
-// does the last step. Relays (connectSucceed, raw frames, the current run
-// line) pass their arguments on and wake nobody.
+// or not - wake every thread waiting on replyCondition. Robot::takeReport
+// (HandlerShape.h) is that shape. Relays (connectSucceed, raw frames, the
+// current run line) pass their arguments on and wake nobody.
 //
 // Log lines are written for every handler that names one, except the
 // run-mode line of the mode handler, which is built but not written.
@@ -17,6 +16,7 @@
 #include "common/CompactJson.h"
 #include "common/Logging.h"
 #include "common/Payload.h"
+#include "robot/HandlerLines.h"
 #include "robot/HandlerShape.h"
 #include "robot/JsonRead.h"
 
@@ -27,11 +27,6 @@ namespace {
 constexpr quint16 kTeachModeNotice = 0x2105;   // sent when the controller reports teach mode
 constexpr quint16 kCurrentUserFrameQuery = 0x3C0B;
 constexpr int kModeSettlePauseMs = 200;
-
-void writeLine(const QString &line)
-{
-    qCDebug(lcRobot).noquote() << line;
-}
 
 } // namespace
 
@@ -67,7 +62,7 @@ void Robot::robot_net_slot_servoChangedProcess(const QByteArray &data)
         const int mode = qrx::jsonInt(root, "mode");
         const int robot = qrx::jsonInt(root, "robot");
         const int status = qrx::jsonInt(root, "status");
-        writeLine(tr("接收伺服状态 mode=%1 robot=%2 status=%3").arg(mode).arg(robot).arg(status));
+        qrx::writeRobotLine(tr("接收伺服状态 mode=%1 robot=%2 status=%3").arg(mode).arg(robot).arg(status));
 
         if (operationMode != 0 || robot == currentRobot())
             servoStatus = status;
@@ -106,11 +101,11 @@ void Robot::robot_net_slot_modeProcess(const QByteArray &data)
         operationMode = mode;
         switch (mode) {
         case 0:
-            writeLine(tr("接收当前工作模式: 示教模式"));
+            qrx::writeRobotLine(tr("接收当前工作模式: 示教模式"));
             send(kTeachModeNotice, QByteArray());
             break;
         case 1:
-            writeLine(tr("接收当前工作模式: 远程模式"));
+            qrx::writeRobotLine(tr("接收当前工作模式: 远程模式"));
             break;
         default:
             tr("接收当前工作模式: 运行模式"); // built, not written
@@ -149,7 +144,7 @@ void Robot::robot_net_slot_coordChangedProcess(const QByteArray &data)
             send(kCurrentUserFrameQuery, qrx::jsonPayload(query));
         }
         if (coord >= 0 && coord <= 3)
-            writeLine(tr(lines[coord]).arg(robot));
+            qrx::writeRobotLine(tr(lines[coord]).arg(robot));
     });
 }
 
@@ -167,7 +162,7 @@ void Robot::robot_net_slot_velocityProcess(const QByteArray &data)
         case 103: line = joint ? tr("接收当前速度为0.001°") : tr("接收当前速度为0.01mm"); break;
         default: line = tr("接收当前速度为%1%").arg(speed); break;
         }
-        writeLine(line);
+        qrx::writeRobotLine(line);
         emit robot_speed_changed(schar(speed));
     });
 }
@@ -182,7 +177,7 @@ void Robot::robot_net_slot_ToolChangedProcess(const QByteArray &data)
             return;
         if (root.isObject() && root.isMember("curToolNum"))
             currentTool = qrx::jsonInt(root, "curToolNum");
-        writeLine(currentTool == 0 ? tr("接收当前无工具手") : tr("接收当前工具手为%1").arg(currentTool));
+        qrx::writeRobotLine(currentTool == 0 ? tr("接收当前无工具手") : tr("接收当前工具手为%1").arg(currentTool));
         emit robot_tool_changed(currentTool);
     });
 }
