@@ -19,6 +19,9 @@ std::vector<TickEntry> sessionTicks();
 // Status queries and set commands: servo, mode, coordinate, deadman, speed,
 // test mode, position, tool, running state (reports 0x2003 ... 0x3D03).
 std::vector<CommandEntry> statusCommands();
+// The servo report (0x2003) about a robot and the mode report (0x2103).
+Json::Value servoReport(const ControllerModel &model, int robot);
+Json::Value modeReport(const ControllerModel &model);
 
 // Reports about the robots: sent on connect (type, count, current robot,
 // servo, mode) and on request (robot count, current robot).

@@ -38,22 +38,6 @@ Json::Value currentRobotReport(const ControllerModel &m)
     return v;
 }
 
-Json::Value servoReport(const ControllerModel &m)
-{
-    Json::Value v(Json::objectValue);
-    v["mode"] = m.operationMode;
-    v["robot"] = m.currentRobot;
-    v["status"] = m.servoStatus;
-    return v;
-}
-
-Json::Value modeReport(const ControllerModel &m)
-{
-    Json::Value v(Json::objectValue);
-    v["mode"] = m.operationMode;
-    return v;
-}
-
 } // namespace
 
 std::vector<ConnectEntry> robotReportsOnConnect()
@@ -62,7 +46,7 @@ std::vector<ConnectEntry> robotReportsOnConnect()
         {"robot type", [](Session &s) { s.replyJson(0x2E03, robotTypeReportPayload(s.model())); }},
         {"robot count", [](Session &s) { s.replyJson(0x2E06, robotCountReport(s.model())); }},
         {"current robot", [](Session &s) { s.replyJson(0x5003, currentRobotReport(s.model())); }},
-        {"servo state", [](Session &s) { s.replyJson(0x2003, servoReport(s.model())); }},
+        {"servo state", [](Session &s) { s.replyJson(0x2003, servoReport(s.model(), s.model().currentRobot)); }},
         {"operating mode", [](Session &s) { s.replyJson(0x2103, modeReport(s.model())); }},
     };
 }

@@ -4,6 +4,7 @@
 // report of the new state goes to every client, as a real controller tells
 // every pendant. Only the keys that the host's handlers read are written.
 
+#include "common/CompactJson.h"
 #include "common/Payload.h"
 #include "sim/Session.h"
 #include "sim/Simulator.h"
@@ -14,7 +15,7 @@ namespace qrxsim {
 namespace {
 
 using Handler = std::function<void(Session &, const ReceivedFrame &)>;
-using Report = void (*)(Session &, int robot, bool toAll);
+using Report = std::function<void(Session &, int robot, bool toAll)>;
 
 // Reports name the robot that was asked about, or the controller's default.
 int robotOf(Session &session, const Json::Value &request)
@@ -29,60 +30,58 @@ int intOf(const Json::Value &request, const char *key, int fallback)
     return v.isNumeric() ? v.asInt() : fallback;
 }
 
-void out(Session &session, bool toAll, quint16 code, const Json::Value &value)
+void out(Session &session, bool toAll, quint16 code, const QByteArray &payload)
 {
     if (toAll)
-        session.broadcastJson(code, value);
+        session.broadcast(code, payload);
     else
-        session.replyJson(code, value);
+        session.reply(code, payload);
 }
 
-void reportServo(Session &s, int robot, bool toAll)
+// A report of model numbers: its code and up to three members, each a
+// field of the model or, without one, the robot the report is about.
+struct Member
+{
+    const char *key;
+    int ControllerModel::*field;
+};
+struct NumberReport
+{
+    quint16 code;
+    Member members[3];
+};
+
+const NumberReport kServo = {0x2003,
+                             {{"mode", &ControllerModel::operationMode},
+                              {"robot", nullptr},
+                              {"status", &ControllerModel::servoStatus}}};
+const NumberReport kMode = {0x2103, {{"mode", &ControllerModel::operationMode}}};
+const NumberReport kCoordinate = {0x2203, {{"coord", &ControllerModel::coordinate}, {"robot", nullptr}}};
+const NumberReport kDeadman = {0x2303, {{"deadman", &ControllerModel::deadman}}};
+const NumberReport kSpeed = {0x2603, {{"robot", nullptr}, {"speed", &ControllerModel::speed}}};
+const NumberReport kTool = {0x380C, {{"curToolNum", &ControllerModel::currentTool}, {"robot", nullptr}}};
+const NumberReport kRunStatus = {0x3D03, {{"robot", nullptr}, {"status", &ControllerModel::runStatus}}};
+
+Json::Value payloadOf(const NumberReport &report, const ControllerModel &m, int robot)
 {
     Json::Value v(Json::objectValue);
-    v["mode"] = s.model().operationMode;
-    v["robot"] = robot;
-    v["status"] = s.model().servoStatus;
-    out(s, toAll, 0x2003, v);
+    for (const Member &member : report.members)
+        if (member.key)
+            v[member.key] = member.field ? m.*member.field : robot;
+    return v;
 }
 
-void reportMode(Session &s, int, bool toAll)
+Report numbers(const NumberReport &report)
 {
-    Json::Value v(Json::objectValue);
-    v["mode"] = s.model().operationMode;
-    out(s, toAll, 0x2103, v);
+    return [&report](Session &s, int robot, bool toAll) {
+        out(s, toAll, report.code, qrx::jsonPayload(payloadOf(report, s.model(), robot)));
+    };
 }
 
-void reportCoordinate(Session &s, int robot, bool toAll)
-{
-    Json::Value v(Json::objectValue);
-    v["coord"] = s.model().coordinate;
-    v["robot"] = robot;
-    out(s, toAll, 0x2203, v);
-}
-
-void reportDeadman(Session &s, int, bool toAll)
-{
-    Json::Value v(Json::objectValue);
-    v["deadman"] = s.model().deadman;
-    out(s, toAll, 0x2303, v);
-}
-
-void reportSpeed(Session &s, int robot, bool toAll)
-{
-    Json::Value v(Json::objectValue);
-    v["robot"] = robot;
-    v["speed"] = s.model().speed;
-    out(s, toAll, 0x2603, v);
-}
-
+// The test mode is the one raw byte of the status family.
 void reportTestMode(Session &s, int, bool toAll)
 {
-    const QByteArray payload(1, static_cast<char>(s.model().testMode));
-    if (toAll)
-        s.broadcast(0x2703, payload);
-    else
-        s.reply(0x2703, payload);
+    out(s, toAll, 0x2703, QByteArray(1, static_cast<char>(s.model().testMode)));
 }
 
 void reportPosition(Session &s, int robot, bool toAll)
@@ -95,23 +94,7 @@ void reportPosition(Session &s, int robot, bool toAll)
     v["coord"] = s.model().coordinate;
     v["robot"] = robot;
     v["configuration"] = s.model().configuration;
-    out(s, toAll, 0x2A03, v);
-}
-
-void reportTool(Session &s, int robot, bool toAll)
-{
-    Json::Value v(Json::objectValue);
-    v["curToolNum"] = s.model().currentTool;
-    v["robot"] = robot;
-    out(s, toAll, 0x380C, v);
-}
-
-void reportRunStatus(Session &s, int robot, bool toAll)
-{
-    Json::Value v(Json::objectValue);
-    v["robot"] = robot;
-    v["status"] = s.model().runStatus;
-    out(s, toAll, 0x3D03, v);
+    out(s, toAll, 0x2A03, qrx::jsonPayload(v));
 }
 
 // A query: the report, to the asking client.
@@ -125,35 +108,40 @@ Handler query(Report report)
     };
 }
 
-// A JSON set command: apply it to the model, then the report, to everyone.
-using Apply = void (*)(ControllerModel &, const Json::Value &);
-Handler set(Apply apply, Report report)
+// A JSON set command: the model field takes the key's number (kept when the
+// key is missing or not a number), then the report goes to everyone.
+Handler set(const char *key, int ControllerModel::*field, Report report)
 {
-    return [apply, report](Session &session, const ReceivedFrame &frame) {
+    return [key, field, report](Session &session, const ReceivedFrame &frame) {
         Json::Value request;
         if (!qrx::parsePayload(frame.payload, request) || !request.isObject())
             return;
-        apply(session.model(), request);
+        ControllerModel &m = session.model();
+        m.*field = intOf(request, key, m.*field);
         report(session, robotOf(session, request), true);
     };
 }
 
 } // namespace
 
+Json::Value servoReport(const ControllerModel &model, int robot)
+{
+    return payloadOf(kServo, model, robot);
+}
+
+Json::Value modeReport(const ControllerModel &model)
+{
+    return payloadOf(kMode, model, model.currentRobot);
+}
+
 std::vector<CommandEntry> statusCommands()
 {
     return {
-        {0x2001, set([](ControllerModel &m, const Json::Value &r) { m.servoStatus = intOf(r, "status", m.servoStatus); },
-                     reportServo)},
-        {0x2101, set([](ControllerModel &m, const Json::Value &r) { m.operationMode = intOf(r, "mode", m.operationMode); },
-                     reportMode)},
-        {0x2201, set([](ControllerModel &m, const Json::Value &r) { m.coordinate = intOf(r, "coord", m.coordinate); },
-                     reportCoordinate)},
-        {0x2301, set([](ControllerModel &m, const Json::Value &r) { m.deadman = intOf(r, "deadman", m.deadman); },
-                     reportDeadman)},
-        {0x2601, set([](ControllerModel &m, const Json::Value &r) { m.speed = intOf(r, "speed", m.speed); },
-                     reportSpeed)},
-        // The test mode is the one raw byte of the status family.
+        {0x2001, set("status", &ControllerModel::servoStatus, numbers(kServo))},
+        {0x2101, set("mode", &ControllerModel::operationMode, numbers(kMode))},
+        {0x2201, set("coord", &ControllerModel::coordinate, numbers(kCoordinate))},
+        {0x2301, set("deadman", &ControllerModel::deadman, numbers(kDeadman))},
+        {0x2601, set("speed", &ControllerModel::speed, numbers(kSpeed))},
         {0x2701,
          [](Session &session, const ReceivedFrame &frame) {
              if (frame.payload.size() != 1)
@@ -162,14 +150,14 @@ std::vector<CommandEntry> statusCommands()
              reportTestMode(session, session.model().currentRobot, true);
          }},
 
-        {0x2002, query(reportServo)},
-        {0x2102, query(reportMode)},
-        {0x2202, query(reportCoordinate)},
-        {0x2602, query(reportSpeed)},
+        {0x2002, query(numbers(kServo))},
+        {0x2102, query(numbers(kMode))},
+        {0x2202, query(numbers(kCoordinate))},
+        {0x2602, query(numbers(kSpeed))},
         {0x2702, query(reportTestMode)},
         {0x2A02, query(reportPosition)},
-        {0x380B, query(reportTool)},
-        {0x3D02, query(reportRunStatus)},
+        {0x380B, query(numbers(kTool))},
+        {0x3D02, query(numbers(kRunStatus))},
     };
 }
 
