@@ -41,6 +41,7 @@ struct RobotTypeRow
 {
     int wire;             // value of "type" in the controller's report
     RobotType type;       // the library's own code
+    const char *name;     // its display name, the enum's name ("R_SCARA")
     int axes;             // axis count; kAxesUnchanged keeps the previous one
     const char *logLine;  // untranslated log text (Robot context), or nullptr
 };
