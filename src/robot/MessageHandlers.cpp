@@ -43,45 +43,44 @@ void storeErrorCallback(Robot::ErrorCallback callback)
 
 } // namespace qrx
 
-bool Robot::deliverMessage(const char *prefix, const QByteArray &payload, QString *data, int *type,
-                           bool *hasType)
+Robot::DeliveredMessage Robot::deliverMessage(const char *prefix, const QByteArray &payload)
 {
+    DeliveredMessage message;
     Json::Value root;
     if (!qrx::parsePayload(payload, root) || !root.isObject() || !root.isMember("data"))
-        return false;
-    *data = qrx::jsonString(root, "data");
-    *hasType = root.isMember("type");
-    *type = qrx::jsonInt(root, "type");
+        return message;
+    message.delivered = true;
+    message.data = qrx::jsonString(root, "data");
+    message.hasType = root.isMember("type");
+    message.type = qrx::jsonInt(root, "type");
 
-    const QString text = QCoreApplication::translate("Robot", prefix) + *data;
+    const QString text = QCoreApplication::translate("Robot", prefix) + message.data;
     if (const ErrorCallback callback = s_errorCallback.load()) {
         const QByteArray utf8 = text.toUtf8(); // NUL-terminated, alive during the call
         callback(utf8.constData());
     }
-    storeMessage(data->toStdString());
-    return true;
+    storeMessage(message.data.toStdString());
+    return message;
 }
 
 void Robot::robot_net_slot_errProcess(const QByteArray &payload)
 {
-    QString data;
-    int type = 0;
-    bool hasType = false;
-    if (!deliverMessage(QT_TRANSLATE_NOOP("Robot", "错误： "), payload, &data, &type, &hasType))
+    const DeliveredMessage message = deliverMessage(QT_TRANSLATE_NOOP("Robot", "错误： "), payload);
+    if (!message.delivered)
         return;
     // The time of the error; kept for a log sink, not handed over.
     const QString when = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     Q_UNUSED(when);
-    if (!hasType)
+    if (!message.hasType)
         return;
-    const QString code = QCoreApplication::translate("Robot", "错误代码: 0x") + QString::number(uint(type), 16);
+    const QString code = QCoreApplication::translate("Robot", "错误代码: 0x") + QString::number(uint(message.type), 16);
     if (code != QCoreApplication::translate("Robot", "错误代码: 0x") + QString::number(kServoErrorType, 16))
         return;
-    const QString head = data.left(4);
+    const QString head = message.data.left(4);
     for (int robot = 1; robot <= 4; ++robot) {
         if (head == QCoreApplication::translate("Robot", kRobotNames[robot - 1])) {
             if (robot == currentRobot())
-                emit robot_servo_err_info(data);
+                emit robot_servo_err_info(message.data);
             return;
         }
     }
@@ -89,16 +88,10 @@ void Robot::robot_net_slot_errProcess(const QByteArray &payload)
 
 void Robot::robot_net_slot_warnProcess(const QByteArray &payload)
 {
-    QString data;
-    int type = 0;
-    bool hasType = false;
-    deliverMessage(QT_TRANSLATE_NOOP("Robot", "警告： "), payload, &data, &type, &hasType);
+    deliverMessage(QT_TRANSLATE_NOOP("Robot", "警告： "), payload);
 }
 
 void Robot::robot_net_slot_infoProcess(const QByteArray &payload)
 {
-    QString data;
-    int type = 0;
-    bool hasType = false;
-    deliverMessage(QT_TRANSLATE_NOOP("Robot", "消息： "), payload, &data, &type, &hasType);
+    deliverMessage(QT_TRANSLATE_NOOP("Robot", "消息： "), payload);
 }

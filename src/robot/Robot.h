@@ -630,8 +630,15 @@ protected:
 private:
     void storeMessage(const std::string &text);
     // Messages: hands prefix + "data" to the host callback and keeps "data"
-    // as the last message. False (nothing done) without "data".
-    bool deliverMessage(const char *prefix, const QByteArray &payload, QString *data, int *type, bool *hasType);
+    // as the last message. Not delivered (nothing done) without "data".
+    struct DeliveredMessage
+    {
+        bool delivered = false;
+        QString data;
+        bool hasType = false;
+        int type = 0;
+    };
+    DeliveredMessage deliverMessage(const char *prefix, const QByteArray &payload);
 
     TcpConnectModule *m_link = nullptr;
     std::atomic<int> m_overrideRobot{1};
