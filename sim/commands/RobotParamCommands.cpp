@@ -20,6 +20,7 @@
 #include "common/Payload.h"
 #include "sim/Session.h"
 #include "sim/commands/Families.h"
+#include "sim/commands/Refusal.h"
 
 namespace qrxsim {
 
@@ -27,24 +28,10 @@ namespace {
 
 using Handler = std::function<void(Session &, const ReceivedFrame &)>;
 
-Json::Value requestOf(const ReceivedFrame &frame)
-{
-    Json::Value request;
-    if (!qrx::parsePayload(frame.payload, request) || !request.isObject())
-        return Json::Value(Json::objectValue);
-    return request;
-}
-
 int intOf(const Json::Value &request, const char *key, int fallback = 0)
 {
     const Json::Value v = request.get(key, Json::Value());
     return v.isNumeric() ? v.asInt() : fallback;
-}
-
-double realOf(const Json::Value &object, const char *key)
-{
-    const Json::Value v = object.get(key, Json::Value());
-    return v.isNumeric() ? v.asDouble() : 0.0;
 }
 
 Json::Value reals(const double *values, int n)
@@ -137,32 +124,32 @@ std::vector<CommandEntry> robotParamCommands()
         {0x2E02, answer(0x2E03, robotTypeReportPayload)},
         {0x3805,
          [](Session &s, const ReceivedFrame &frame) {
-             const Json::Value request = requestOf(frame);
+             const Json::Value request = requestObject(frame.payload);
              const Json::Value values = request.get("tool", Json::Value());
              if (!values.isObject())
                  return;
              SimTool &tool = s.model().tools[intOf(request, "toolNum")];
              const char *const keys[6] = {"x", "y", "z", "A", "B", "C"};
              for (int i = 0; i < 6; ++i)
-                 tool.deg[i] = realOf(values, keys[i]);
+                 tool.deg[i] = requestReal(values, keys[i]);
          }},
         {0x3806,
          [](Session &s, const ReceivedFrame &frame) {
-             s.replyJson(0x3807, toolReport(s.model(), intOf(requestOf(frame), "toolNum")));
+             s.replyJson(0x3807, toolReport(s.model(), intOf(requestObject(frame.payload), "toolNum")));
          }},
         {0x3C08,
          [](Session &s, const ReceivedFrame &frame) {
-             s.model().currentUserFrame = intOf(requestOf(frame), "userNum", s.model().currentUserFrame);
+             s.model().currentUserFrame = intOf(requestObject(frame.payload), "userNum", s.model().currentUserFrame);
              s.broadcastJson(0x3C0C, currentUserFrameReport(s.model()));
          }},
         {0x3C0A,
          [](Session &s, const ReceivedFrame &frame) {
-             s.replyJson(0x3C09, userFrameReport(s.model(), intOf(requestOf(frame), "userNum")));
+             s.replyJson(0x3C09, userFrameReport(s.model(), intOf(requestObject(frame.payload), "userNum")));
          }},
         {0x3C0B, answer(0x3C0C, currentUserFrameReport)},
         {0x7202,
          [](Session &s, const ReceivedFrame &frame) {
-             const Json::Value request = requestOf(frame);
+             const Json::Value request = requestObject(frame.payload);
              const int point = intOf(request, "pointNum");
              if (point >= 1 && point <= 4)
                  s.model().fourPointStatus[point - 1] = intOf(request, "status");
@@ -170,7 +157,7 @@ std::vector<CommandEntry> robotParamCommands()
         {0x7207, answer(0x7208, fourPointReport)},
         {0x7201,
          [](Session &s, const ReceivedFrame &frame) {
-             const Json::Value params = requestOf(frame).get("ParamOf4Points", Json::Value());
+             const Json::Value params = requestObject(frame.payload).get("ParamOf4Points", Json::Value());
              s.model().fourPointParams.clear();
              if (params.isArray())
                  for (const Json::Value &p : params)
@@ -185,7 +172,7 @@ std::vector<CommandEntry> robotParamCommands()
          }},
         {0x3301,
          [](Session &s, const ReceivedFrame &frame) {
-             const int axis = intOf(requestOf(frame), "axis");
+             const int axis = intOf(requestObject(frame.payload), "axis");
              s.model().zeroedAxes.push_back(axis);
              Json::Value v(Json::objectValue);
              v["axis"] = axis;
@@ -193,7 +180,7 @@ std::vector<CommandEntry> robotParamCommands()
          }},
         {0x3307,
          [](Session &s, const ReceivedFrame &frame) {
-             const Json::Value request = requestOf(frame);
+             const Json::Value request = requestObject(frame.payload);
              const int axis = intOf(request, "axis");
              const Json::Value value = request.get("value", Json::Value());
              if (axis >= 1 && axis <= 7 && value.isArray() && Json::ArrayIndex(axis - 1) < value.size()

@@ -9,6 +9,7 @@
 #include "sim/Session.h"
 #include "sim/Simulator.h"
 #include "sim/commands/Families.h"
+#include "sim/commands/Refusal.h"
 
 namespace qrxsim {
 
@@ -101,10 +102,8 @@ void reportPosition(Session &s, int robot, bool toAll)
 Handler query(Report report)
 {
     return [report](Session &session, const ReceivedFrame &frame) {
-        Json::Value request;
-        if (!qrx::parsePayload(frame.payload, request) || !request.isObject())
-            request = Json::Value(Json::objectValue); // empty query: the default robot
-        report(session, robotOf(session, request), false);
+        // An empty query is about the default robot.
+        report(session, robotOf(session, requestObject(frame.payload)), false);
     };
 }
 
