@@ -5,9 +5,7 @@
 
 namespace qrx {
 
-namespace {
-
-const Json::Value &member(const Json::Value &object, const char *key)
+const Json::Value &jsonMember(const Json::Value &object, const char *key)
 {
     static const Json::Value null;
     if (!object.isObject())
@@ -15,8 +13,6 @@ const Json::Value &member(const Json::Value &object, const char *key)
     const Json::Value *found = object.find(key, key + std::char_traits<char>::length(key));
     return found ? *found : null;
 }
-
-} // namespace
 
 double jsonRealValue(const Json::Value &value)
 {
@@ -47,17 +43,17 @@ int jsonNumber(const Json::Value &value)
 
 int jsonInt(const Json::Value &object, const char *key)
 {
-    return jsonNumber(member(object, key));
+    return jsonNumber(jsonMember(object, key));
 }
 
 double jsonReal(const Json::Value &object, const char *key)
 {
-    return jsonRealValue(member(object, key));
+    return jsonRealValue(jsonMember(object, key));
 }
 
 bool jsonBool(const Json::Value &object, const char *key)
 {
-    const Json::Value &value = member(object, key);
+    const Json::Value &value = jsonMember(object, key);
     if (value.isBool())
         return value.asBool();
     return jsonNumber(value) != 0;
@@ -65,7 +61,7 @@ bool jsonBool(const Json::Value &object, const char *key)
 
 QString jsonString(const Json::Value &object, const char *key)
 {
-    const Json::Value &value = member(object, key);
+    const Json::Value &value = jsonMember(object, key);
     if (!value.isString())
         return QString();
     const char *begin = nullptr;
@@ -76,7 +72,7 @@ QString jsonString(const Json::Value &object, const char *key)
 
 int jsonReals(const Json::Value &object, const char *key, double *out, int n)
 {
-    const Json::Value &array = member(object, key);
+    const Json::Value &array = jsonMember(object, key);
     if (!array.isArray())
         return 0;
     const Json::ArrayIndex size = array.size();

@@ -9,6 +9,10 @@
 
 namespace qrx {
 
+// The member itself; a shared null value when it is missing or the object
+// is none.
+const Json::Value &jsonMember(const Json::Value &object, const char *key);
+
 int jsonInt(const Json::Value &object, const char *key);
 double jsonReal(const Json::Value &object, const char *key);
 bool jsonBool(const Json::Value &object, const char *key);

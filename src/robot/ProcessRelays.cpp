@@ -26,21 +26,12 @@ namespace {
 // user's own; it always closes the robot list.
 const char kUserDefined[] = "自定义";
 
-const Json::Value &member(const Json::Value &root, const char *key)
-{
-    static const Json::Value null;
-    if (!root.isObject())
-        return null;
-    const Json::Value *found = root.find(key, key + qstrlen(key));
-    return found ? *found : null;
-}
-
 // A per-robot flag of the safe-position report: an array holds one entry
 // per robot (robot 1 first), a single number is the flag of "robot".
 // Missing entries count as safe (1).
 int flagOfRobot(const Json::Value &root, const char *key, int robot)
 {
-    const Json::Value &value = member(root, key);
+    const Json::Value &value = qrx::jsonMember(root, key);
     if (value.isArray())
         return Json::ArrayIndex(robot - 1) < value.size() ? qrx::jsonNumber(value[Json::ArrayIndex(robot - 1)]) : 1;
     if (value.isNull())
@@ -117,7 +108,7 @@ void Robot::robot_net_slot_GlobalPosition(const QByteArray &data)
 void Robot::robot_net_slot_PresentRobot(const QByteArray &data)
 {
     takeReport(data, [&](const Json::Value &root) {
-        const Json::Value &names = member(root, "nameList");
+        const Json::Value &names = qrx::jsonMember(root, "nameList");
         const int available = names.isArray() ? int(names.size()) : 0;
         const int listnum = qrx::jsonInt(root, "listnum");
         const int count = listnum > 0 ? qMin(listnum, available) : available;

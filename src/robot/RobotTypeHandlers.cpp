@@ -38,7 +38,7 @@ void Robot::robot_net_slot_RobotType(const QByteArray &data)
 void Robot::robot_net_slot_JointPara(const QByteArray &data)
 {
     takeReport(data, [&](const Json::Value &root) {
-        const Json::Value joint = root.isObject() ? root.get("Joint", Json::Value()) : Json::Value();
+        const Json::Value &joint = qrx::jsonMember(root, "Joint");
         const QString line =
             fillLine(QT_TRANSLATE_NOOP("Robot", "接收关节参数数据 joint=%1 posSWLimit=%2 negSWLimit=%3 ratedvel=%4 "
                                                 "DeRatedVel=%5 maxRotSpeed=%6 maxDeRotSpeed=%7 maxAcc=%8 "),

@@ -81,7 +81,7 @@ void fillSlots(const Json::Value &root, double *out, std::initializer_list<Slots
 {
     for (const Slots &m : members) {
         std::fill(out, out + m.count, 0.0);
-        const Json::Value member = root.isObject() ? root.get(m.key, Json::Value()) : Json::Value();
+        const Json::Value &member = qrx::jsonMember(root, m.key);
         if (member.isArray())
             qrx::jsonReals(root, m.key, out, m.count);
         else
