@@ -1,0 +1,32 @@
+# cmake -P script: install BUILD_DIR into WORK_DIR/prefix, build CONSUMER_DIR
+# against it and run the program.
+function(run)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "failed: ${ARGN}\n${out}\n${err}")
+  endif()
+  set(run_output "${out}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE ${WORK_DIR})
+set(prefix ${WORK_DIR}/prefix)
+run(${CMAKE_COMMAND} --install ${BUILD_DIR} --prefix ${prefix})
+
+if(NOT EXISTS ${prefix}/include/qrx_host/qrx_host.h)
+  message(FATAL_ERROR "the public header was not installed")
+endif()
+file(GLOB extra_headers ${prefix}/include/qrx_host/*)
+list(LENGTH extra_headers header_count)
+if(NOT header_count EQUAL 1)
+  message(FATAL_ERROR "only qrx_host.h is public, installed: ${extra_headers}")
+endif()
+if(NOT EXISTS ${prefix}/bin/qrx-sim)
+  message(FATAL_ERROR "qrx-sim was not installed")
+endif()
+
+run(${CMAKE_COMMAND} -S ${CONSUMER_DIR} -B ${WORK_DIR}/consumer -DCMAKE_PREFIX_PATH=${prefix})
+run(${CMAKE_COMMAND} --build ${WORK_DIR}/consumer)
+run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${prefix}/lib ${WORK_DIR}/consumer/consumer)
+if(NOT run_output STREQUAL "no link: status 0, show nothing\n")
+  message(FATAL_ERROR "unexpected output of the consumer: '${run_output}'")
+endif()
