@@ -6,7 +6,7 @@
 #include <QObject>
 
 #include <atomic>
-#include <condition_variable>
+#include <future>
 #include <mutex>
 #include <thread>
 
@@ -21,27 +21,22 @@ std::atomic<Robot *> g_robot{nullptr};
 // (a host that simply returns from main() ends it with the process).
 QObject *startOwnApplication()
 {
-    std::mutex mutex;
-    std::condition_variable ready;
-    QObject *context = nullptr;
+    // The promise's shared state outlives this frame, so the thread may still
+    // be inside set_value() when this function has returned.
+    std::promise<QObject *> started;
+    std::future<QObject *> context = started.get_future();
 
-    std::thread([&] {
+    std::thread([started = std::move(started)]() mutable {
         static int argc = 1;
         static char name[] = "qrx_host";
         static char *argv[] = {name, nullptr};
         QCoreApplication app(argc, argv);
         QObject anchor;
-        {
-            std::lock_guard<std::mutex> lock(mutex);
-            context = &anchor;
-        }
-        ready.notify_one();
+        started.set_value(&anchor);
         app.exec();
     }).detach();
 
-    std::unique_lock<std::mutex> lock(mutex);
-    ready.wait(lock, [&] { return context != nullptr; });
-    return context;
+    return context.get();
 }
 
 } // namespace
