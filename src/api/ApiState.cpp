@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QObject>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <mutex>
@@ -54,6 +55,37 @@ void setApiRobot(Robot *robot)
 QByteArray payloadOf(const Json::Value &value)
 {
     return qrx::jsonPayload(value);
+}
+
+Json::Value object(Members members)
+{
+    Json::Value v(Json::objectValue);
+    for (const auto &member : members)
+        v[member.first] = member.second;
+    return v;
+}
+
+Json::Value withRobot(int robot, Members members)
+{
+    Json::Value v = object(members);
+    v["robot"] = robot;
+    return v;
+}
+
+Json::Value withCurrentRobot(const Robot *robot, Members members)
+{
+    return withRobot(robot->currentRobot(), members);
+}
+
+std::string latin1Name(const char *name)
+{
+    return QString::fromLatin1(nameOrEmpty(name)).toStdString();
+}
+
+void copyOut(const double *from, int n, double *to)
+{
+    if (to)
+        std::copy(from, from + n, to);
 }
 
 void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload)

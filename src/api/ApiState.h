@@ -13,7 +13,10 @@
 #include <QMutexLocker>
 #include <json/value.h>
 
+#include <initializer_list>
+#include <string>
 #include <type_traits>
+#include <utility>
 
 namespace qrx::api {
 
@@ -26,6 +29,24 @@ QByteArray payloadOf(const Json::Value &value);
 
 // A null name pointer reads as the empty name.
 inline const char *nameOrEmpty(const char *name) { return name ? name : ""; }
+
+// The members of a request object, e.g. {{"port", port}, {"status", status}}.
+using Members = std::initializer_list<std::pair<const char *, Json::Value>>;
+
+// A JSON object of the members (a later member of the same key wins).
+Json::Value object(Members members = {});
+
+// {"robot": robot} and the members: the robot a request is about.
+Json::Value withRobot(int robot, Members members = {});
+// The same about the robot currently addressed.
+Json::Value withCurrentRobot(const Robot *robot, Members members = {});
+
+// A name passed by the host as it goes out: Latin-1 text (null reads as
+// empty), in UTF-8.
+std::string latin1Name(const char *name);
+
+// Copies n values into a caller's buffer; a null buffer is left alone.
+void copyOut(const double *from, int n, double *to);
 
 // Request-and-wait: lock the reply mutex, run send() (which hands one or more
 // queries to the robot), wait on the reply condition without a time-out,

@@ -11,7 +11,7 @@
 
 #include <cstring>
 
-using qrx::api::apiRobot;
+using namespace qrx::api;
 
 namespace {
 
@@ -41,7 +41,7 @@ void pauseWithEvents(int ms)
 // host runs no Qt application, so that its timers have an event loop.
 Robot *robotFor(const QString &ip)
 {
-    QObject *context = qrx::api::libraryContext();
+    QObject *context = libraryContext();
     if (!context || context->thread() == QThread::currentThread())
         return Robot::instance(ip);
     Robot *robot = nullptr;
@@ -62,7 +62,7 @@ int connect_robot(const char *ip)
 
     const QString address = QString::fromLatin1(ip ? ip : "", ip ? int(std::strlen(ip)) : 0);
     Robot *robot = robotFor(address);
-    qrx::api::setApiRobot(robot);
+    setApiRobot(robot);
 
     if (robot->isClosed())
         robot->restart();

@@ -8,6 +8,8 @@
 
 #include <QCoreApplication>
 
+using namespace qrx::api;
+
 namespace {
 
 constexpr quint16 kContinuousMode = 0x50B1;
@@ -30,14 +32,9 @@ extern "C" {
 void continuous_motion_mode(int open)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value mode(Json::objectValue);
-    mode["open"] = open != 0;
-    robot->send(kContinuousMode, qrx::api::payloadOf(mode));
-    if (!open) {
-        Json::Value teach(Json::objectValue);
-        teach["mode"] = 0;
-        robot->send(kSetOperationMode, qrx::api::payloadOf(teach));
-    }
+    robot->send(kContinuousMode, payloadOf(object({{"open", open != 0}})));
+    if (!open)
+        robot->send(kSetOperationMode, payloadOf(object({{"mode", 0}})));
 }
 
 void continuous_motion_start(void) { sendEmpty(kContinuousStart); }
@@ -51,17 +48,14 @@ void send_continuous_motion_queue(const qrx_motion_record *records, int count)
         return;
     Json::Value data;
     QStringList outOfRange;
-    if (!qrx::api::buildQueue(records, count, data, &outOfRange)) {
+    if (!buildQueue(records, count, data, &outOfRange)) {
         for (int i = 0; i < outOfRange.size(); ++i)
             qCDebug(lcApi).noquote() << QCoreApplication::translate("ContinuousMotion", "参数值超限");
         return;
     }
     if (data.empty())
         return;
-    Json::Value queue(Json::objectValue);
-    queue["data"] = data;
-    queue["robot"] = robot->currentRobot();
-    robot->send(kContinuousQueue, qrx::api::payloadOf(queue));
+    robot->send(kContinuousQueue, payloadOf(withCurrentRobot(robot, {{"data", data}})));
 }
 
 } // extern "C"

@@ -7,11 +7,8 @@
 #include "api/qrx_host.h"
 
 #include <QString>
-#include <algorithm>
 
-using qrx::api::nameOrEmpty;
-using qrx::api::payloadOf;
-using qrx::api::requestAndWait;
+using namespace qrx::api;
 
 namespace {
 
@@ -29,24 +26,11 @@ constexpr IoReader kDin{0x3605, &Robot::din};
 constexpr IoReader kAout{0x3608, &Robot::aout};
 constexpr IoReader kAin{0x360A, &Robot::ain};
 
-void copyOut(const double *from, int n, double *to)
-{
-    if (to)
-        std::copy(from, from + n, to);
-}
-
 void readIo(const IoReader &reader, double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
     requestAndWait(robot, reader.code);
     copyOut(robot->*reader.cache, kIoPorts, out);
-}
-
-Json::Value robotOnly(Robot *robot)
-{
-    Json::Value v(Json::objectValue);
-    v["robot"] = robot->currentRobot();
-    return v;
 }
 
 // Global variable names: the first two characters give the type sent as
@@ -89,17 +73,20 @@ double cachedGlobal(const Robot *robot, const QString &name)
 
 Json::Value varQuery(const QString &name)
 {
-    Json::Value v(Json::objectValue);
-    v["varType"] = int(varTypeOf(name));
-    v["varName"] = name.toStdString();
-    return v;
+    return object({{"varType", int(varTypeOf(name))}, {"varName", name.toStdString()}});
+}
+
+// Asks for the named global variable and waits for a reply.
+void askGlobal(Robot *robot, const QString &varName)
+{
+    requestAndWait(robot, 0x560B, payloadOf(varQuery(varName)));
 }
 
 // The motor readers: a query and the rows its reply fills.
 void readMotorRows(Robot *robot, quint16 code, const double (&robotRows)[2][7], const double (&syncRows)[2][5],
                    double *robotOne, double *robotTwo, double *syncOne, double *syncTwo)
 {
-    requestAndWait(robot, code, payloadOf(robotOnly(robot)));
+    requestAndWait(robot, code, payloadOf(withCurrentRobot(robot)));
     copyOut(robotRows[0], 7, robotOne);
     copyOut(robotRows[1], 7, robotTwo);
     copyOut(syncRows[0], 5, syncOne);
@@ -113,19 +100,13 @@ extern "C" {
 void set_dout(int port, int status)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v(Json::objectValue);
-    v["port"] = port;
-    v["status"] = status;
-    robot->send(0x3601, payloadOf(v));
+    robot->send(0x3601, payloadOf(object({{"port", port}, {"status", status}})));
 }
 
 void set_aout(int port, double value)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v(Json::objectValue);
-    v["port"] = port;
-    v["value"] = value;
-    robot->send(0x3607, payloadOf(v));
+    robot->send(0x3607, payloadOf(object({{"port", port}, {"value", value}})));
 }
 
 void get_dout(double *out) { readIo(kDout, out); }
@@ -136,9 +117,7 @@ void get_ain(double *out) { readIo(kAin, out); }
 void get_current_position(double *pos, int coord)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = robotOnly(robot);
-    v["coord"] = coord;
-    requestAndWait(robot, 0x2F07, payloadOf(v));
+    requestAndWait(robot, 0x2F07, payloadOf(withCurrentRobot(robot, {{"coord", coord}})));
     // Whatever coordinate system the reply that ended the wait carried.
     copyOut(robot->currentPosition, 6, pos);
 }
@@ -146,18 +125,14 @@ void get_current_position(double *pos, int coord)
 void get_current_sync_position(double *pos)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = robotOnly(robot);
-    v["coord"] = 0;
-    requestAndWait(robot, 0x7012, payloadOf(v));
+    requestAndWait(robot, 0x7012, payloadOf(withCurrentRobot(robot, {{"coord", 0}})));
     copyOut(robot->syncPosition, 5, pos);
 }
 
 void get_GPosition(const char *name, double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = robotOnly(robot);
-    v["posName"] = QString::fromLatin1(nameOrEmpty(name)).toStdString();
-    requestAndWait(robot, 0x5605, payloadOf(v));
+    requestAndWait(robot, 0x5605, payloadOf(withCurrentRobot(robot, {{"posName", latin1Name(name)}})));
     copyOut(robot->globalPosition, 14, out);
 }
 
@@ -166,16 +141,13 @@ void set_GPosition(const char *posName, int coord, double *robotAxes, double *sy
     QRX_ROBOT_OR_RETURN(robot);
     if (!robotAxes || !syncAxes)
         return;
-    Json::Value v(Json::objectValue);
-    v["posName"] = QString::fromLatin1(nameOrEmpty(posName)).toStdString();
-    v["coord"] = coord;
-    v["robot"] = robot->overrideRobot();
     Json::Value pos(Json::arrayValue);
     for (int i = 0; i < 7; ++i)
         pos.append(robotAxes[i]);
     for (int i = 0; i < 7; ++i)
         pos.append(syncAxes[i]);
-    v["pos"] = pos;
+    const Json::Value v =
+        withRobot(robot->overrideRobot(), {{"posName", latin1Name(posName)}, {"coord", coord}, {"pos", pos}});
     robot->send(0x5604, payloadOf(v));
 }
 
@@ -183,7 +155,7 @@ double get_global_variant(const char *name)
 {
     QRX_ROBOT_OR_RETURN(robot, 0.0);
     const QString varName = QString::fromUtf8(nameOrEmpty(name));
-    requestAndWait(robot, 0x560B, payloadOf(varQuery(varName)));
+    askGlobal(robot, varName);
     return cachedGlobal(robot, varName);
 }
 
@@ -199,8 +171,7 @@ void set_global_variant(const char *name, double value)
 double get_global_var(const char *name)
 {
     QRX_ROBOT_OR_RETURN(robot, 0.0);
-    const QString varName = QString::fromLatin1(nameOrEmpty(name));
-    requestAndWait(robot, 0x560B, payloadOf(varQuery(varName)));
+    askGlobal(robot, QString::fromLatin1(nameOrEmpty(name)));
     // The last global-variable reply, whatever variable it named.
     return robot->globalVarValue;
 }
@@ -220,8 +191,7 @@ void get_motor_torque(double *robotOne, double *robotTwo, double *syncOne, doubl
 void get_motor_overload(double *robotRow, double *syncRow)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = robotOnly(robot);
-    requestAndWait(robot, 0x2A0A, payloadOf(v));
+    requestAndWait(robot, 0x2A0A, payloadOf(withCurrentRobot(robot)));
     copyOut(robot->motorOverload, 7, robotRow);
     copyOut(robot->motorOverloadSync, 5, syncRow);
 }

@@ -11,9 +11,7 @@
 
 #include <QString>
 
-using qrx::api::nameOrEmpty;
-using qrx::api::payloadOf;
-using qrx::api::requestAndWait;
+using namespace qrx::api;
 
 namespace {
 
@@ -23,18 +21,6 @@ constexpr int kServoOff = 0;
 constexpr int kRunMode = 2;
 constexpr int kServoReady = 1;
 constexpr char kJobSuffix[] = ".JBR";
-
-std::string jobName(const char *name)
-{
-    return QString::fromLatin1(nameOrEmpty(name)).toStdString();
-}
-
-Json::Value withRobot(int robot)
-{
-    Json::Value v(Json::objectValue);
-    v["robot"] = robot;
-    return v;
-}
 
 // run_job and step_job send nothing while a job runs or the servo is off.
 bool mayRun(const Robot *robot)
@@ -51,10 +37,8 @@ void open_job(const char *name)
     QRX_ROBOT_OR_RETURN(robot);
     if (robot->runningStatus == kJobRunning)
         return;
-    Json::Value v = withRobot(1); // always robot 1, whichever robot is addressed
-    v["jobName"] = jobName(name);
-    v["suffixname"] = kJobSuffix;
-    robot->send(0x3114, payloadOf(v));
+    // Always robot 1, whichever robot is addressed.
+    robot->send(0x3114, payloadOf(withRobot(1, {{"jobName", latin1Name(name)}, {"suffixname", kJobSuffix}})));
 }
 
 void run_job(const char *name)
@@ -62,11 +46,8 @@ void run_job(const char *name)
     QRX_ROBOT_OR_RETURN(robot);
     if (!mayRun(robot))
         return;
-    Json::Value v = withRobot(robot->currentRobot());
-    v["jobname"] = jobName(name);
-    v["line"] = 1;
-    v["continueRun"] = 0;
-    v["startOver"] = true;
+    const Json::Value v = withCurrentRobot(
+        robot, {{"jobname", latin1Name(name)}, {"line", 1}, {"continueRun", 0}, {"startOver", true}});
     robot->send(kRun, payloadOf(v));
 }
 
@@ -75,18 +56,13 @@ void step_job(const char *name, int line)
     QRX_ROBOT_OR_RETURN(robot);
     if (!mayRun(robot))
         return;
-    Json::Value v = withRobot(robot->currentRobot());
-    v["jobname"] = jobName(name);
-    v["line"] = line;
-    robot->send(kRun, payloadOf(v));
+    robot->send(kRun, payloadOf(withCurrentRobot(robot, {{"jobname", latin1Name(name)}, {"line", line}})));
 }
 
 void pause_job(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = withRobot(robot->overrideRobot());
-    v["type"] = 1;
-    robot->send(0x2401, payloadOf(v));
+    robot->send(0x2401, payloadOf(withRobot(robot->overrideRobot(), {{"type", 1}})));
 }
 
 void stop_job(void)
@@ -103,41 +79,32 @@ int continue_job(void)
         return 1;
     if (robot->servoStatus != kServoReady)
         return 2;
-    Json::Value v = withRobot(robot->currentRobot());
-    v["continueRun"] = 1;
-    v["line"] = 1;
-    v["startOver"] = false;
-    robot->send(kRun, payloadOf(v));
+    robot->send(kRun, payloadOf(withCurrentRobot(robot, {{"continueRun", 1}, {"line", 1}, {"startOver", false}})));
     return 0;
 }
 
 void continue_run(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = withRobot(robot->currentRobot());
-    v["index"] = 1;
-    v["callerName"] = "moveToPos";
-    v["continueRun"] = true;
-    v["onFileRun"] = true;
-    v["startOver"] = false;
+    const Json::Value v = withCurrentRobot(robot, {{"index", 1},
+                                                   {"callerName", "moveToPos"},
+                                                   {"continueRun", true},
+                                                   {"onFileRun", true},
+                                                   {"startOver", false}});
     robot->send(kRun, payloadOf(v));
 }
 
 void delete_job(const char *name)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = withRobot(robot->currentRobot());
-    v["jobfilename"] = jobName(name);
-    v["suffixname"] = kJobSuffix;
+    const Json::Value v = withCurrentRobot(robot, {{"jobfilename", latin1Name(name)}, {"suffixname", kJobSuffix}});
     robot->send(0x3111, payloadOf(v));
 }
 
 void set_runs(int count)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = withRobot(robot->overrideRobot());
-    v["index"] = count;
-    robot->send(0x5011, payloadOf(v));
+    robot->send(0x5011, payloadOf(withRobot(robot->overrideRobot(), {{"index", count}})));
 }
 
 int get_job_running_lines(void)
@@ -145,14 +112,14 @@ int get_job_running_lines(void)
     QRX_ROBOT_OR_RETURN(robot, 0);
     // The line held before this query is answered: a host polls it.
     const int line = robot->currentRunLine;
-    robot->send(0x3503, payloadOf(withRobot(robot->currentRobot())));
+    robot->send(0x3503, payloadOf(withCurrentRobot(robot)));
     return line;
 }
 
 void get_single_cycle(double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, 0x3309, payloadOf(withRobot(robot->currentRobot())));
+    requestAndWait(robot, 0x3309, payloadOf(withCurrentRobot(robot)));
     for (int i = 0; i < 7; ++i) {
         const double value = robot->singleCycle[i];
         qCDebug(lcApi).noquote() << QString::number(value);

@@ -12,7 +12,7 @@
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 
-using qrx::api::payloadOf;
+using namespace qrx::api;
 
 namespace {
 
@@ -24,10 +24,7 @@ enum class Extras { AccDec, None };
 // "robot", "vel", "coord", and "acc", "dec" where the move has them.
 Json::Value moveHead(Robot *robot, int vel, int coord, int acc, int dec, Extras extras = Extras::AccDec)
 {
-    Json::Value v(Json::objectValue);
-    v["robot"] = robot->currentRobot();
-    v["vel"] = vel;
-    v["coord"] = coord;
+    Json::Value v = withCurrentRobot(robot, {{"vel", vel}, {"coord", coord}});
     if (extras == Extras::AccDec) {
         v["acc"] = acc;
         v["dec"] = dec;

@@ -71,6 +71,13 @@ public:
         if (!range.holds(v))
             fail(what);
     }
+    // The value as it is, checked against its range on the way.
+    template <class T>
+    T value(const char *what, T v, const Range &range)
+    {
+        number(what, v, range);
+        return v;
+    }
     void fail(const char *what)
     {
         m_ok = false;
@@ -84,16 +91,25 @@ private:
     bool m_ok = true;
 };
 
+// The class of a record's operand and its name; an operand that cannot be
+// classified is reported as `what`.
+VariableClass classify(const qrx_param &record, std::string &name, const char *what, Checker &check)
+{
+    name = text(record.varName);
+    const VariableClass cls = classifyVariable(text(record.varType), name);
+    if (cls == Unclassified)
+        check.fail(what);
+    return cls;
+}
+
 // A constant or a variable into a parameter object: value 0 and the number,
 // or the variable's class and its name.
 void setPara(ParaCommand &para, const qrx_param &record, const char *what, const Range &range, Checker &check)
 {
-    const std::string name = text(record.varName);
-    const VariableClass cls = classifyVariable(text(record.varType), name);
-    if (cls == Unclassified) {
-        check.fail(what);
+    std::string name;
+    const VariableClass cls = classify(record, name, what, check);
+    if (cls == Unclassified)
         return;
-    }
     para.value = cls;
     if (cls == Constant) {
         check.number(what, record.value, range);
@@ -173,8 +189,7 @@ void fillMove(MoveCommand &m, const qrx_motion_record &record, Checker &check)
     m.spin = int(m.paraSpin->data);
     m.sync = int(m.paraSync->data);
 
-    check.number("posidtype", r.posidtype, kTargetKind);
-    m.posidtype = r.posidtype;
+    m.posidtype = check.value("posidtype", r.posidtype, kTargetKind);
     m.m_positionId = text(r.positionId);
     m.posidname = text(r.posidname);
     m.para = r.para;
@@ -209,10 +224,8 @@ void fillWait(WaitCommand &w, const qrx_motion_record &record, Checker &check)
     const qrx_wait_params &r = record.u.wait;
     fillTimer(w, r.duration, check);
     fillConditions(w.waitConditionFinal, r.condition, check);
-    check.number("now", r.now, kBit);
-    w.now = r.now != 0;
-    check.number("filterTime", r.filterTime, kNotNegative);
-    w.m_filterTime = r.filterTime;
+    w.now = check.value("now", r.now, kBit) != 0;
+    w.m_filterTime = check.value("filterTime", r.filterTime, kNotNegative);
 }
 
 void fillIf(IFCommand &c, const qrx_motion_record &record, Checker &check)
@@ -243,19 +256,14 @@ void fillIo(IOCommand &io, const qrx_motion_record &record, Checker &check)
     if (!r.group && record.type == 16)
         check.number("portValue", r.portValue, kBit);
     io.portValue = r.portValue;
-    const std::string name = text(r.valueVar.varName);
-    const VariableClass cls = classifyVariable(text(r.valueVar.varType), name);
-    if (cls == Unclassified)
-        check.fail("valueVar");
+    std::string name;
+    const VariableClass cls = classify(r.valueVar, name, "valueVar", check);
     io.valueIsVariant = cls > Constant;
     io.varName = cls > Constant ? name : std::string();
     io.varType = cls > Constant ? cls : 0;
-    check.number("rate", r.rate, kNotNegative);
-    io.rate = r.rate;
-    check.number("sum", r.sum, kNotNegative);
-    io.sum = r.sum;
-    check.number("time", r.time, kNotNegative);
-    io.time = r.time;
+    io.rate = check.value("rate", r.rate, kNotNegative);
+    io.sum = check.value("sum", r.sum, kNotNegative);
+    io.time = check.value("time", r.time, kNotNegative);
     io.errorHanding = r.errorHanding;
 }
 
@@ -276,10 +284,8 @@ void fillAito(AITOCommand &a, const qrx_motion_record &record, Checker &check)
 void fillArc(ARCCommand &a, const qrx_motion_record &record, Checker &check)
 {
     const qrx_arc_params &r = record.u.arc;
-    check.number("voltage", r.voltage, kNotNegative);
-    check.number("current", r.current, kNotNegative);
-    a.voltage = r.voltage;
-    a.current = r.current;
+    a.voltage = check.value("voltage", r.voltage, kNotNegative);
+    a.current = check.value("current", r.current, kNotNegative);
     a.arcsetRamp = r.arcsetRamp;
     a.arcsetTime_ms = r.arcsetTime_ms;
     a.arcsetDistance = r.arcsetDistance;

@@ -15,8 +15,7 @@
 #include <QThread>
 #include <QTimer>
 
-using qrx::api::payloadOf;
-using qrx::api::requestAndWait;
+using namespace qrx::api;
 
 namespace {
 
@@ -40,15 +39,6 @@ constexpr int kRobotAxes = 7;
 constexpr int kFirstExternalAxis = 8; // external axes 1..5 jog as axes 8..12
 constexpr int kExternalAxes = 5;
 constexpr char kJogStepsName[] = "qrx_jog_steps";
-
-Json::Value object() { return Json::Value(Json::objectValue); }
-
-Json::Value robotOnly(Robot *robot)
-{
-    Json::Value v = object();
-    v["robot"] = robot->currentRobot();
-    return v;
-}
 
 // The servo refusal of the jog start and of every jog step.
 void logServoNotRunning()
@@ -85,10 +75,7 @@ void jogStep(Robot *robot, int axis, int direction)
             return;
         axis += kFirstExternalAxis - 1;
     }
-    Json::Value v = object();
-    v["axis"] = axis;
-    v["direction"] = direction;
-    robot->link()->sendData(kJogStep, payloadOf(v));
+    robot->link()->sendData(kJogStep, payloadOf(object({{"axis", axis}, {"direction", direction}})));
 }
 
 // The per-axis jog steps hang on one context object under the timer, so
@@ -135,10 +122,8 @@ void servo_power_off(void)
 void set_servo_state(int state)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = object();
-    v["robot"] = robot->overrideRobot();
-    v["status"] = int(static_cast<signed char>(state));
-    robot->send(kSetServo, payloadOf(v));
+    const int status = static_cast<signed char>(state);
+    robot->send(kSetServo, payloadOf(withRobot(robot->overrideRobot(), {{"status", status}})));
 }
 
 int get_servo_state(void)
@@ -150,15 +135,13 @@ int get_servo_state(void)
 void clear_servo_error(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(kClearError, payloadOf(robotOnly(robot)));
+    robot->send(kClearError, payloadOf(withCurrentRobot(robot)));
 }
 
 void set_current_mode(int mode)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = object();
-    v["mode"] = mode;
-    robot->send(kSetMode, payloadOf(v)); // clears the mode acknowledgement
+    robot->send(kSetMode, payloadOf(object({{"mode", mode}}))); // clears the mode acknowledgement
 }
 
 int get_current_mode(void)
@@ -171,30 +154,26 @@ int get_current_mode(void)
 void set_current_coord(int coord)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = robotOnly(robot);
-    v["coord"] = coord;
-    robot->send(kSetCoord, payloadOf(v));
+    robot->send(kSetCoord, payloadOf(withCurrentRobot(robot, {{"coord", coord}})));
 }
 
 int get_current_coord(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, kGetCoord, payloadOf(robotOnly(robot)));
+    requestAndWait(robot, kGetCoord, payloadOf(withCurrentRobot(robot)));
     return robot->coordinate;
 }
 
 void set_jogging_speed(int speed)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = robotOnly(robot);
-    v["speed"] = qBound(0, speed, kJogSpeedMax);
-    robot->send(kSetSpeed, payloadOf(v));
+    robot->send(kSetSpeed, payloadOf(withCurrentRobot(robot, {{"speed", qBound(0, speed, kJogSpeedMax)}})));
 }
 
 int get_jogging_speed(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, kGetSpeed, payloadOf(robotOnly(robot)));
+    requestAndWait(robot, kGetSpeed, payloadOf(withCurrentRobot(robot)));
     return robot->speed;
 }
 
@@ -230,15 +209,13 @@ void stop_jogging(int axis)
             robot->jogTimer->stop();
     });
     // The axis goes out as the host passed it: no external-axis mapping here.
-    Json::Value v = object();
-    v["axis"] = axis;
-    robot->link()->sendData(kJogStop, payloadOf(v));
+    robot->link()->sendData(kJogStop, payloadOf(object({{"axis", axis}})));
 }
 
 int get_robot_running_state(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, kGetRunStatus, payloadOf(robotOnly(robot)));
+    requestAndWait(robot, kGetRunStatus, payloadOf(withCurrentRobot(robot)));
     return robot->runningStatus;
 }
 

@@ -11,10 +11,7 @@
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 
-#include <algorithm>
-
-using qrx::api::payloadOf;
-using qrx::api::requestAndWait;
+using namespace qrx::api;
 
 namespace {
 
@@ -23,19 +20,6 @@ constexpr double kZeroShiftLimit = 360.0;
 constexpr int kZeroShiftAxes = 6;
 constexpr int kZeroShiftValues = 7;
 
-Json::Value withRobot(Robot *robot)
-{
-    Json::Value v(Json::objectValue);
-    v["robot"] = robot->currentRobot();
-    return v;
-}
-
-void copyOut(const double *from, int n, double *to)
-{
-    if (to)
-        std::copy(from, from + n, to);
-}
-
 } // namespace
 
 extern "C" {
@@ -43,15 +27,13 @@ extern "C" {
 void switch_tool_hand(int toolNum)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v = withRobot(robot);
-    v["curToolNum"] = toolNum;
-    robot->send(0x380A, payloadOf(v));
+    robot->send(0x380A, payloadOf(withCurrentRobot(robot, {{"curToolNum", toolNum}})));
 }
 
 int get_current_tool_hand(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, 0x380B, payloadOf(withRobot(robot)));
+    requestAndWait(robot, 0x380B, payloadOf(withCurrentRobot(robot)));
     return robot->currentTool;
 }
 
@@ -64,10 +46,7 @@ void set_tool_hand_param(int toolNum, double *tool)
     Json::Value values(Json::objectValue);
     for (int i = 0; i < kToolValues; ++i)
         values[keys[i]] = tool[i];
-    Json::Value v = withRobot(robot);
-    v["toolNum"] = toolNum;
-    v["tool"] = values;
-    robot->send(0x3805, payloadOf(v));
+    robot->send(0x3805, payloadOf(withCurrentRobot(robot, {{"toolNum", toolNum}, {"tool", values}})));
 }
 
 // The reply fills the parameters of the tool it names; the caller gets
@@ -76,9 +55,7 @@ void set_tool_hand_param(int toolNum, double *tool)
 void query_tool_hand_param(int toolNum, double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v(Json::objectValue);
-    v["toolNum"] = toolNum;
-    requestAndWait(robot, 0x3806, payloadOf(v));
+    requestAndWait(robot, 0x3806, payloadOf(object({{"toolNum", toolNum}})));
     if (toolNum >= 0 && toolNum < Robot::kToolCount)
         copyOut(robot->toolParameters[toolNum], kToolValues, out);
 }
@@ -86,13 +63,8 @@ void query_tool_hand_param(int toolNum, double *out)
 void set_user_coord_number(int userNum)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value select = withRobot(robot);
-    select["userNum"] = userNum;
-    Json::Value inquiry(Json::objectValue);
-    inquiry["userNum"] = userNum;
-    inquiry["inquire"] = "Calibration";
-    robot->send(0x3C08, payloadOf(select));
-    robot->send(0x3C0A, payloadOf(inquiry));
+    robot->send(0x3C08, payloadOf(withCurrentRobot(robot, {{"userNum", userNum}})));
+    robot->send(0x3C0A, payloadOf(object({{"userNum", userNum}, {"inquire", "Calibration"}})));
 }
 
 // Takes no "no link" test: the controller's four points are asked for at
@@ -100,7 +72,7 @@ void set_user_coord_number(int userNum)
 // sent and out is left alone rather than waiting for ever.
 void ask_four_point(double *out)
 {
-    Robot *robot = qrx::api::apiRobot();
+    Robot *robot = apiRobot();
     if (!robot)
         return;
     requestAndWait(robot, 0x7207);
@@ -110,10 +82,7 @@ void ask_four_point(double *out)
 void four_point_mark(int pointNum, int status)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    Json::Value v(Json::objectValue);
-    v["pointNum"] = pointNum;
-    v["status"] = status;
-    robot->send(0x7202, payloadOf(v));
+    robot->send(0x7202, payloadOf(object({{"pointNum", pointNum}, {"status", status}})));
 }
 
 void four_point_calculation(double first, double second, double *out)
@@ -122,9 +91,7 @@ void four_point_calculation(double first, double second, double *out)
     Json::Value params(Json::arrayValue);
     params.append(first);
     params.append(second);
-    Json::Value v(Json::objectValue);
-    v["ParamOf4Points"] = params;
-    requestAndWait(robot, 0x7201, payloadOf(v));
+    requestAndWait(robot, 0x7201, payloadOf(object({{"ParamOf4Points", params}})));
     copyOut(robot->fourPointResult, 5, out);
 }
 
@@ -141,10 +108,7 @@ bool set_axis_zero_position(int axis)
     if (robot->servoStatus == 2 || robot->servoStatus == 3)
         return false;
     robot->zeroCalibrationSuccess.store(0);
-    Json::Value v(Json::objectValue);
-    v["axis"] = axis;
-    v["clearEncoder"] = false;
-    requestAndWait(robot, 0x3301, payloadOf(v));
+    requestAndWait(robot, 0x3301, payloadOf(object({{"axis", axis}, {"clearEncoder", false}})));
     return robot->zeroCalibrationSuccess.load() != 0;
 }
 
@@ -160,10 +124,7 @@ void set_zero_pos_shift(int axis, double value)
     for (int i = 0; i < kZeroShiftValues; ++i)
         values.append(0);
     values[axis - 1] = value;
-    Json::Value v = withRobot(robot);
-    v["axis"] = axis;
-    v["value"] = values;
-    robot->send(0x3307, payloadOf(v));
+    robot->send(0x3307, payloadOf(withCurrentRobot(robot, {{"axis", axis}, {"value", values}})));
 }
 
 } // extern "C"
