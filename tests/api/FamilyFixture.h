@@ -8,6 +8,7 @@
 // settle() sends a marker report after everything the simulator has sent
 // and waits until the Robot has taken it.
 
+#include "HostErrors.h"
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 #include "sim/SimHandle.h"
@@ -36,6 +37,31 @@ inline QByteArray json(const char *text)
     return QByteArray(text) + '\n';
 }
 
+// A frame whose payload is the JSON text; a null text is an empty payload.
+inline QString frame(quint16 code, const char *jsonText)
+{
+    return frameText(code, jsonText ? json(jsonText) : QByteArray());
+}
+
+inline QString frame(quint16 code, const QString &jsonText)
+{
+    return frameText(code, json(jsonText.toUtf8().constData()));
+}
+
+// The columns of a framesOnTheWire table: "call" and the "expected" frames
+// (Controller::compareRowFrames() runs a row).
+inline void frameColumns()
+{
+    QTest::addColumn<Call>("call");
+    QTest::addColumn<QStringList>("expected");
+}
+
+// noLinkResults runs before any connect_robot(): its init() starts nothing.
+inline bool runsWithoutLink()
+{
+    return QByteArray(QTest::currentTestFunction()) == "noLinkResults";
+}
+
 class Controller
 {
 public:
@@ -55,6 +81,9 @@ public:
         robot = qrx::api::apiRobot();
         return robot && sim->waitForFrame(0x5052) && settle();
     }
+
+    // start() the first time; true once the library is connected.
+    bool startOnce() { return robot || start(); }
 
     // Every report the simulator sent so far has been taken by the Robot.
     bool settle()
@@ -105,6 +134,15 @@ public:
         return settle();
     }
 
+    // The body of a framesOnTheWire test: the row's "call" sends exactly the
+    // row's "expected" frames.
+    void compareRowFrames()
+    {
+        QFETCH(Call, call);
+        QFETCH(QStringList, expected);
+        QCOMPARE(framesOf(call), expected);
+    }
+
     QStringList framesSoFar()
     {
         robot->send(kFenceCode, QByteArray());
@@ -132,6 +170,16 @@ public:
     {
         const QByteArray text = QStringLiteral("{\"mode\":0,\"robot\":1,\"status\":%1}").arg(status).toLatin1();
         return report(0x2003, text.constData(), [this, status] { return robot->servoStatus == status; });
+    }
+
+    // Drives running, deadman powered: in the controller and in the Robot.
+    bool servoRunning()
+    {
+        model([](qrxsim::ControllerModel &m) {
+            m.servoStatus = 3;
+            m.deadman = 1;
+        });
+        return holdServo(3);
     }
 
     bool holdRunningState(int status)

@@ -8,8 +8,7 @@
 #include <array>
 
 using familytest::Call;
-using familytest::frameText;
-using familytest::json;
+using familytest::frame;
 
 using Reader = std::function<void(double *)>;
 using Values = QVector<double>;
@@ -18,11 +17,6 @@ Q_DECLARE_METATYPE(Reader)
 namespace {
 
 constexpr double kUntouched = -777.0;
-
-QString frame(quint16 code, const char *text)
-{
-    return frameText(code, text ? json(text) : QByteArray());
-}
 
 double g_robotAxes[7] = {1, 2, 3, 4, 5, 6, 7};
 double g_syncAxes[7] = {0.5, -0.5, 8, 9, 10, 11, 12};
@@ -91,10 +85,9 @@ void TestIoVars::noLinkResults()
 
 void TestIoVars::init()
 {
-    if (QByteArray(QTest::currentTestFunction()) == "noLinkResults")
+    if (familytest::runsWithoutLink())
         return;
-    if (!m_ctl.robot)
-        QVERIFY(m_ctl.start());
+    QVERIFY(m_ctl.startOnce());
     m_ctl.model([](qrxsim::ControllerModel &m) {
         m.io = qrxsim::SimIo();
         m.globals = qrxsim::SimGlobals();
@@ -107,8 +100,7 @@ void TestIoVars::init()
 
 void TestIoVars::framesOnTheWire_data()
 {
-    QTest::addColumn<Call>("call");
-    QTest::addColumn<QStringList>("expected");
+    familytest::frameColumns();
 
     double *none = nullptr;
     QTest::newRow("set_dout no robot") << Call([] { set_dout(3, 1); })
@@ -153,9 +145,7 @@ void TestIoVars::framesOnTheWire_data()
 
 void TestIoVars::framesOnTheWire()
 {
-    QFETCH(Call, call);
-    QFETCH(QStringList, expected);
-    QCOMPARE(m_ctl.framesOf(call), expected);
+    m_ctl.compareRowFrames();
 }
 
 // Each reader after the controller's reply: the values it copies, and the

@@ -6,35 +6,8 @@
 #include "FamilyFixture.h"
 #include "support/LogCapture.h"
 
-#include <QMutex>
-
 using familytest::Call;
-using familytest::frameText;
-using familytest::json;
-
-namespace {
-
-QString frame(quint16 code, const char *text)
-{
-    return frameText(code, json(text));
-}
-
-QMutex g_errorMutex;
-QStringList g_errors;
-
-void collectError(const char *text)
-{
-    QMutexLocker lock(&g_errorMutex);
-    g_errors << QString::fromUtf8(text);
-}
-
-bool errorSeen(const QString &text)
-{
-    QMutexLocker lock(&g_errorMutex);
-    return g_errors.contains(text);
-}
-
-} // namespace
+using familytest::frame;
 
 class TestJobs : public QObject
 {
@@ -81,12 +54,10 @@ void TestJobs::noLinkResults()
 
 void TestJobs::init()
 {
-    if (QByteArray(QTest::currentTestFunction()) == "noLinkResults")
+    if (familytest::runsWithoutLink())
         return;
-    if (!m_ctl.robot) {
-        QVERIFY(m_ctl.start());
-        setErrorHandle(collectError);
-    }
+    QVERIFY(m_ctl.startOnce());
+    setErrorHandle(hosterrors::collect);
     // The controller refuses runs (servo off) unless a case says otherwise;
     // the Robot holds: servo running, no job running.
     m_ctl.model([](qrxsim::ControllerModel &m) {
@@ -103,8 +74,7 @@ void TestJobs::init()
 
 void TestJobs::framesOnTheWire_data()
 {
-    QTest::addColumn<Call>("call");
-    QTest::addColumn<QStringList>("expected");
+    familytest::frameColumns();
 
     QTest::newRow("open_job") << Call([] { open_job("DEMO"); })
                               << QStringList{frame(0x3114, R"({"jobName":"DEMO","robot":1,"suffixname":".JBR"})")};
@@ -131,9 +101,7 @@ void TestJobs::framesOnTheWire_data()
 
 void TestJobs::framesOnTheWire()
 {
-    QFETCH(Call, call);
-    QFETCH(QStringList, expected);
-    QCOMPARE(m_ctl.framesOf(call), expected);
+    m_ctl.compareRowFrames();
 }
 
 void TestJobs::preconditions_data()
@@ -191,7 +159,7 @@ void TestJobs::continueJob()
     int got = -1;
     const QStringList frames = m_ctl.framesOf([&got] { got = continue_job(); });
     QCOMPARE(got, result);
-    QCOMPARE(frames.count(frameText(0x2102, QByteArray())), 1);
+    QCOMPARE(frames.count(frame(0x2102, nullptr)), 1);
     const QString resume = frame(0x2501, R"({"continueRun":1,"line":1,"robot":1,"startOver":false})");
     QCOMPARE(frames.contains(resume), result == 0);
     QCOMPARE(frames.filter(QStringLiteral("0x2501")).size(), result == 0 ? 1 : 0);
@@ -252,10 +220,7 @@ void TestJobs::singleCycleFigures()
 
 void TestJobs::jobRunsToItsEnd()
 {
-    m_ctl.model([](qrxsim::ControllerModel &m) {
-        m.servoStatus = 3;
-        m.deadman = 1;
-    });
+    QVERIFY(m_ctl.servoRunning());
     set_runs(2);
     open_job("WELD01");
     run_job("WELD01");
@@ -277,15 +242,12 @@ void TestJobs::jobRunsToItsEnd()
 
 void TestJobs::unknownJobReported()
 {
-    m_ctl.model([](qrxsim::ControllerModel &m) {
-        m.servoStatus = 3;
-        m.deadman = 1;
-    });
+    QVERIFY(m_ctl.servoRunning());
     run_job("NOPE");
-    QTRY_VERIFY_WITH_TIMEOUT(errorSeen(QStringLiteral("错误： job not found: NOPE")), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(hosterrors::seen(QStringLiteral("错误： job not found: NOPE")), 10000);
     delete_job("PICK");
     open_job("PICK");
-    QTRY_VERIFY_WITH_TIMEOUT(errorSeen(QStringLiteral("错误： job not found: PICK")), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(hosterrors::seen(QStringLiteral("错误： job not found: PICK")), 10000);
     QCOMPARE(m_ctl.robot->runningStatus, 0);
 }
 

@@ -5,11 +5,9 @@
 #include "FamilyFixture.h"
 
 #include <QElapsedTimer>
-#include <QMutex>
 
 using familytest::Call;
-using familytest::frameText;
-using familytest::json;
+using familytest::frame;
 
 using Values6 = QVector<double>;
 
@@ -26,26 +24,6 @@ const char *const kC6 = "[-1.0,-2.0,-3.0,-4.0,-5.0,-6.0]";
 const char *const kA12 = "[10.0,20.50,-30.0,0.250,0.0,90.0,1.0,2.0,3.0,4.0,5.0,6.0]";
 const char *const kB12 = "[1.0,2.0,3.0,4.0,5.0,6.0,7.0,8.0,9.0,10.0,11.0,12.1250]";
 const char *const kC12 = "[-1.0,-2.0,-3.0,-4.0,-5.0,-6.0,-7.0,-8.0,-9.0,-10.0,-11.0,-12.0]";
-
-QString frame(quint16 code, const QString &text)
-{
-    return frameText(code, json(text.toUtf8().constData()));
-}
-
-QMutex g_errorMutex;
-QStringList g_errors;
-
-void collectError(const char *text)
-{
-    QMutexLocker lock(&g_errorMutex);
-    g_errors << QString::fromUtf8(text);
-}
-
-bool errorSeen(const QString &text)
-{
-    QMutexLocker lock(&g_errorMutex);
-    return g_errors.contains(text);
-}
 
 } // namespace
 
@@ -66,7 +44,6 @@ private slots:
     void moveRefusedWithServoOff();
 
 private:
-    bool servoRunning();
     // Polls the position until axis reaches value; the values seen on the way.
     QVector<double> travel(int axis, double value, qint64 *elapsedMs);
 
@@ -91,12 +68,10 @@ void TestMotion::noLinkResults()
 
 void TestMotion::init()
 {
-    if (QByteArray(QTest::currentTestFunction()) == "noLinkResults")
+    if (familytest::runsWithoutLink())
         return;
-    if (!m_ctl.robot) {
-        QVERIFY(m_ctl.start());
-        setErrorHandle(collectError);
-    }
+    QVERIFY(m_ctl.startOnce());
+    setErrorHandle(hosterrors::collect);
     m_ctl.model([](qrxsim::ControllerModel &m) {
         m.motion.waypoints.clear();
         std::fill(m.positionDeg, m.positionDeg + 7, 0.0);
@@ -105,15 +80,6 @@ void TestMotion::init()
         m.deadman = 0;
     });
     QVERIFY(m_ctl.settle());
-}
-
-bool TestMotion::servoRunning()
-{
-    m_ctl.model([](qrxsim::ControllerModel &m) {
-        m.servoStatus = 3;
-        m.deadman = 1;
-    });
-    return m_ctl.holdServo(3);
 }
 
 void TestMotion::framesOnTheWire_data()
@@ -187,7 +153,7 @@ QVector<double> TestMotion::travel(int axis, double value, qint64 *elapsedMs)
 // 30 units at 50 % of 100 units/s: about 0.6 s, passing values in between.
 void TestMotion::moveTravelsOverTime()
 {
-    QVERIFY(servoRunning());
+    QVERIFY(m_ctl.servoRunning());
     double target[6] = {30, -15, 0, 0, 0, 0};
     robot_movj(target, 50, 0, 10, 10);
     qint64 elapsed = 0;
@@ -216,7 +182,7 @@ void TestMotion::circleEndsAtItsLastPoint()
 {
     QFETCH(bool, full);
     QFETCH(Values6, end);
-    QVERIFY(servoRunning());
+    QVERIFY(m_ctl.servoRunning());
     // framesOf() returns once the controller holds the move.
     QCOMPARE(m_ctl.framesOf([full] {
                  if (full)
@@ -239,7 +205,7 @@ void TestMotion::circleEndsAtItsLastPoint()
 
 void TestMotion::externalAxesMove()
 {
-    QVERIFY(servoRunning());
+    QVERIFY(m_ctl.servoRunning());
     robot_extra_movl(g_b, 100, 0);
     double sync[5] = {};
     QTRY_COMPARE_WITH_TIMEOUT((get_current_sync_position(sync), sync[4]), 11.0, 20000);
@@ -253,7 +219,7 @@ void TestMotion::moveRefusedWithServoOff()
 {
     QVERIFY(m_ctl.holdServo(0));
     robot_movj(g_a, 100, 0, 10, 10);
-    QTRY_VERIFY_WITH_TIMEOUT(errorSeen(QStringLiteral("错误： move refused: the servo is not running")), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(hosterrors::seen(QStringLiteral("错误： move refused: the servo is not running")), 10000);
     double pos[6] = {-1, -1, -1, -1, -1, -1};
     get_current_position(pos, 0);
     QCOMPARE(pos[0], 0.0);

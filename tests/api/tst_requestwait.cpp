@@ -3,12 +3,12 @@
 // then returns what is cached, stale or not. The controller (qrx-sim) is
 // kept silent so that only the reports a case sends itself can end a wait.
 
+#include "HostErrors.h"
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 #include "sim/SimHandle.h"
 #include "support/Loopback.h"
 
-#include <QMutex>
 #include <QThread>
 #include <QtTest>
 
@@ -16,21 +16,6 @@
 #include <memory>
 
 namespace {
-
-QMutex s_markerMutex;
-QStringList s_markers;
-
-void collectMarker(const char *text)
-{
-    QMutexLocker lock(&s_markerMutex);
-    s_markers << QString::fromUtf8(text);
-}
-
-bool markerSeen(const QString &text)
-{
-    QMutexLocker lock(&s_markerMutex);
-    return s_markers.contains(text);
-}
 
 Json::Value positionReport(double first)
 {
@@ -100,7 +85,7 @@ void TestRequestWait::initTestCase()
     QCOMPARE(connect_robot(address.toLatin1().constData()), 1);
     m_robot = qrx::api::apiRobot();
     QVERIFY(m_robot);
-    setErrorHandle(collectMarker);
+    setErrorHandle(hosterrors::collect);
 }
 
 void TestRequestWait::init()
@@ -206,7 +191,7 @@ void TestRequestWait::silentMessagesLeaveWaitPending()
     Json::Value info(Json::objectValue);
     info["data"] = marker.toStdString();
     m_sim->sendJson(0x2B05, info);
-    QTRY_VERIFY_WITH_TIMEOUT(markerSeen(QStringLiteral("消息： ") + marker), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(hosterrors::seen(QStringLiteral("消息： ") + marker), 10000);
     QVERIFY(!waiter.done());
 
     // The answer itself ends it.

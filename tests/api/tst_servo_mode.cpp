@@ -10,22 +10,13 @@
 #include <QTimer>
 
 using familytest::Call;
-using familytest::frameText;
+using familytest::frame;
 using familytest::json;
 
 using IntCall = std::function<int()>;
 using ModelChange = std::function<void(qrxsim::ControllerModel &)>;
 Q_DECLARE_METATYPE(IntCall)
 Q_DECLARE_METATYPE(ModelChange)
-
-namespace {
-
-QString frame(quint16 code, const char *jsonText)
-{
-    return frameText(code, jsonText ? json(jsonText) : QByteArray());
-}
-
-} // namespace
 
 class TestServoMode : public QObject
 {
@@ -48,9 +39,6 @@ private slots:
     void externalAxisJog();
 
 private:
-    // Drives running, deadman powered: in the controller and in the Robot.
-    bool servoRunning();
-
     familytest::Controller m_ctl;
 };
 
@@ -80,10 +68,9 @@ void TestServoMode::noLinkResults()
 
 void TestServoMode::init()
 {
-    if (QByteArray(QTest::currentTestFunction()) == "noLinkResults")
+    if (familytest::runsWithoutLink())
         return;
-    if (!m_ctl.robot)
-        QVERIFY(m_ctl.start());
+    QVERIFY(m_ctl.startOnce());
     m_ctl.robot->externalAxisJog = 0;
     m_ctl.model([](qrxsim::ControllerModel &m) {
         m.servoStatus = 0;
@@ -100,19 +87,9 @@ void TestServoMode::init()
     m_ctl.sim->clearReceived();
 }
 
-bool TestServoMode::servoRunning()
-{
-    m_ctl.model([](qrxsim::ControllerModel &m) {
-        m.servoStatus = 3;
-        m.deadman = 1;
-    });
-    return m_ctl.holdServo(3);
-}
-
 void TestServoMode::framesOnTheWire_data()
 {
-    QTest::addColumn<Call>("call");
-    QTest::addColumn<QStringList>("expected");
+    familytest::frameColumns();
 
     QTest::newRow("set_servo_state") << Call([] { set_servo_state(3); })
                                      << QStringList{frame(0x2001, R"({"robot":1,"status":3})")};
@@ -153,9 +130,7 @@ void TestServoMode::framesOnTheWire_data()
 
 void TestServoMode::framesOnTheWire()
 {
-    QFETCH(Call, call);
-    QFETCH(QStringList, expected);
-    QCOMPARE(m_ctl.framesOf(call), expected);
+    m_ctl.compareRowFrames();
 }
 
 void TestServoMode::gettersReturnTheReply_data()
@@ -258,7 +233,7 @@ void TestServoMode::jogRepeatsUntilStopped()
         m.positionDeg[2] = 10.0;
         m.speed = 50;
     });
-    QVERIFY(servoRunning());
+    QVERIFY(m_ctl.servoRunning());
     m_ctl.sim->clearReceived();
 
     start_jogging(3, false);
@@ -302,7 +277,7 @@ void TestServoMode::jogRefusals()
     QFETCH(int, axis);
     QFETCH(bool, logsRefusal);
     if (servo == 3)
-        QVERIFY(servoRunning());
+        QVERIFY(m_ctl.servoRunning());
     else
         QVERIFY(m_ctl.holdServo(servo));
     LogCapture log;
@@ -315,7 +290,7 @@ void TestServoMode::jogRefusals()
 // one more from the timer's first tick, then nothing.
 void TestServoMode::jogStopsItsTimerOutsideTeachMode()
 {
-    QVERIFY(servoRunning());
+    QVERIFY(m_ctl.servoRunning());
     QVERIFY(m_ctl.holdMode(1));
     m_ctl.sim->clearReceived();
     start_jogging(1, true);
@@ -330,7 +305,7 @@ void TestServoMode::jogStopsItsTimerOutsideTeachMode()
 // goes out with the axis as given.
 void TestServoMode::externalAxisJog()
 {
-    QVERIFY(servoRunning());
+    QVERIFY(m_ctl.servoRunning());
     m_ctl.robot->externalAxisJog = 1;
     m_ctl.sim->clearReceived();
     start_jogging(2, true);

@@ -7,15 +7,9 @@
 #include "sim/Session.h"
 
 using familytest::Call;
-using familytest::frameText;
-using familytest::json;
+using familytest::frame;
 
 namespace {
-
-QString frame(quint16 code, const char *text)
-{
-    return frameText(code, text ? json(text) : QByteArray());
-}
 
 double g_tool[6] = {1.5, 2, 3, 90, 0, -45};
 
@@ -66,10 +60,9 @@ void TestTools::noLinkResults()
 
 void TestTools::init()
 {
-    if (QByteArray(QTest::currentTestFunction()) == "noLinkResults")
+    if (familytest::runsWithoutLink())
         return;
-    if (!m_ctl.robot)
-        QVERIFY(m_ctl.start());
+    QVERIFY(m_ctl.startOnce());
     m_ctl.model([](qrxsim::ControllerModel &m) {
         m.servoStatus = 0;
         m.deadman = 0;
@@ -82,8 +75,7 @@ void TestTools::init()
 
 void TestTools::framesOnTheWire_data()
 {
-    QTest::addColumn<Call>("call");
-    QTest::addColumn<QStringList>("expected");
+    familytest::frameColumns();
 
     QTest::newRow("switch_tool_hand") << Call([] { switch_tool_hand(3); })
                                       << QStringList{frame(0x380a, R"({"curToolNum":3,"robot":1})")};
@@ -121,9 +113,7 @@ void TestTools::framesOnTheWire_data()
 
 void TestTools::framesOnTheWire()
 {
-    QFETCH(Call, call);
-    QFETCH(QStringList, expected);
-    QCOMPARE(m_ctl.framesOf(call), expected);
+    m_ctl.compareRowFrames();
 }
 
 // The selection is reported to every client; that report wakes waiting

@@ -1,0 +1,38 @@
+#pragma once
+// The texts the library hands to the host's error handler. setErrorHandle()
+// takes a plain function, called on the library's threads, so the texts are
+// kept in one locked list for the whole test executable.
+
+#include <QMutex>
+#include <QString>
+#include <QStringList>
+
+namespace hosterrors {
+
+inline QMutex &mutex()
+{
+    static QMutex m;
+    return m;
+}
+
+inline QStringList &texts()
+{
+    static QStringList t;
+    return t;
+}
+
+// The handler to pass to setErrorHandle().
+inline void collect(const char *text)
+{
+    QMutexLocker lock(&mutex());
+    texts() << QString::fromUtf8(text);
+}
+
+// Whether the handler has been given this text so far.
+inline bool seen(const QString &text)
+{
+    QMutexLocker lock(&mutex());
+    return texts().contains(text);
+}
+
+} // namespace hosterrors
