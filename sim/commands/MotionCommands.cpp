@@ -152,11 +152,7 @@ void takeJogStep(Session &s, const ReceivedFrame &frame)
 void reportServo(Simulator &sim)
 {
     const ControllerModel &m = sim.model();
-    Json::Value v(Json::objectValue);
-    v["mode"] = m.operationMode;
-    v["robot"] = m.currentRobot;
-    v["status"] = m.servoStatus;
-    sim.broadcastJson(0x2003, v);
+    sim.broadcastJson(0x2003, servoReport(m, m.currentRobot));
 }
 
 void stopMotion(SimMotion &motion)
