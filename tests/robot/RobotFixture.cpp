@@ -71,6 +71,32 @@ bool RobotFixture::flush(int timeoutMs)
         timeoutMs);
 }
 
+bool RobotFixture::wokenBy(const std::function<bool()> &send)
+{
+    ReplyWaiter waiter(*m_robot);
+    waiter.start();
+    if (!send())
+        return false;
+    return waitFor([&] { return waiter.finished(); }, 15000) && waiter.woken();
+}
+
+bool RobotFixture::sendWaking(quint16 command, const QByteArray &json, bool raw)
+{
+    return wokenBy([&] {
+        send(command, json, raw);
+        return true;
+    });
+}
+
+bool RobotFixture::sendWithoutWake(quint16 command, const QByteArray &json, bool raw)
+{
+    m_robot->replyMutex.lock();
+    send(command, json, raw);
+    const bool handled = flush(10000);
+    m_robot->replyMutex.unlock();
+    return handled;
+}
+
 class ReplyWaiter::Thread : public QThread
 {
 public:

@@ -10,8 +10,10 @@
 #include "sim/SimHandle.h"
 
 #include <QByteArray>
+#include <QObject>
 #include <functional>
 #include <memory>
+#include <utility>
 
 class RobotFixture
 {
@@ -33,11 +35,40 @@ public:
     // Waits until every frame sent so far has been handled.
     bool flush(int timeoutMs = 10000);
 
+    // Runs send (a report of the controller, or a query it answers; false
+    // when sending failed) while a call waits on the Robot's reply condition
+    // the way the host API does; true once a handler has ended the wait.
+    bool wokenBy(const std::function<bool()> &send);
+    // The same for one frame of the controller, as send() sends it.
+    bool sendWaking(quint16 command, const QByteArray &json, bool raw = false);
+    // Sends one frame, as send() does, with the wait lock held: a handler
+    // that tried to wake would stall the link thread and the marker of
+    // flush() would never come. True once the frame has been handled.
+    bool sendWithoutWake(quint16 command, const QByteArray &json, bool raw = false);
+
 private:
     std::unique_ptr<qrxsim::SimHandle> m_sim;
     std::unique_ptr<Robot> m_robot;
     std::unique_ptr<ThreadSpy> m_relayed;
     int m_markers = 0;
+};
+
+// The base of the robot test classes: the fixture and its Robot, for the
+// test slots of the class built on it.
+class RobotTestCase : public QObject
+{
+protected:
+    // For initTestCase(): starts the fixture (prepare as for start()).
+    bool startRobot(std::function<void(qrxsim::ControllerModel &)> prepare = {})
+    {
+        if (!fixture.start(std::move(prepare)))
+            return false;
+        robot = &fixture.robot();
+        return true;
+    }
+
+    RobotFixture fixture;
+    Robot *robot = nullptr;
 };
 
 // Runs fn in a thread of its own that waits on the Robot's reply condition

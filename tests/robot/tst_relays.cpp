@@ -18,25 +18,11 @@ const QByteArray kRawPayload = QByteArray("raw\0bytes \xff\xfe end", 18);
 
 } // namespace
 
-class tst_Relays : public QObject
+class tst_Relays : public RobotTestCase
 {
     Q_OBJECT
 
 private:
-    RobotFixture fixture;
-    Robot *robot = nullptr;
-
-    // Sends the frame with the wait lock held: a handler that tried to wake
-    // would stall the link thread and the marker behind it would not come.
-    bool deliverWithoutWake(quint16 code, const QByteArray &payload)
-    {
-        robot->replyMutex.lock();
-        fixture.send(code, payload, true);
-        const bool handled = fixture.flush(10000);
-        robot->replyMutex.unlock();
-        return handled;
-    }
-
     void addPayloads(const char *name, quint16 code, const char *signal)
     {
         QTest::newRow((QByteArray(name) + ", JSON").constData()) << code << QByteArray(signal) << kJsonPayload;
@@ -46,8 +32,7 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(fixture.start());
-        robot = &fixture.robot();
+        QVERIFY(startRobot());
     }
 
     void relayed_data()
@@ -252,7 +237,7 @@ private Q_SLOTS:
 
         ThreadSpy spy(robot, signal.constData());
         QVERIFY2(spy.isValid(), signal.constData());
-        QVERIFY(deliverWithoutWake(code, payload));
+        QVERIFY(fixture.sendWithoutWake(code, payload, true));
         QCOMPARE(spy.count(), 1);
         if (!spy.at(0).isEmpty())
             QCOMPARE(spy.at(0).value(0).toByteArray(), payload);
@@ -263,7 +248,7 @@ private Q_SLOTS:
     {
         ThreadSpy spy(robot, SIGNAL(robot_job_File_Info_Finish()));
         QVERIFY(spy.isValid());
-        QVERIFY(deliverWithoutWake(0x5535, QByteArray()));
+        QVERIFY(fixture.sendWithoutWake(0x5535, QByteArray(), true));
         QCOMPARE(spy.count(), 1);
     }
 
@@ -359,11 +344,7 @@ private Q_SLOTS:
             spy.reset(new ThreadSpy(robot, signal.constData()));
             QVERIFY(spy->isValid());
         }
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(code, payload, true);
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(code, payload, true));
         QVERIFY(fixture.flush());
 
         if (spy) {

@@ -43,20 +43,16 @@ QByteArray utf8(const QString &s)
 
 } // namespace
 
-class tst_RobotMessages : public QObject
+class tst_RobotMessages : public RobotTestCase
 {
     Q_OBJECT
-
-private:
-    RobotFixture fixture;
-    Robot *robot = nullptr;
 
 private Q_SLOTS:
     void initTestCase()
     {
         // A controller with two robots, robot 2 addressed, its servo
         // running (deadman on), in remote mode, driving UR-type arms (wire type 7).
-        QVERIFY(fixture.start([](qrxsim::ControllerModel &m) {
+        QVERIFY(startRobot([](qrxsim::ControllerModel &m) {
             m.robotCount = 2;
             m.currentRobot = 2;
             m.servoStatus = 3;
@@ -64,7 +60,6 @@ private Q_SLOTS:
             m.operationMode = 1;
             m.robotTypeWire = 7;
         }));
-        robot = &fixture.robot();
     }
 
     // What the controller reports on its own after the connection is held
@@ -238,11 +233,7 @@ private Q_SLOTS:
     {
         QFETCH(int, code);
 
-        robot->replyMutex.lock();
-        fixture.send(quint16(code), QByteArray("{\"data\":\"机器人1 test\",\"type\":24592}"));
-        const bool handled = fixture.flush(10000);
-        robot->replyMutex.unlock();
-        QVERIFY(handled);
+        QVERIFY(fixture.sendWithoutWake(quint16(code), QByteArray("{\"data\":\"机器人1 test\",\"type\":24592}")));
         QCOMPARE(callbackTexts().size(), 1);
     }
 };

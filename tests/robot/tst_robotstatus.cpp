@@ -20,14 +20,11 @@ QByteArray json(const char *text)
 
 } // namespace
 
-class tst_RobotStatus : public QObject
+class tst_RobotStatus : public RobotTestCase
 {
     Q_OBJECT
 
 private:
-    RobotFixture fixture;
-    Robot *robot = nullptr;
-
     // Puts the Robot into a known mode through the controller's report.
     void holdMode(int mode)
     {
@@ -39,8 +36,7 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(fixture.start());
-        robot = &fixture.robot();
+        QVERIFY(startRobot());
     }
 
     void init()
@@ -85,11 +81,7 @@ private Q_SLOTS:
         robot->modeReceived.store(false);
 
         LogCapture log;
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(0x2103, QByteArray("{\"mode\":") + QByteArray::number(mode) + "}");
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(0x2103, QByteArray("{\"mode\":") + QByteArray::number(mode) + "}"));
         QCOMPARE(robot->operationMode, mode);
         QVERIFY(robot->modeReceived.load());
         QCOMPARE(int(robot->replyFlag.load()), 1);
@@ -135,11 +127,7 @@ private Q_SLOTS:
         robot->modeRepeated.store(false);
         robot->setReady(ready);
 
-        robot->replyMutex.lock();
-        fixture.send(0x2103, payload);
-        const bool handled = fixture.flush(10000);
-        robot->replyMutex.unlock();
-        QVERIFY(handled);
+        QVERIFY(fixture.sendWithoutWake(0x2103, payload));
 
         QCOMPARE(robot->operationMode, 1);
         QVERIFY(!robot->modeReceived.load());
@@ -380,11 +368,7 @@ private Q_SLOTS:
         QFETCH(QVector<double>, stored);
 
         ThreadSpy lines(robot, SIGNAL(receive_moreRobot_CurPosition(QByteArray, QByteArray)));
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(0x2F08, payload);
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(0x2F08, payload));
         QVERIFY(fixture.flush());
 
         QCOMPARE(lines.count(), 1);
@@ -476,11 +460,7 @@ private Q_SLOTS:
 
         const double before = robot->currentPosition[0];
         const int deadman = robot->deadman;
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(quint16(code), payload, true);
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(quint16(code), payload, true));
         QCOMPARE(robot->currentPosition[0], before);
         QCOMPARE(robot->deadman, deadman);
     }

@@ -44,14 +44,11 @@ const QString kEightLengthLine = QStringLiteral(
 
 } // namespace
 
-class tst_RobotTypes : public QObject
+class tst_RobotTypes : public RobotTestCase
 {
     Q_OBJECT
 
 private:
-    RobotFixture fixture;
-    Robot *robot = nullptr;
-
     void holdType(int wire)
     {
         fixture.send(0x2E03, typeReport(wire));
@@ -61,8 +58,7 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(fixture.start());
-        robot = &fixture.robot();
+        QVERIFY(startRobot());
     }
 
     void cleanup()
@@ -130,11 +126,7 @@ private Q_SLOTS:
         LogCapture log;
         ThreadSpy changed(robot, SIGNAL(robot_change_CurRobotType(RobotType)));
         QVERIFY(changed.isValid());
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(0x2E03, typeReport(wire));
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(0x2E03, typeReport(wire)));
         QVERIFY(fixture.flush());
 
         QCOMPARE(robot->robotType, type);
@@ -155,11 +147,7 @@ private Q_SLOTS:
     {
         holdType(3);
         ThreadSpy changed(robot, SIGNAL(robot_change_CurRobotType(RobotType)));
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(0x2E03, "type=7", true);
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(0x2E03, "type=7", true));
         QVERIFY(fixture.flush());
         QCOMPARE(robot->robotType, 8);
         QCOMPARE(robot->axisCount, 4);
@@ -234,11 +222,7 @@ private Q_SLOTS:
         ThreadSpy pitch(robot, SIGNAL(signal_robotUserDhpitch(double)));
         ThreadSpy joint(robot, SIGNAL(robot_joint_para(int, QByteArray)));
         ThreadSpy finished(robot, SIGNAL(signal_DHreviewFinish()));
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(code, kDhPayload);
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(code, kDhPayload));
         QVERIFY(fixture.flush());
 
         const QStringList dhLines = log.lines().filter(kDhLinePrefix);
@@ -297,11 +281,7 @@ private Q_SLOTS:
         ThreadSpy state(robot, SIGNAL(robot_user_dhParaState(QStringList)));
         ThreadSpy finished(robot, SIGNAL(signal_DHreviewFinish()));
 
-        robot->replyMutex.lock();
-        fixture.send(code, payload);
-        const bool handled = fixture.flush(10000);
-        robot->replyMutex.unlock();
-        QVERIFY(handled);
+        QVERIFY(fixture.sendWithoutWake(code, payload));
 
         QVERIFY(log.lines().filter(kDhLinePrefix).isEmpty());
         QCOMPARE(state.count(), 0);
@@ -368,11 +348,7 @@ private Q_SLOTS:
         LogCapture log;
         ThreadSpy spy(robot, signal.constData());
         QVERIFY(spy.isValid());
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(code, payload);
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(code, payload));
         QVERIFY(fixture.flush());
 
         QCOMPARE(spy.count(), 1);
@@ -394,11 +370,7 @@ private Q_SLOTS:
     {
         holdType(3);
         fixture.sim().withModel([](qrxsim::ControllerModel &m) { m.robotTypeWire = 7; });
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        QVERIFY(robot->send(0x2E02, QByteArray()));
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.wokenBy([this] { return robot->send(0x2E02, QByteArray()); }));
         QCOMPARE(robot->robotType, 2);
         QCOMPARE(robot->axisCount, 6);
         fixture.sim().withModel([](qrxsim::ControllerModel &m) { m.robotTypeWire = 1; });

@@ -30,19 +30,14 @@ QVector<double> flat(const double (&values)[N])
 } // namespace
 Q_DECLARE_METATYPE(CacheReader)
 
-class tst_RobotWiring : public QObject
+class tst_RobotWiring : public RobotTestCase
 {
     Q_OBJECT
-
-private:
-    RobotFixture fixture;
-    Robot *robot = nullptr;
 
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(fixture.start());
-        robot = &fixture.robot();
+        QVERIFY(startRobot());
     }
 
     void init()
@@ -156,11 +151,7 @@ private Q_SLOTS:
 
         ThreadSpy relayed(robot, signal.constData());
         QVERIFY(relayed.isValid());
-        robot->replyMutex.lock();
-        fixture.send(quint16(code), payload, true);
-        const bool handled = fixture.flush(10000);
-        robot->replyMutex.unlock();
-        QVERIFY(handled);
+        QVERIFY(fixture.sendWithoutWake(quint16(code), payload, true));
 
         // The marker of flush() is relayed as raw data too: take the first call.
         QVERIFY(relayed.count() >= 1);
@@ -175,11 +166,8 @@ private Q_SLOTS:
     {
         ThreadSpy update(robot, SIGNAL(robot_position_update(QVector<double>, int, int)));
         QVERIFY(update.isValid());
-        robot->replyMutex.lock();
-        fixture.send(0x2A03, QByteArray("{\"configuration\":5,\"coord\":2,\"posDeg\":[1.5,2,3,4,5,6,-7],\"robot\":2}"));
-        const bool handled = fixture.flush(10000);
-        robot->replyMutex.unlock();
-        QVERIFY(handled);
+        QVERIFY(fixture.sendWithoutWake(
+            0x2A03, QByteArray("{\"configuration\":5,\"coord\":2,\"posDeg\":[1.5,2,3,4,5,6,-7],\"robot\":2}")));
         QCOMPARE(update.count(), 1);
         QCOMPARE(update.at(0).value(0).value<QVector<double>>(), (QVector<double>{1.5, 2, 3, 4, 5, 6, -7}));
         QCOMPARE(update.at(0).value(1).toInt(), 2);
@@ -287,11 +275,7 @@ private Q_SLOTS:
         QFETCH(CacheReader, cache);
         QFETCH(QVector<double>, expected);
 
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(quint16(code), payload);
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(quint16(code), payload));
         QCOMPARE(cache(*robot), expected);
     }
 

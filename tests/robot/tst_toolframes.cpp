@@ -20,30 +20,36 @@ QVector<double> row(const double *values, int n)
 
 } // namespace
 
-class tst_ToolFrames : public QObject
+class tst_ToolFrames : public RobotTestCase
 {
     Q_OBJECT
 
 private:
-    RobotFixture fixture;
-    Robot *robot = nullptr;
-
     // Sends one report and waits until the handler has woken a waiting call.
     void deliver(quint16 code, const QByteArray &payload)
     {
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        fixture.send(code, payload);
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.sendWaking(code, payload));
         QVERIFY(fixture.flush());
+    }
+
+    // Delivers the report with signal watched: it must write line once and
+    // emit signal once; args takes that emission's arguments.
+    void deliverOnce(quint16 code, const QByteArray &payload, const char *signal, const QString &line,
+                     QList<QVariant> *args)
+    {
+        LogCapture log;
+        ThreadSpy spy(robot, signal);
+        QVERIFY(spy.isValid());
+        deliver(code, payload);
+        QCOMPARE(log.count(line), 1);
+        QCOMPARE(spy.count(), 1);
+        *args = spy.at(0);
     }
 
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(fixture.start());
-        robot = &fixture.robot();
+        QVERIFY(startRobot());
     }
 
     void toolParameters_data()
@@ -83,19 +89,17 @@ private Q_SLOTS:
         QFETCH(bool, stored);
         QFETCH(QString, line);
 
-        LogCapture log;
-        ThreadSpy spy(robot, SIGNAL(robot_tool_count_check(int, QVector<double>, QByteArray)));
-        QVERIFY(spy.isValid());
-        deliver(0x3807, payload);
+        QList<QVariant> args;
+        deliverOnce(0x3807, payload, SIGNAL(robot_tool_count_check(int, QVector<double>, QByteArray)), line, &args);
+        if (QTest::currentTestFailed())
+            return;
 
         QCOMPARE(robot->lastToolNum, tool);
         if (stored)
             QCOMPARE(row(robot->toolParameters[tool], 6), values);
-        QCOMPARE(log.count(line), 1);
-        QCOMPARE(spy.count(), 1);
-        QCOMPARE(spy.at(0).value(0).toInt(), tool);
-        QCOMPARE(spy.at(0).value(1).value<QVector<double>>(), values);
-        QCOMPARE(spy.at(0).value(2).toByteArray(), payload + '\n');
+        QCOMPARE(args.value(0).toInt(), tool);
+        QCOMPARE(args.value(1).value<QVector<double>>(), values);
+        QCOMPARE(args.value(2).toByteArray(), payload + '\n');
     }
 
     void userFrame_data()
@@ -128,16 +132,14 @@ private Q_SLOTS:
         QFETCH(QVector<double>, frame);
         QFETCH(bool, inquire);
 
-        LogCapture log;
-        ThreadSpy spy(robot, SIGNAL(robot_usercoords_reply(int, QString, QVector<double>, bool)));
-        QVERIFY(spy.isValid());
-        deliver(0x3C09, payload);
+        QList<QVariant> args;
+        deliverOnce(0x3C09, payload, SIGNAL(robot_usercoords_reply(int, QString, QVector<double>, bool)), line, &args);
+        if (QTest::currentTestFailed())
+            return;
 
-        QCOMPARE(log.count(line), 1);
-        QCOMPARE(spy.count(), 1);
-        QCOMPARE(spy.at(0).value(1).toString(), line);
-        QCOMPARE(spy.at(0).value(2).value<QVector<double>>(), frame);
-        QCOMPARE(spy.at(0).value(3).toBool(), inquire);
+        QCOMPARE(args.value(1).toString(), line);
+        QCOMPARE(args.value(2).value<QVector<double>>(), frame);
+        QCOMPARE(args.value(3).toBool(), inquire);
     }
 
     void userFrameSelectedAndNote()
@@ -183,14 +185,12 @@ private Q_SLOTS:
         QFETCH(QString, line);
 
         const QByteArray payload = "{\"pointNum\":2,\"pos\":[1.5,-2.5,300.0,0.0,90.0,180.0]}";
-        LogCapture log;
-        ThreadSpy spy(robot, signal.constData());
-        QVERIFY(spy.isValid());
-        deliver(code, payload);
-        QCOMPARE(log.count(line), 1);
-        QCOMPARE(spy.count(), 1);
-        QCOMPARE(spy.at(0).value(0).toInt(), 2);
-        QCOMPARE(spy.at(0).value(1).toByteArray(), payload + '\n');
+        QList<QVariant> args;
+        deliverOnce(code, payload, signal.constData(), line, &args);
+        if (QTest::currentTestFailed())
+            return;
+        QCOMPARE(args.value(0).toInt(), 2);
+        QCOMPARE(args.value(1).toByteArray(), payload + '\n');
     }
 
     void results_data()
@@ -229,15 +229,13 @@ private Q_SLOTS:
         QFETCH(QByteArray, signal);
         QFETCH(int, first);
 
-        LogCapture log;
-        ThreadSpy spy(robot, signal.constData());
-        QVERIFY(spy.isValid());
-        deliver(code, payload);
-        QCOMPARE(log.count(line), 1);
-        QCOMPARE(spy.count(), 1);
-        QCOMPARE(spy.at(0).value(0).toInt(), first);
+        QList<QVariant> args;
+        deliverOnce(code, payload, signal.constData(), line, &args);
+        if (QTest::currentTestFailed())
+            return;
+        QCOMPARE(args.value(0).toInt(), first);
         if (code == 0x7104)
-            QCOMPARE(spy.at(0).value(1).toDouble(), first ? 0.25 : 3.5);
+            QCOMPARE(args.value(1).toDouble(), first ? 0.25 : 3.5);
     }
 
     void fourPoint_data()
@@ -446,11 +444,7 @@ private:
     // Sends a query the way the host API does: lock, send, wait for a wake.
     void deliverQuery(quint16 code, const QByteArray &payload)
     {
-        ReplyWaiter waiter(*robot);
-        waiter.start();
-        QVERIFY(robot->send(code, payload));
-        QTRY_VERIFY_WITH_TIMEOUT(waiter.finished(), 15000);
-        QVERIFY(waiter.woken());
+        QVERIFY(fixture.wokenBy([&] { return robot->send(code, payload); }));
         QVERIFY(fixture.flush());
     }
 };
