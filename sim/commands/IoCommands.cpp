@@ -66,21 +66,17 @@ Json::Value ioReport(const double *values)
 Json::Value doutReport(const ControllerModel &m, const Json::Value &) { return ioReport(m.io.dout.data()); }
 Json::Value aoutReport(const ControllerModel &m, const Json::Value &) { return ioReport(m.io.aout.data()); }
 
-Json::Value dinReport(const ControllerModel &m, const Json::Value &)
+// The inputs, looped back from the outputs port by port.
+Json::Value inputReport(const SimIo &io, double (SimIo::*input)(int) const)
 {
-    double din[SimIo::ports];
+    double values[SimIo::ports];
     for (int i = 0; i < SimIo::ports; ++i)
-        din[i] = m.io.din(i);
-    return ioReport(din);
+        values[i] = (io.*input)(i);
+    return ioReport(values);
 }
 
-Json::Value ainReport(const ControllerModel &m, const Json::Value &)
-{
-    double ain[SimIo::ports];
-    for (int i = 0; i < SimIo::ports; ++i)
-        ain[i] = m.io.ain(i);
-    return ioReport(ain);
-}
+Json::Value dinReport(const ControllerModel &m, const Json::Value &) { return inputReport(m.io, &SimIo::din); }
+Json::Value ainReport(const ControllerModel &m, const Json::Value &) { return inputReport(m.io, &SimIo::ain); }
 
 Json::Value positionReport(const ControllerModel &m, const Json::Value &request)
 {
