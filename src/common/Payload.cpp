@@ -2,6 +2,7 @@
 
 #include <json/reader.h>
 #include <cstring>
+#include <exception>
 #include <memory>
 
 namespace qrx {
@@ -19,7 +20,15 @@ bool parsePayload(const QByteArray &payload, Json::Value &out)
     }();
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     out = Json::Value();
-    if (!reader->parse(begin, end, &out, nullptr)) {
+    bool parsed = false;
+    try {
+        parsed = reader->parse(begin, end, &out, nullptr);
+    } catch (const std::exception &) {
+        // jsoncpp throws on nesting deeper than its stack limit; for the
+        // link thread that is one more malformed payload.
+        parsed = false;
+    }
+    if (!parsed) {
         out = Json::Value();
         return false;
     }

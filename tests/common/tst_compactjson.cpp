@@ -23,6 +23,8 @@ private Q_SLOTS:
     void payloadEndsWithOneLineFeed();
     void payloadReadUpToFirstNul();
     void notJson();
+    void tooDeepIsNotJson_data();
+    void tooDeepIsNotJson();
 };
 
 void TestCompactJson::reals_data()
@@ -158,6 +160,36 @@ void TestCompactJson::notJson()
     QVERIFY(!qrx::parsePayload("{\"robot\":", v));
     QVERIFY(v.isNull());
     QVERIFY(!qrx::parsePayload(QByteArray(), v));
+}
+
+// jsoncpp gives up on nesting deeper than its stack limit by throwing; a
+// controller payload like that is malformed and must read as not JSON, since
+// the link thread parses it.
+void TestCompactJson::tooDeepIsNotJson_data()
+{
+    QTest::addColumn<QByteArray>("payload");
+    QTest::newRow("5000 open brackets") << QByteArray(5000, '[');
+    QTest::newRow("2000 closed brackets") << QByteArray(2000, '[') + QByteArray(2000, ']') + "\n";
+    QByteArray objects;
+    for (int i = 0; i < 1500; ++i)
+        objects += "{\"a\":";
+    QTest::newRow("1500 nested objects") << objects + "1" + QByteArray(1500, '}') + "\n";
+    QTest::newRow("deep inside a valid member")
+        << QByteArray("{\"robot\":1,\"x\":") + QByteArray(60000, '[') + QByteArray(60000, ']') + "}\n";
+}
+
+void TestCompactJson::tooDeepIsNotJson()
+{
+    QFETCH(QByteArray, payload);
+    Json::Value v(42);
+    bool parsed = true;
+    try {
+        parsed = qrx::parsePayload(payload, v);
+    } catch (const std::exception &e) {
+        QFAIL(qPrintable(QStringLiteral("parsePayload threw: %1").arg(QString::fromLocal8Bit(e.what()))));
+    }
+    QVERIFY(!parsed);
+    QVERIFY(v.isNull());
 }
 
 QTEST_APPLESS_MAIN(TestCompactJson)

@@ -587,6 +587,10 @@ void TestDispatch::specialRows_data()
         QTest::addRow("%s json", row[0]) << code << json << QStringList{payloadEvent(row[1], json)};
         QTest::addRow("%s not json", row[0]) << code << broken << QStringList{};
         QTest::addRow("%s empty", row[0]) << code << QByteArray() << QStringList{};
+        // Deeper than the JSON reader's stack limit: not JSON, and no throw
+        // on the link thread.
+        QTest::addRow("%s nested too deep", row[0])
+            << code << QByteArray(3000, '[') + QByteArray(3000, ']') + "\n" << QStringList{};
         // Text after a NUL is not read, but the payload is handed on whole.
         const QByteArray withNul = json + QByteArray(1, '\0') + "tail";
         QTest::addRow("%s json, NUL, tail", row[0]) << code << withNul << QStringList{payloadEvent(row[1], withNul)};
@@ -625,6 +629,11 @@ void TestDispatch::specialRows_data()
     QTest::newRow("0x2A03 json array") << quint16(0x2A03) << QByteArray("[1,2,3]\n") << QStringList{};
     QTest::newRow("0x2A03 posDeg object")
         << quint16(0x2A03) << QByteArray("{\"configuration\":1,\"coord\":1,\"posDeg\":{\"a\":1},\"robot\":1}\n")
+        << QStringList{};
+    QTest::newRow("0x2A03 posDeg nested too deep")
+        << quint16(0x2A03)
+        << QByteArray("{\"configuration\":1,\"coord\":1,\"posDeg\":") + QByteArray(3000, '[')
+               + QByteArray(3000, ']') + ",\"robot\":1}\n"
         << QStringList{};
     QTest::newRow("0x2A03 text where a number belongs")
         << quint16(0x2A03) << QByteArray("{\"configuration\":1,\"coord\":\"x\",\"posDeg\":[1.0],\"robot\":1}\n")
