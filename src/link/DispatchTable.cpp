@@ -372,8 +372,6 @@ constexpr DispatchRow kRows[] = {
     // Job run status (0x91..)
     {0x9103, Forward, &N::receivedProRunStatus, &N::receivedJobStatus},
     {0x9106, Forward, &N::signal_receivedCurRunLine},
-
-    // *Algorithms*
 };
 
 constexpr bool strictlyAscending()

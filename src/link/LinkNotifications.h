@@ -383,8 +383,6 @@ Q_SIGNALS:
     // Job run status (0x91..)
     void signal_receivedCurRunLine(const QByteArray &data);
 
-    // *Algorithms*
-
     // Declared for listeners that connect to them by name; the controller
     // has no code for them, so they are never emitted.
     void receivedRunningMode(uchar runningMode);
