@@ -118,8 +118,8 @@ std::string MoveCommand::body() const
             line += " SIDE = " + num(side);
         }
         line += textOf(paraV);
-        if (type == 5) // separated by a space so that the line reads back
-            line += " " + imovecoord;
+        if (type == 5) // the coordinate system follows the speed text as it is
+            line += imovecoord;
     } else {
         line = "///";
     }

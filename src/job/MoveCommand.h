@@ -3,7 +3,7 @@
 // DOUBLE moves, SAMOV, the laser shapes and POLISH_EDGE (type codes 1-6, 28,
 // 32-34, 54-60, 63-66, 109).
 //
-// Line: keyword, target, [laser geometry], speed, [" " IMOV coordinate],
+// Line: keyword, target, [laser geometry], speed, [IMOV coordinate],
 // blending, ACC, DEC, [SPIN], [M = margin], [SYNC], [ID = para],
 // [T/ID/ANGLE of the polish], [time], [" DISABLE"]:
 //   MOVJ P0001 VJ = 50 % PL = 0 ACC = 0 DEC = 0 0

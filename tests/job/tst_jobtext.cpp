@@ -62,7 +62,9 @@ void TestJobText::lines_data()
     row("MOVCA spin", R"({"type":4,"positionId":"P4","ParaV":{"data":20,"m_vUnit":1},"ParaSPIN":{"data":1}})",
         "MOVCA P4 V = 20 mm/s PL = 0 ACC = 0 DEC = 0 SPIN = 1 0");
     row("IMOV coordinate", R"({"type":5,"positionId":"P5","imovecoord":"USER","ParaV":{"data":10,"m_vUnit":1}})",
-        "IMOV P5 V = 10 mm/s USER PL = 0 ACC = 0 DEC = 0 0");
+        "IMOV P5 V = 10 mm/sUSER PL = 0 ACC = 0 DEC = 0 0");
+    row("IMOV coordinate after a speed in cm/s", R"({"type":5,"positionId":"P5","imovecoord":" TOOL","ParaV":{"data":10,"m_vUnit":0}})",
+        "IMOV P5 TOOL PL = 0 ACC = 0 DEC = 0 0");
     row("MOVS", R"({"type":6,"positionId":"P6","ParaV":{"data":10,"m_vUnit":1}})",
         "MOVS P6 V = 10 mm/s PL = 0 ACC = 0 DEC = 0 0");
     row("CIL ID", R"({"type":28,"positionId":"P7","para":3,"ParaV":{"data":5,"m_vUnit":1}})",
