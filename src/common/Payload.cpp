@@ -16,6 +16,9 @@ bool parsePayload(const QByteArray &payload, Json::Value &out)
     static const Json::CharReaderBuilder builder = [] {
         Json::CharReaderBuilder b;
         b["collectComments"] = false;
+        // The CharReader's defaults take "[1,2,]" and "{\"a\":1,}"; neither
+        // JSON nor Json::Reader does.
+        b["allowTrailingCommas"] = false;
         return b;
     }();
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());

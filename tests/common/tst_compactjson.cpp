@@ -160,6 +160,9 @@ void TestCompactJson::notJson()
     QVERIFY(!qrx::parsePayload("{\"robot\":", v));
     QVERIFY(v.isNull());
     QVERIFY(!qrx::parsePayload(QByteArray(), v));
+    QVERIFY(!qrx::parsePayload("{\"robot\":1,}\n", v));
+    QVERIFY(v.isNull());
+    QVERIFY(!qrx::parsePayload("[1,2,]\n", v));
 }
 
 // jsoncpp gives up on nesting deeper than its stack limit by throwing; a

@@ -587,6 +587,9 @@ void TestDispatch::specialRows_data()
         QTest::addRow("%s json", row[0]) << code << json << QStringList{payloadEvent(row[1], json)};
         QTest::addRow("%s not json", row[0]) << code << broken << QStringList{};
         QTest::addRow("%s empty", row[0]) << code << QByteArray() << QStringList{};
+        // JSON has no trailing commas.
+        QTest::addRow("%s trailing comma", row[0])
+            << code << QByteArray("{\"robot\":1,\"status\":3,}\n") << QStringList{};
         // Deeper than the JSON reader's stack limit: not JSON, and no throw
         // on the link thread.
         QTest::addRow("%s nested too deep", row[0])
