@@ -32,6 +32,22 @@ const char *const kRobotNames[] = {
     QT_TRANSLATE_NOOP("Robot", "机器人4"),
 };
 
+// "data" taken as a string: a number or a flag reads as its JSON spelling
+// ({"data":404} is "404", {"data":true} is "true"), null as the empty text.
+// An array or an object has no text.
+QString dataText(const Json::Value &data)
+{
+    if (data.isString()) {
+        const char *begin = nullptr;
+        const char *end = nullptr;
+        data.getString(&begin, &end);
+        return QString::fromUtf8(begin, int(end - begin));
+    }
+    if (data.isNumeric() || data.isBool())
+        return QString::fromStdString(data.asString());
+    return QString();
+}
+
 } // namespace
 
 namespace qrx {
@@ -50,7 +66,7 @@ Robot::DeliveredMessage Robot::deliverMessage(const char *prefix, const QByteArr
     if (!qrx::parsePayload(payload, root) || !root.isObject() || !root.isMember("data"))
         return message;
     message.delivered = true;
-    message.data = qrx::jsonString(root, "data");
+    message.data = dataText(qrx::jsonMember(root, "data"));
     message.hasType = root.isMember("type");
     message.type = qrx::jsonInt(root, "type");
 

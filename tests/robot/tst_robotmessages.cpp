@@ -106,6 +106,14 @@ private Q_SLOTS:
                                     << utf8(QStringLiteral("消息： ")) << QByteArray();
         QTest::newRow("text ends at NUL") << 0x2B04 << QByteArray("{\"data\":\"ok\"}\n\0{\"data\":\"x\"}", 28)
                                           << utf8(QStringLiteral("警告： ok")) << QByteArray("ok");
+        QTest::newRow("numeric data") << 0x2B03 << QByteArray("{\"data\":404,\"type\":1}")
+                                      << utf8(QStringLiteral("错误： 404")) << QByteArray("404");
+        QTest::newRow("negative data") << 0x2B05 << QByteArray("{\"data\":-7}")
+                                       << utf8(QStringLiteral("消息： -7")) << QByteArray("-7");
+        QTest::newRow("flag data") << 0x2B04 << QByteArray("{\"data\":true}")
+                                   << utf8(QStringLiteral("警告： true")) << QByteArray("true");
+        QTest::newRow("null data") << 0x2B04 << QByteArray("{\"data\":null}")
+                                   << utf8(QStringLiteral("警告： ")) << QByteArray();
         QTest::newRow("escaped quote") << 0x2B03 << QByteArray("{\"data\":\"axis \\\"3\\\"\",\"type\":1}")
                                        << utf8(QStringLiteral("错误： axis \"3\"")) << QByteArray("axis \"3\"");
     }
