@@ -2,6 +2,8 @@
 
 #include "common/Logging.h"
 
+#include <QScopeGuard>
+
 #include <zlib.h>
 
 namespace qrx {
@@ -65,13 +67,23 @@ QVector<Frame> FrameDecoder::feed(const QByteArray &bytes)
 
 void FrameDecoder::scan(EmitFn deliver, void *ctx)
 {
-    const char *data = m_buffer.constData();
-    const int size = m_buffer.size();
+    // Bytes fed from inside a sink only join the buffer; the scan that is
+    // already running reaches them and hands their frames to its own sink.
+    if (m_scanning)
+        return;
+    m_scanning = true;
     int pos = 0;
-    // The same steps as dropping bytes from the front one at a time, with
-    // "the buffer" being the bytes from pos to the end.
-    while (size - pos > 9) {
-        const char *p = data + pos;
+    const auto consume = qScopeGuard([this, &pos] {
+        m_scanning = false;
+        if (pos >= m_buffer.size())
+            m_buffer.clear();
+        else if (pos > 0)
+            m_buffer.remove(0, pos);
+    });
+    // The buffer may grow (or be cleared) while a frame is handed out, so it
+    // is looked at afresh on every turn.
+    while (m_buffer.size() - pos > 9) {
+        const char *p = m_buffer.constData() + pos;
         if (p[0] != kHead1 || p[1] != kHead2) {
             ++pos;
             qCDebug(lcLink, "onTcpSocketReadyRead: head error");
@@ -79,7 +91,7 @@ void FrameDecoder::scan(EmitFn deliver, void *ctx)
         }
         const int length = int(readBig16(p + 2));
         const quint16 command = quint16(readBig16(p + 4));
-        if (length + 9 >= size - pos)
+        if (length + 9 >= m_buffer.size() - pos)
             break; // wait for the rest of the frame
         const quint32 received = readBig32(p + 6 + length);
         if (frameCrc(p + 2, length + 4) != received) {
@@ -89,15 +101,11 @@ void FrameDecoder::scan(EmitFn deliver, void *ctx)
             continue;
         }
         pos += length + kFrameOverhead;
-        deliver(ctx, command, p + 6, length);
-        // deliver may not touch m_buffer: data stays valid.
+        m_cleared = false;
+        deliver(ctx, command, p + 6, length); // copies the payload before the sink runs
+        if (m_cleared)
+            pos = 0;
     }
-    // The buffer often shares its bytes with the caller's read: remove()
-    // would first copy all of them. Keep only the rest, copying just that.
-    if (pos >= size)
-        m_buffer.clear();
-    else if (pos > 0)
-        m_buffer = m_buffer.mid(pos);
 }
 
 } // namespace qrx

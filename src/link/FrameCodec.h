@@ -56,7 +56,11 @@ public:
     void feed(const QByteArray &bytes, Sink &&sink);
 
     int buffered() const { return m_buffer.size(); }
-    void clear() { m_buffer.clear(); }
+    void clear()
+    {
+        m_buffer.clear();
+        m_cleared = true;
+    }
 
 private:
     // Scans m_buffer from its front, hands each frame to deliver(ctx, ...) and
@@ -65,6 +69,8 @@ private:
     void scan(EmitFn deliver, void *ctx);
 
     QByteArray m_buffer;
+    bool m_scanning = false; // a feed is handing out frames
+    bool m_cleared = false;  // clear() ran while a frame was handed out
 };
 
 template <typename Sink>
