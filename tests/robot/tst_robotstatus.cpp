@@ -451,6 +451,15 @@ private Q_SLOTS:
         QTest::newRow("deadman, empty") << 0x2303 << QByteArray();
         QTest::newRow("dout, wrong kind") << 0x3603 << json("{\"status\":\"on\"}");
         QTest::newRow("tool, string robot") << 0x380C << json("{\"curToolNum\":\"x\",\"robot\":\"1\"}");
+        // JSON that is no object: the member lookups must not throw on the
+        // link thread (jsoncpp's isMember() and operator[] do on an array).
+        QTest::newRow("speed, array") << 0x2603 << json("[101,102]");
+        QTest::newRow("speed, number") << 0x2603 << json("101");
+        QTest::newRow("tool, array") << 0x380C << json("[{\"curToolNum\":2}]");
+        QTest::newRow("servo, string") << 0x2003 << json("\"status\"");
+        QTest::newRow("coordinate, array") << 0x2203 << json("[1,3]");
+        QTest::newRow("position, members of other kinds")
+            << 0x2F08 << json("{\"robot\":[1],\"coord\":{},\"pos\":{\"0\":5},\"posDeg\":\"x\"}");
     }
 
     void malformedPayloadsStillWake()
@@ -460,9 +469,15 @@ private Q_SLOTS:
 
         const double before = robot->currentPosition[0];
         const int deadman = robot->deadman;
+        const int speed = robot->speed;
+        const int tool = robot->currentTool;
+        const quint8 coordinate = robot->coordinate;
         QVERIFY(fixture.sendWaking(quint16(code), payload, true));
         QCOMPARE(robot->currentPosition[0], before);
         QCOMPARE(robot->deadman, deadman);
+        QCOMPARE(robot->speed, speed);
+        QCOMPARE(robot->currentTool, tool);
+        QCOMPARE(robot->coordinate, coordinate);
     }
 };
 
