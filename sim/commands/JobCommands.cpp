@@ -14,6 +14,8 @@
 //   0x3309 {"robot"} -> 0x330A {"value"[7]}: last cycle time (s), time in the
 //          current cycle (s), cycles done since start-up, runs done, runs
 //          wanted, line, lines of the job
+// A paused job continues with the drives running, or with the servo ready
+// while the drives come up (deadman on); it runs on once they are up.
 // Every change of the running state (0 stopped, 1 paused, 2 running) goes to
 // every client as 0x3D03 {"robot","status"}; the line is only reported when
 // asked for, so a running job does not wake the host's waiting calls by
@@ -34,7 +36,14 @@ namespace {
 constexpr int kStopped = 0;
 constexpr int kPaused = 1;
 constexpr int kRunning = 2;
+constexpr int kServoReady = 1;
 constexpr int kServoRunning = 3;
+
+// Servo ready with the deadman on: the drives are coming up.
+bool drivesComingUp(const ControllerModel &m)
+{
+    return m.servoStatus == kServoReady && m.deadman == 1;
+}
 
 void reportRunStatus(ControllerModel &m, const std::function<void(quint16, const Json::Value &)> &send)
 {
@@ -101,7 +110,9 @@ void continueRun(Session &s)
         refuse(s, "continue refused: no paused job");
         return;
     }
-    if (m.servoStatus != kServoRunning) {
+    // The host continues only with the servo ready; the run goes on once
+    // the drives are up.
+    if (m.servoStatus != kServoRunning && !drivesComingUp(m)) {
         refuse(s, "job refused: the servo is not running");
         return;
     }
@@ -183,6 +194,8 @@ void tickJob(Simulator &sim, qint64 elapsedMs)
     if (m.runStatus != kRunning)
         return;
     auto broadcast = [&sim](quint16 code, const Json::Value &v) { sim.broadcastJson(code, v); };
+    if (drivesComingUp(m))
+        return; // a continued run waits for the drives
     if (m.servoStatus != kServoRunning) { // the drives went off: the job pauses
         m.runStatus = kPaused;
         reportRunStatus(m, broadcast);

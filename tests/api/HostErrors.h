@@ -35,4 +35,11 @@ inline bool seen(const QString &text)
     return texts().contains(text);
 }
 
+// How many times the handler has been given this text so far.
+inline int count(const QString &text)
+{
+    QMutexLocker lock(&mutex());
+    return texts().count(text);
+}
+
 } // namespace hosterrors

@@ -6,6 +6,8 @@
 #include "FamilyFixture.h"
 #include "support/LogCapture.h"
 
+#include <limits>
+
 using familytest::Call;
 using familytest::frame;
 
@@ -22,6 +24,7 @@ private slots:
     void preconditions();
     void continueJob_data();
     void continueJob();
+    void continueJobWhileDrivesComeUp();
     void robotNumbers();
     void runningLineWithoutWaiting();
     void singleCycleFigures();
@@ -163,6 +166,40 @@ void TestJobs::continueJob()
     const QString resume = frame(0x2501, R"({"continueRun":1,"line":1,"robot":1,"startOver":false})");
     QCOMPARE(frames.contains(resume), result == 0);
     QCOMPARE(frames.filter(QStringLiteral("0x2501")).size(), result == 0 ? 1 : 0);
+}
+
+// continue_job resumes only with the servo ready (1): the controller takes
+// it while the drives are still coming up and runs on once they are.
+void TestJobs::continueJobWhileDrivesComeUp()
+{
+    m_ctl.model([](qrxsim::ControllerModel &m) {
+        m.operationMode = 2;
+        m.job.running = "WELD01";
+        m.job.line = 4;
+        m.runStatus = 1;
+        m.servoStatus = 1;
+        m.deadman = 1;
+        m.motion.driveEngageAtMs = std::numeric_limits<qint64>::max() / 2; // not up yet
+    });
+    QVERIFY(m_ctl.holdServo(1));
+    QVERIFY(m_ctl.holdRunningState(1));
+    const QString refusal = QStringLiteral("错误： job refused: the servo is not running");
+    const int refusals = hosterrors::count(refusal);
+
+    QCOMPARE(continue_job(), 0);
+    QTRY_COMPARE_WITH_TIMEOUT(m_ctl.robot->runningStatus, 2, 10000);
+    QVERIFY(m_ctl.settle());
+    QCOMPARE(hosterrors::count(refusal), refusals);
+    int line = 0;
+    m_ctl.model([&line](qrxsim::ControllerModel &m) { line = m.job.line; });
+    QCOMPARE(line, 4); // no line runs before the drives are up
+
+    // The drives come up: the job goes on from where it stood.
+    m_ctl.model([](qrxsim::ControllerModel &m) { m.motion.driveEngageAtMs = 0; });
+    QTRY_VERIFY_WITH_TIMEOUT(get_job_running_lines() > 4, 10000);
+    QCOMPARE(m_ctl.robot->runningStatus, 2);
+    stop_job();
+    QTRY_COMPARE_WITH_TIMEOUT(m_ctl.robot->runningStatus, 0, 10000);
 }
 
 // open_job always names robot 1; the others name the robot addressed, the
