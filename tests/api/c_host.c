@@ -256,6 +256,27 @@ int main(int argc, char **argv)
     CHECK(strcmp(callbackText, "错误： C host") == 0);
     pthread_mutex_unlock(&lock);
 
+    /* Jogging runs on the library's own thread: one step at once, then one
+     * per timer tick, and none after the stop. */
+    sendFrame(0x2003, "{\"mode\":0,\"robot\":1,\"status\":3}\n");
+    {
+        double deadline = nowSeconds() + 10.0;
+        while (get_servo_state() != 3 && nowSeconds() < deadline)
+            usleep(2000);
+        CHECK(get_servo_state() == 3);
+    }
+    start_jogging(3, false);
+    index = waitForFrame(0x2901, 0, 10.0);
+    CHECK(payloadIs(index, "{\"axis\":3,\"direction\":-1}\n"));
+    index = waitForFrame(0x2901, index + 1, 10.0);
+    CHECK(payloadIs(index, "{\"axis\":3,\"direction\":-1}\n"));
+    stop_jogging(3);
+    index = waitForFrame(0x2902, 0, 10.0);
+    CHECK(payloadIs(index, "{\"axis\":3}\n"));
+    continuous_motion_start(); /* sent after the stop: every frame before it is in */
+    CHECK(waitForFrame(0x50B8, 0, 10.0) > index);
+    CHECK(waitForFrame(0x2901, index, 0.0) < 0);
+
     continuous_motion_mode(0);
     index = waitForFrame(0x50B1, 0, 10.0);
     CHECK(payloadIs(index, "{\"open\":false}\n"));
