@@ -30,6 +30,7 @@ private slots:
     void singleCycleFigures();
     void jobRunsToItsEnd();
     void unknownJobReported();
+    void cleanupTestCase();
 
 private:
     familytest::Controller m_ctl;
@@ -286,6 +287,14 @@ void TestJobs::unknownJobReported()
     open_job("PICK");
     QTRY_VERIFY_WITH_TIMEOUT(hosterrors::seen(QStringLiteral("错误： job not found: PICK")), 10000);
     QCOMPARE(m_ctl.robot->runningStatus, 0);
+}
+
+// The handler and the link end before the process does: a message that
+// arrives during exit must not reach a handler whose texts are gone.
+void TestJobs::cleanupTestCase()
+{
+    setErrorHandle(nullptr);
+    disconnect_robot();
 }
 
 QTEST_GUILESS_MAIN(TestJobs)

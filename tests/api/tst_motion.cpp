@@ -42,6 +42,7 @@ private slots:
     void circleEndsAtItsLastPoint();
     void externalAxesMove();
     void moveRefusedWithServoOff();
+    void cleanupTestCase();
 
 private:
     // Polls the position until axis reaches value; the values seen on the way.
@@ -223,6 +224,14 @@ void TestMotion::moveRefusedWithServoOff()
     double pos[6] = {-1, -1, -1, -1, -1, -1};
     get_current_position(pos, 0);
     QCOMPARE(pos[0], 0.0);
+}
+
+// The handler and the link end before the process does: a message that
+// arrives during exit must not reach a handler whose texts are gone.
+void TestMotion::cleanupTestCase()
+{
+    setErrorHandle(nullptr);
+    disconnect_robot();
 }
 
 QTEST_GUILESS_MAIN(TestMotion)
