@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -16,6 +17,7 @@ namespace qrx::api {
 namespace {
 
 std::atomic<Robot *> g_robot{nullptr};
+std::atomic<ApplicationFactory> g_applicationFactory{nullptr};
 
 // The application the library runs for a host without one. It lives on a
 // thread of its own for the rest of the process; the thread is never joined
@@ -31,10 +33,11 @@ QObject *startOwnApplication()
         static int argc = 1;
         static char name[] = "qrx_host";
         static char *argv[] = {name, nullptr};
-        QCoreApplication app(argc, argv);
+        const ApplicationFactory factory = g_applicationFactory.load();
+        std::unique_ptr<QCoreApplication> app(factory ? factory(argc, argv) : new QCoreApplication(argc, argv));
         QObject anchor;
         started.set_value(&anchor);
-        app.exec();
+        app->exec();
     }).detach();
 
     return context.get();
@@ -93,6 +96,11 @@ void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload)
     requestAndWait(robot, [&] { robot->send(code, payload); });
 }
 
+void setApplicationFactory(ApplicationFactory factory)
+{
+    g_applicationFactory.store(factory);
+}
+
 QObject *libraryContext()
 {
     static std::once_flag once;
@@ -100,6 +108,7 @@ QObject *libraryContext()
     std::call_once(once, [] {
         if (!QCoreApplication::instance())
             context = startOwnApplication();
+        applyEnvironmentLanguage();
     });
     return context;
 }

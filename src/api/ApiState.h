@@ -10,6 +10,7 @@
 #include "robot/Robot.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QMutexLocker>
 #include <json/value.h>
 
@@ -68,6 +69,15 @@ void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload = QByt
 // that the library owns; the result is that thread's context object (null
 // when the host's own application is used).
 QObject *libraryContext();
+
+// How the library makes the application it runs for a host without one
+// (QCoreApplication when no factory is set). The dialogs set a factory that
+// makes a widgets application when a display is there.
+using ApplicationFactory = QCoreApplication *(*)(int &argc, char **argv);
+void setApplicationFactory(ApplicationFactory factory);
+
+// Applies QRX_LANG (e.g. "en") once an application exists (Language.cpp).
+void applyEnvironmentLanguage();
 
 } // namespace qrx::api
 

@@ -429,6 +429,30 @@ QRX_HOST_API bool QRX_HOST_CALL set_axis_zero_position(int axis);
  * axis is not 1..6 or value is outside -360..360. */
 QRX_HOST_API void QRX_HOST_CALL set_zero_pos_shift(int axis, double value);
 
+
+/* ------------------------------------------------------------------------
+ * Embedded dialogs and language (Linux)
+ * ------------------------------------------------------------------------
+ * The handle is the native window the dialog is shown in: on X11 a window
+ * id (the dialog becomes a child window of it), 0 for a window of its own.
+ * Each call returns 1 when the dialog is shown, 0 otherwise; the reason is
+ * written to the qrx.api log (no display, the host's own Qt application is
+ * not a widgets application, the platform cannot host in a foreign window).
+ * Dialogs need a display; every other function works without one. When the
+ * host runs no Qt application of its own, the library's application thread
+ * owns the dialogs and the call returns once the dialog is on screen. */
+
+/* The about dialog; its menu buttons open the two dialogs below. */
+QRX_HOST_API int QRX_HOST_CALL showDialog(unsigned long handle);
+/* Extension: the jog panel (hold a +/- button to jog the axis). */
+QRX_HOST_API int QRX_HOST_CALL qrx_show_jog_panel(unsigned long handle);
+/* Extension: the user-frame calibration dialog (four points). */
+QRX_HOST_API int QRX_HOST_CALL qrx_show_calibration(unsigned long handle);
+/* Extension: the language of log lines, callback texts and dialogs: "zh"
+ * (the default) or "en". Returns 1 when applied, 0 for an unknown code. The
+ * environment variable QRX_LANG=en chooses English at start. */
+QRX_HOST_API int QRX_HOST_CALL qrx_set_language(const char *code);
+
 #ifdef __cplusplus
 } /* extern "C" */
 
