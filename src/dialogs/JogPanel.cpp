@@ -10,7 +10,9 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QAbstractItemView>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QSpinBox>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -22,6 +24,8 @@ namespace {
 constexpr int kServoRunning = 3;
 constexpr int kRefreshMs = 300;   // live state and position
 constexpr quint16 kPositionQuery = 0x2F07;
+constexpr quint16 kSpeedQuery = 0x2602;
+constexpr quint16 kCoordQuery = 0x2202;
 
 } // namespace
 
@@ -66,9 +70,10 @@ JogPanel::JogPanel(QWidget *parent)
     retranslate();
     Robot *robot = qrx::api::apiRobot();
     buildAxes(robot ? robot->axisCount : 6);
-    if (robot) {
-        m_speed->setValue(qBound(1, robot->speed, 100));
-        m_coord->setCurrentIndex(qBound(0, int(robot->coordinate), kCoordCount - 1));
+    if (Robot *linked = connectedRobot()) {
+        // Ask for what the controller holds now; the replies refresh the cache.
+        linked->send(kSpeedQuery, qrx::api::payloadOf(qrx::api::withCurrentRobot(linked)));
+        linked->send(kCoordQuery, qrx::api::payloadOf(qrx::api::withCurrentRobot(linked)));
     }
     connect(m_speed, QOverload<int>::of(&QSpinBox::valueChanged), this, [](int speed) { set_jogging_speed(speed); });
     connect(m_coord, QOverload<int>::of(&QComboBox::activated), this, [this](int coord) {
@@ -79,7 +84,6 @@ JogPanel::JogPanel(QWidget *parent)
     m_refresh = new QTimer(this);
     m_refresh->setInterval(kRefreshMs);
     connect(m_refresh, &QTimer::timeout, this, &JogPanel::refresh);
-    m_refresh->start();
     refresh();
 }
 
@@ -159,8 +163,16 @@ void JogPanel::changeEvent(QEvent *event)
     QDialog::changeEvent(event);
 }
 
+// The position is asked for only while the panel is on screen.
+void JogPanel::showEvent(QShowEvent *event)
+{
+    m_refresh->start();
+    QDialog::showEvent(event);
+}
+
 void JogPanel::hideEvent(QHideEvent *event)
 {
+    m_refresh->stop();
     stopActiveAxis();
     QDialog::hideEvent(event);
 }
@@ -186,6 +198,13 @@ void JogPanel::refresh()
     m_servo->setText(tr("伺服: %1").arg(servoText(robot->servoStatus)));
     m_mode->setText(tr("模式: %1").arg(modeText(robot->operationMode)));
     const int coord = robot->coordinate;
+    // The controller's values, unless the operator is changing them.
+    if (!m_speed->hasFocus() && robot->speed >= 1 && robot->speed <= 100) {
+        const QSignalBlocker quiet(m_speed);
+        m_speed->setValue(robot->speed);
+    }
+    if (!m_coord->view()->isVisible() && coord < kCoordCount)
+        m_coord->setCurrentIndex(coord);
     for (int i = 0; i < m_axes.size(); ++i) {
         m_axes[i].name->setText(axisLabel(i + 1, coord));
         m_axes[i].position->setText(i < 6 ? QString::number(robot->currentPosition[i], 'f', 3) : QStringLiteral("-"));

@@ -7,7 +7,6 @@ QString QWinWidget::show(QWidget *dialog, WId parent)
 {
     if (parent == 0) {
         dialog->show();
-        dialog->raise();
         dialog->activateWindow();
         return QString();
     }
