@@ -75,7 +75,9 @@ private:
     void onReadyRead()
     {
         m_decoder.feed(m_socket->readAll(), [this](quint16 command, const QByteArray &payload) {
-            m_service.received.push_back({command, payload});
+            // File data is recorded by its size only: a long upload does not
+            // pile up in the record.
+            m_service.received.push_back({command, command == 0x5511 ? QByteArray::number(payload.size()) : payload});
             handle(command, payload);
         });
     }

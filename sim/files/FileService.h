@@ -51,7 +51,8 @@ public:
     QString jobDir, logDir, eniDir, configDir;
     FileFaults faults;
 
-    // Frames received on the file port, in order.
+    // Frames received on the file port, in order; a data frame (0x5511) is
+    // recorded with its size as decimal text instead of its bytes.
     QVector<std::pair<quint16, QByteArray>> received;
     int connectionCount = 0;
 

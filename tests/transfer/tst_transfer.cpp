@@ -189,7 +189,7 @@ void TestTransfer::uploadChunks()
              QVector<QByteArray>{QByteArray("{\"name\":\"job/R2/WELD.JBR\",\"size\":") + QByteArray::number(size) + "}\n"});
     QVector<int> sent;
     for (const QByteArray &chunk : fileFrames(0x5511))
-        sent << chunk.size();
+        sent << chunk.toInt();
     QCOMPARE(sent, chunks);
     QCOMPARE(fileFrames(0x5512).size(), 1);
     QVERIFY(fileFrames(0x5525).isEmpty());
