@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QPointer>
 #include <QQueue>
 #include <QSaveFile>
 #include <QTcpSocket>
@@ -245,19 +246,21 @@ FileService::FileService(Simulator &simulator, QObject *parent) : QObject(parent
     });
 }
 
-FileService::~FileService()
-{
-    m_simulator.setHandler({0x5532, [](Session &, const ReceivedFrame &) {}});
-    m_simulator.setHandler({0x5542, [](Session &, const ReceivedFrame &) {}});
-}
+FileService::~FileService() = default;
 
 bool FileService::listen(const QHostAddress &address, quint16 port)
 {
-    m_simulator.setHandler({0x5532, [this](Session &session, const ReceivedFrame &) { announceJobs(session); }});
-    m_simulator.setHandler({0x5542, [this](Session &session, const ReceivedFrame &frame) {
+    // The answers outlive a service removed before the simulator: they then
+    // answer nothing.
+    QPointer<FileService> self(this);
+    m_simulator.setHandler({0x5532, [self](Session &session, const ReceivedFrame &) {
+                                if (self)
+                                    self->announceJobs(session);
+                            }});
+    m_simulator.setHandler({0x5542, [self](Session &session, const ReceivedFrame &frame) {
                                 Json::Value v;
-                                qrx::parsePayload(frame.payload, v);
-                                announceList(session, v["num"].asInt());
+                                if (self && qrx::parsePayload(frame.payload, v))
+                                    self->announceList(session, v["num"].asInt());
                             }});
     return m_server.listen(address, port);
 }

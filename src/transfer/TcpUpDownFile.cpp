@@ -7,6 +7,7 @@
 #include "robot/Robot.h"
 #include "transfer/TransferPaths.h"
 
+#include <QAbstractEventDispatcher>
 #include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
@@ -49,6 +50,11 @@ std::atomic<bool> TcpUpDownFile::s_uploading{false};
 TcpUpDownFile::TcpUpDownFile(Robot *robot, QString ip, QObject *parent)
     : QObject(parent), m_robot(robot), m_ip(std::move(ip)), m_jobRoot(jobRoot())
 {
+    // A host thread that is not a Qt thread gets its event dispatcher here,
+    // before the socket exists: the socket's notifiers need one to report
+    // readable data, and the transfer runs this thread's events while it waits.
+    if (!QAbstractEventDispatcher::instance())
+        QEventLoop createsTheDispatcher;
     m_socket.setReadBufferSize(4096);
     m_decoder.setLogHeadErrors(false);
     connect(&m_socket, &QIODevice::readyRead, this, &TcpUpDownFile::onTcpSocketReadyRead, Qt::DirectConnection);
