@@ -129,48 +129,42 @@ void BM_RawLoopbackCopy(benchmark::State &state)
     state.SetBytesProcessed(state.iterations() * kBigFile);
 }
 
-void BM_UploadJob64MiB(benchmark::State &state)
+// One 64 MiB transfer per iteration: prepare() places the file, run() moves
+// it; the peak resident growth over the run is reported.
+template <class Prepare, class Run>
+void bigTransfer(benchmark::State &state, Prepare &&prepare, Run &&run)
 {
     Rig &r = rig();
     long peak = 0;
     for (auto _ : state) {
         state.PauseTiming();
         r.clear();
-        writeBig(r.host.path() + QStringLiteral("/robotJob/R1/BIG.JBR"));
+        prepare(r);
         resetPeak();
         const long before = statusKb("VmRSS:");
         state.ResumeTiming();
-        upload_job();
+        run();
         state.PauseTiming();
         peak = std::max(peak, statusKb("VmHWM:") - before);
         if (qrx_last_transfer_failed())
-            state.SkipWithError("upload failed");
+            state.SkipWithError("transfer failed");
         state.ResumeTiming();
     }
     state.SetBytesProcessed(state.iterations() * kBigFile);
     state.counters["peak_growth_MiB"] = double(peak) / 1024.0;
 }
 
+void BM_UploadJob64MiB(benchmark::State &state)
+{
+    bigTransfer(
+        state, [](Rig &r) { writeBig(r.host.path() + QStringLiteral("/robotJob/R1/BIG.JBR")); }, [] { upload_job(); });
+}
+
 void BM_DownloadJob64MiB(benchmark::State &state)
 {
-    Rig &r = rig();
-    long peak = 0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        r.clear();
-        writeBig(r.controller.path() + QStringLiteral("/job/R1/BIG.JBR"));
-        resetPeak();
-        const long before = statusKb("VmRSS:");
-        state.ResumeTiming();
-        download_job();
-        state.PauseTiming();
-        peak = std::max(peak, statusKb("VmHWM:") - before);
-        if (qrx_last_transfer_failed())
-            state.SkipWithError("download failed");
-        state.ResumeTiming();
-    }
-    state.SetBytesProcessed(state.iterations() * kBigFile);
-    state.counters["peak_growth_MiB"] = double(peak) / 1024.0;
+    bigTransfer(
+        state, [](Rig &r) { writeBig(r.controller.path() + QStringLiteral("/job/R1/BIG.JBR")); },
+        [] { download_job(); });
 }
 
 // 20 files of 1 KiB: the time, and the share of it that is the 1000 ms pause

@@ -134,6 +134,7 @@ private:
     void onSocketDisconnected();
     QString localPathFor(const QString &requested) const;
     QString refusalText() const;
+    QString brokenText() const;
 
     Robot *m_robot;
     QString m_ip;
