@@ -4,6 +4,7 @@
 // reports a refused move or job. The host passes it to its error callback;
 // it wakes no waiting call.
 
+#include "common/JsonRead.h"
 #include "common/Payload.h"
 #include "sim/Session.h"
 
@@ -27,16 +28,16 @@ inline Json::Value requestObject(const QByteArray &payload)
     return request;
 }
 
+// A number (or true/false) read by the library's tolerant reader, else the
+// fallback.
 inline int requestInt(const Json::Value &request, const char *key, int fallback = 0)
 {
-    const Json::Value v = request.get(key, Json::Value());
-    return v.isNumeric() || v.isBool() ? v.asInt() : fallback;
+    return qrx::jsonIntOr(request, key, fallback);
 }
 
 inline double requestReal(const Json::Value &request, const char *key, double fallback = 0.0)
 {
-    const Json::Value v = request.get(key, Json::Value());
-    return v.isNumeric() ? v.asDouble() : fallback;
+    return qrx::jsonRealOr(request, key, fallback);
 }
 
 } // namespace qrxsim

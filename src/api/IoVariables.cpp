@@ -5,6 +5,7 @@
 
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
+#include "common/GlobalVarName.h"
 #include "protocol/Codes.h"
 
 #include <QString>
@@ -36,47 +37,27 @@ void readIo(const IoReader &reader, double *out)
     copyOut(robot->*reader.cache, kIoPorts, out);
 }
 
-// Global variable names: the first two characters give the type sent as
-// "varType", the last three digits the index in the Robot's caches.
-enum VarType { kOther = 0, kBool = 1, kInt = 2, kReal = 3 };
-
-VarType varTypeOf(const QString &name)
-{
-    if (name.startsWith(QLatin1String("GB")))
-        return kBool;
-    if (name.startsWith(QLatin1String("GI")))
-        return kInt;
-    if (name.startsWith(QLatin1String("GD")))
-        return kReal;
-    return kOther;
-}
-
-// The decimal value of the last three characters; 0 when they are no
-// number (a name shorter than five characters gives 0 or a wrong index).
-int varIndexOf(const QString &name)
-{
-    return name.right(3).toInt();
-}
-
 // The cached value of the named variable; 0.0 for an index outside the
 // caches or a name of no global type.
 double cachedGlobal(const Robot *robot, const QString &name)
 {
-    const int index = varIndexOf(name);
+    // A name without a numeric end reads index 0.
+    const qrx::GlobalVarName var = qrx::GlobalVarName::parse(name);
+    const int index = var.index;
     if (index < 0 || index >= Robot::kGlobalVarCount)
         return 0.0;
-    switch (varTypeOf(name)) {
-    case kInt: return double(robot->globalInt[index]);
-    case kReal: return robot->globalReal[index];
-    case kBool: return robot->globalBool[index] ? 1.0 : 0.0;
-    case kOther: break;
+    switch (var.type) {
+    case qrx::GlobalVarName::Int: return double(robot->globalInt[index]);
+    case qrx::GlobalVarName::Real: return robot->globalReal[index];
+    case qrx::GlobalVarName::Bool: return robot->globalBool[index] ? 1.0 : 0.0;
+    case qrx::GlobalVarName::Other: break;
     }
     return 0.0;
 }
 
 Json::Value varQuery(const QString &name)
 {
-    return object({{"varType", int(varTypeOf(name))}, {"varName", name.toStdString()}});
+    return object({{"varType", int(qrx::GlobalVarName::parse(name).type)}, {"varName", name.toStdString()}});
 }
 
 // Asks for the named global variable and waits for a reply.

@@ -1,20 +1,20 @@
 #pragma once
-// Tolerant reading of instruction JSON: a missing key, a non-object parent or
-// a value of another kind reads as 0, 0.0, false or the empty string, and
-// never throws.
+// Tolerant reading of instruction JSON, by the names the job model uses:
+// the library's one reader (common/JsonRead.h) under them.
+
+#include "common/JsonRead.h"
 
 #include <json/value.h>
 #include <string>
 
 namespace qrx::jsonread {
 
-// The member, or a null value when json is not an object or lacks the key.
-const Json::Value &member(const Json::Value &json, const char *key);
+inline const Json::Value &member(const Json::Value &json, const char *key) { return jsonMember(json, key); }
 
-int toInt(const Json::Value &value);
-double toDouble(const Json::Value &value);
-bool toBool(const Json::Value &value);
-std::string toString(const Json::Value &value);
+inline int toInt(const Json::Value &value) { return jsonNumber(value); }
+inline double toDouble(const Json::Value &value) { return jsonRealValue(value); }
+inline bool toBool(const Json::Value &value) { return jsonTruth(value); }
+inline std::string toString(const Json::Value &value) { return jsonText(value); }
 
 inline int readInt(const Json::Value &json, const char *key) { return toInt(member(json, key)); }
 inline double readDouble(const Json::Value &json, const char *key) { return toDouble(member(json, key)); }

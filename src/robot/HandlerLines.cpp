@@ -1,7 +1,7 @@
 #include "robot/HandlerLines.h"
 
 #include "common/Logging.h"
-#include "robot/JsonRead.h"
+#include "common/JsonRead.h"
 
 #include <QCoreApplication>
 

@@ -3,7 +3,7 @@
 #include "robot/HandlerShape.h"
 
 #include "robot/HandlerLines.h"
-#include "robot/JsonRead.h"
+#include "common/JsonRead.h"
 
 void Robot::takePayload(const QByteArray &data, std::initializer_list<CacheArray> arrays,
                        std::initializer_list<PayloadSignal> notify)

@@ -12,7 +12,7 @@
 #include "robot/Robot.h"
 
 #include "common/Payload.h"
-#include "robot/JsonRead.h"
+#include "common/JsonRead.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

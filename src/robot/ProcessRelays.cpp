@@ -14,7 +14,7 @@
 #include "common/Payload.h"
 #include "robot/HandlerShape.h"
 #include "robot/HandlerLines.h"
-#include "robot/JsonRead.h"
+#include "common/JsonRead.h"
 
 using qrx::fillLine;
 using qrx::robotText;

@@ -9,7 +9,8 @@
 #include "common/Payload.h"
 #include "robot/HandlerLines.h"
 #include "robot/HandlerShape.h"
-#include "robot/JsonRead.h"
+#include "common/GlobalVarName.h"
+#include "common/JsonRead.h"
 
 #include <QCoreApplication>
 #include <QMetaMethod>
@@ -28,12 +29,12 @@ QByteArray positionLine(int robot, int coord, const Json::Value &root, const cha
     return line.toUtf8();
 }
 
-// Global variable names end in a three-digit index ("GI012" -> 12).
+// Global variable names end in a three-digit index ("GI012" -> 12); a
+// report naming no index changes no cache.
 int globalIndex(const QString &name)
 {
-    bool ok = false;
-    const int index = name.right(3).toInt(&ok);
-    return ok ? index : -1;
+    const qrx::GlobalVarName var = qrx::GlobalVarName::parse(name);
+    return var.indexValid ? var.index : -1;
 }
 
 } // namespace

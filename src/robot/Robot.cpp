@@ -70,7 +70,7 @@ bool Robot::takeForceModeNotification()
 }
 
 Robot::Robot(const QString &ip, QObject *parent)
-    : QObject(parent)
+    : RobotSignals(parent)
 {
     qrx::registerLinkMetaTypes();
     qrx::registerRobotTypeMetaType();

@@ -13,7 +13,7 @@
 #include "robot/HandlerShape.h"
 #include "robot/DhForms.h"
 #include "robot/HandlerLines.h"
-#include "robot/JsonRead.h"
+#include "common/JsonRead.h"
 
 using qrx::fillLine;
 using qrx::writeRobotLine;

@@ -18,7 +18,7 @@
 #include "common/Payload.h"
 #include "robot/HandlerLines.h"
 #include "robot/HandlerShape.h"
-#include "robot/JsonRead.h"
+#include "common/JsonRead.h"
 #include "protocol/Codes.h"
 
 #include <QCoreApplication>

@@ -24,7 +24,7 @@
 #include "common/Payload.h"
 #include "robot/HandlerShape.h"
 #include "robot/HandlerLines.h"
-#include "robot/JsonRead.h"
+#include "common/JsonRead.h"
 
 #include <algorithm>
 #include <initializer_list>

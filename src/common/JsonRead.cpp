@@ -1,4 +1,4 @@
-#include "robot/JsonRead.h"
+#include "common/JsonRead.h"
 
 #include <cmath>
 #include <limits>
@@ -51,12 +51,35 @@ double jsonReal(const Json::Value &object, const char *key)
     return jsonRealValue(jsonMember(object, key));
 }
 
-bool jsonBool(const Json::Value &object, const char *key)
+bool jsonTruth(const Json::Value &value)
 {
-    const Json::Value &value = jsonMember(object, key);
     if (value.isBool())
         return value.asBool();
     return jsonNumber(value) != 0;
+}
+
+bool jsonBool(const Json::Value &object, const char *key)
+{
+    return jsonTruth(jsonMember(object, key));
+}
+
+std::string jsonText(const Json::Value &value)
+{
+    if (value.isString() || value.isNumeric() || value.isBool())
+        return value.asString();
+    return std::string();
+}
+
+int jsonIntOr(const Json::Value &object, const char *key, int fallback)
+{
+    const Json::Value &value = jsonMember(object, key);
+    return value.isNumeric() || value.isBool() ? jsonNumber(value) : fallback;
+}
+
+double jsonRealOr(const Json::Value &object, const char *key, double fallback)
+{
+    const Json::Value &value = jsonMember(object, key);
+    return value.isNumeric() ? jsonRealValue(value) : fallback;
 }
 
 QString jsonString(const Json::Value &object, const char *key)
