@@ -71,6 +71,11 @@ QDateTime TcpConnectModule::lastReceiveTime() const
     return d->lastReceiveTime();
 }
 
+QString TcpConnectModule::ip() const
+{
+    return d->ip();
+}
+
 void TcpConnectModule::setLastPingTime(QDateTime rectime)
 {
     d->setLastReceiveTime(rectime);
