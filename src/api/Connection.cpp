@@ -80,6 +80,7 @@ int connect_robot(const char *ip)
         pauseWithEvents(kConnectPollMs);
     }
     robot->close();
+    finishApiLink(robot);
     return 0;
 }
 
@@ -89,6 +90,9 @@ void disconnect_robot(void)
     if (!robot->isClosed())
         Robot::instance()->send(kFarewell, QByteArray());
     robot->close();
+    // The farewell still leaves; then the link thread ends, so nothing of
+    // the library runs any more when the host returns from main().
+    finishApiLink(robot);
 }
 
 int connection_status(void)

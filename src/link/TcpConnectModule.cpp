@@ -79,6 +79,11 @@ bool TcpConnectModule::isStopped() const
     return d->stopped;
 }
 
+void TcpConnectModule::shutdown()
+{
+    d->shutdown();
+}
+
 QDateTime TcpConnectModule::lastReceiveTime() const
 {
     return d->lastReceiveTime();

@@ -77,8 +77,12 @@ void TcpConnectModulePrivate::run()
 
     needReconnect = true;
     m_startedSemaphore.release();
+    // The first attempt starts at once, not a whole check interval later.
+    QTimer::singleShot(0, m_eventLoop.data(), [this] { onTcpSocketCheck(); });
     if (!closing)
         m_eventLoop->exec();
+    // Writes and closes queued before the quit are still done, in order.
+    QCoreApplication::sendPostedEvents();
 
     disconnect(this, &TcpConnectModulePrivate::closeCurrentSocket, this,
                &TcpConnectModulePrivate::closeCurrentSocketInNowThread);
@@ -93,6 +97,7 @@ void TcpConnectModulePrivate::run()
         m_timeoutTimer.reset();
         if (m_socket) {
             m_socket->disconnect(this);
+            m_socket->flush();
             m_socket->abort();
             m_socket.reset();
         }
