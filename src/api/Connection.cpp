@@ -9,6 +9,7 @@
 #include <QThread>
 #include <QTime>
 
+#include <atomic>
 #include <cstring>
 
 using namespace qrx::api;
@@ -18,7 +19,7 @@ namespace {
 constexpr quint16 kPostConnectionRequest = 0x5052;
 constexpr quint16 kFarewell = 0x7277;
 constexpr int kConnectPolls = 5;
-constexpr int kConnectPollMs = 1000;
+std::atomic<int> g_connectPollMs{1000};
 
 // Waits ms milliseconds while the calling thread's events keep running, at
 // most 100 ms per pass. The deadline is a time of day, so a wait that would
@@ -77,7 +78,7 @@ int connect_robot(const char *ip)
             robot->send(kPostConnectionRequest, QByteArray());
             return robot->connected.load();
         }
-        pauseWithEvents(kConnectPollMs);
+        pauseWithEvents(g_connectPollMs.load());
     }
     robot->close();
     finishApiLink(robot);
@@ -99,6 +100,11 @@ int connection_status(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
     return robot->connected.load();
+}
+
+void qrx_set_connect_poll_interval(int ms)
+{
+    g_connectPollMs.store(ms < 1 ? 1 : ms);
 }
 
 void setErrorHandle(void (*handler)(const char *text))

@@ -429,6 +429,13 @@ QRX_HOST_API bool QRX_HOST_CALL set_axis_zero_position(int axis);
  * axis is not 1..6 or value is outside -360..360. */
 QRX_HOST_API void QRX_HOST_CALL set_zero_pos_shift(int axis, double value);
 
+/* ---- Extension: connect poll interval ---------------------------------------
+ * connect_robot() checks the connection up to five times, pausing ms between
+ * checks (1000 by default; values below 1 read as 1). Test hosts that connect
+ * and disconnect many times set a short pause; a host that never calls this
+ * sees the default. */
+QRX_HOST_API void QRX_HOST_CALL qrx_set_connect_poll_interval(int ms);
+
 #ifdef __cplusplus
 } /* extern "C" */
 
