@@ -214,8 +214,10 @@ std::string latin1Name(const char *name)
 
 void copyOut(const double *from, int n, double *to)
 {
-    if (to)
-        std::copy(from, from + n, to);
+    if (!to)
+        return;
+    std::lock_guard<std::recursive_mutex> lock(qrx::cacheMutex());
+    std::copy(from, from + n, to);
 }
 
 void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload)

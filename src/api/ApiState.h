@@ -73,7 +73,8 @@ Json::Value withCurrentRobot(const Robot *robot, Members members = {});
 // empty), in UTF-8.
 std::string latin1Name(const char *name);
 
-// Copies n values into a caller's buffer; a null buffer is left alone.
+// Copies n cached values into a caller's buffer under the cache lock, so
+// they all come from one report; a null buffer is left alone.
 void copyOut(const double *from, int n, double *to);
 
 // Request-and-wait: lock the reply mutex, run send() (which hands one or more

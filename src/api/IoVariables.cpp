@@ -65,6 +65,7 @@ double cachedGlobal(const Robot *robot, const QString &name)
     const int index = varIndexOf(name);
     if (index < 0 || index >= Robot::kGlobalVarCount)
         return 0.0;
+    std::lock_guard<std::recursive_mutex> lock(qrx::cacheMutex());
     switch (varTypeOf(name)) {
     case kInt: return double(robot->globalInt[index]);
     case kReal: return robot->globalReal[index];
