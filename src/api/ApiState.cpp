@@ -1,14 +1,21 @@
 #include "api/ApiState.h"
 
 #include "common/CompactJson.h"
+#include "common/Logging.h"
+#include "link/FrameCodec.h"
+#include "link/TcpConnectModule.h"
 
 #include <QCoreApplication>
 #include <QObject>
+#include <QThread>
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
+#include <cstdlib>
 #include <future>
 #include <memory>
+#include <map>
 #include <mutex>
 #include <thread>
 
@@ -16,20 +23,32 @@ namespace qrx::api {
 
 namespace {
 
-std::atomic<Robot *> g_robot{nullptr};
+// The API robot, how many exported functions hold each Robot, and the Robots
+// replaced while held (freed when the last holder returns).
+std::mutex g_robotMutex;
+Robot *g_robot = nullptr;
+std::map<Robot *, int> g_holders;
+std::map<Robot *, bool> g_retired;
 std::atomic<ApplicationFactory> g_applicationFactory{nullptr};
 
-// The application the library runs for a host without one. It lives on a
-// thread of its own for the rest of the process; the thread is never joined
-// (a host that simply returns from main() ends it with the process).
+thread_local const char *t_function = nullptr;
+
+// A payload longer than the 65535 bytes a frame carries: the link refuses it.
+constexpr int kRefusedPayloadSize = qrx::kMaxPayload + 1;
+
+// The library's own application: its thread and its context object.
+std::thread *g_appThread = nullptr;
+QObject *g_appContext = nullptr;
+std::atomic<bool> g_appEnding{false};
+
+// The application the library runs for a host without one, on a thread of
+// its own until the process exits (endOwnApplication).
 QObject *startOwnApplication()
 {
-    // The promise's shared state outlives this frame, so the thread may still
-    // be inside set_value() when this function has returned.
     std::promise<QObject *> started;
     std::future<QObject *> context = started.get_future();
 
-    std::thread([started = std::move(started)]() mutable {
+    g_appThread = new std::thread([started = std::move(started)]() mutable {
         static int argc = 1;
         static char name[] = "qrx_host";
         static char *argv[] = {name, nullptr};
@@ -38,25 +57,136 @@ QObject *startOwnApplication()
         QObject anchor;
         started.set_value(&anchor);
         app->exec();
-    }).detach();
+    });
 
     return context.get();
+}
+
+// At exit: the application thread leaves its loop and is joined while what
+// it uses still exists. Registered again by every disconnect_robot(), so it
+// runs before the Qt globals first used up to then are destroyed; only the
+// first call does anything.
+void endOwnApplication()
+{
+    if (!g_appThread || g_appEnding.exchange(true))
+        return;
+    {
+        std::lock_guard<std::mutex> lock(g_robotMutex);
+        if (g_robot)
+            g_robot->link()->shutdown();
+    }
+    QMetaObject::invokeMethod(g_appContext, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
+    g_appThread->join();
+}
+
+// Deletes a Robot on the thread it lives in (its timers belong there).
+void freeRobot(Robot *robot)
+{
+    QThread *home = robot->thread();
+    if (home == QThread::currentThread()) {
+        delete robot;
+    } else if (g_appContext && home == g_appContext->thread() && !g_appEnding.load()) {
+        QMetaObject::invokeMethod(g_appContext, [robot] { delete robot; }, Qt::BlockingQueuedConnection);
+    } else {
+        robot->link()->shutdown();
+        robot->deleteLater();
+    }
+}
+
+// Finds the first non-finite real in value (depth first).
+bool findNonFinite(const Json::Value &value, double &found)
+{
+    if (value.isDouble() && !std::isfinite(value.asDouble())) {
+        found = value.asDouble();
+        return true;
+    }
+    if (value.isArray() || value.isObject()) {
+        for (const Json::Value &member : value) {
+            if (findNonFinite(member, found))
+                return true;
+        }
+    }
+    return false;
 }
 
 } // namespace
 
 Robot *apiRobot()
 {
-    return g_robot.load();
+    std::lock_guard<std::mutex> lock(g_robotMutex);
+    return g_robot;
 }
 
 void setApiRobot(Robot *robot)
 {
-    g_robot.store(robot);
+    Robot *unheld = nullptr;
+    {
+        std::lock_guard<std::mutex> lock(g_robotMutex);
+        Robot *old = g_robot;
+        g_robot = robot;
+        if (old && old != robot) {
+            if (g_holders[old] == 0) {
+                g_holders.erase(old);
+                unheld = old;
+            } else {
+                g_retired[old] = true;
+            }
+        }
+    }
+    if (unheld)
+        freeRobot(unheld);
+}
+
+void finishApiLink(Robot *robot)
+{
+    robot->link()->shutdown();
+    if (g_appThread)
+        std::atexit(endOwnApplication);
+}
+
+ApiCall::ApiCall(const char *function)
+    : m_outerFunction(t_function)
+{
+    if (!t_function)
+        t_function = function;
+    std::lock_guard<std::mutex> lock(g_robotMutex);
+    m_robot = g_robot;
+    if (m_robot)
+        ++g_holders[m_robot];
+}
+
+ApiCall::~ApiCall()
+{
+    t_function = m_outerFunction;
+    if (!m_robot)
+        return;
+    bool free = false;
+    {
+        std::lock_guard<std::mutex> lock(g_robotMutex);
+        if (--g_holders[m_robot] == 0 && g_retired.count(m_robot)) {
+            g_retired.erase(m_robot);
+            g_holders.erase(m_robot);
+            free = true;
+        }
+    }
+    if (free)
+        freeRobot(m_robot);
+}
+
+const char *ApiCall::currentFunction()
+{
+    return t_function ? t_function : "";
 }
 
 QByteArray payloadOf(const Json::Value &value)
 {
+    double found = 0.0;
+    if (findNonFinite(value, found)) {
+        qCWarning(lcApi).noquote() << QStringLiteral("%1: %2 in the payload, not sent")
+                                          .arg(QLatin1String(ApiCall::currentFunction()))
+                                          .arg(found);
+        return QByteArray(kRefusedPayloadSize, '\0');
+    }
     return qrx::jsonPayload(value);
 }
 
@@ -87,8 +217,10 @@ std::string latin1Name(const char *name)
 
 void copyOut(const double *from, int n, double *to)
 {
-    if (to)
-        std::copy(from, from + n, to);
+    if (!to)
+        return;
+    std::lock_guard<std::recursive_mutex> lock(qrx::cacheMutex());
+    std::copy(from, from + n, to);
 }
 
 void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload)
@@ -107,7 +239,7 @@ QObject *libraryContext()
     static QObject *context = nullptr;
     std::call_once(once, [] {
         if (!QCoreApplication::instance())
-            context = startOwnApplication();
+            context = g_appContext = startOwnApplication();
         applyEnvironmentLanguage();
     });
     return context;

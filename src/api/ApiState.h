@@ -23,9 +23,37 @@ namespace qrx::api {
 
 // The Robot the API talks to, or null before the first connect_robot().
 Robot *apiRobot();
+// Replaces the API robot. The Robot replaced is freed once no exported
+// function holds it any more (see ApiCall): a host thread blocked on it keeps
+// it alive until its call returns.
 void setApiRobot(Robot *robot);
+// Ends the link thread of the API robot (disconnect_robot): after it returns,
+// no library thread runs code for that Robot. Called on the host's thread.
+void finishApiLink(Robot *robot);
+
+// One exported function running on this thread: holds the API robot of the
+// moment so that a concurrent connect_robot() cannot free it underneath, and
+// names the function for log lines (the outermost one when calls nest).
+class ApiCall
+{
+public:
+    explicit ApiCall(const char *function);
+    ~ApiCall();
+    ApiCall(const ApiCall &) = delete;
+    ApiCall &operator=(const ApiCall &) = delete;
+    Robot *robot() const { return m_robot; }
+    // The exported function running on this thread ("" outside one).
+    static const char *currentFunction();
+
+private:
+    Robot *m_robot;
+    const char *m_outerFunction;
+};
 
 // The payload of a command: compact JSON, keys ascending, one line feed.
+// A value holding a NaN or an infinity is never sent: the result is then a
+// payload longer than any frame may carry, which the link refuses without
+// writing anything, and a qrx.api warning names the function and the value.
 QByteArray payloadOf(const Json::Value &value);
 
 // A null name pointer reads as the empty name.
@@ -46,7 +74,8 @@ Json::Value withCurrentRobot(const Robot *robot, Members members = {});
 // empty), in UTF-8.
 std::string latin1Name(const char *name);
 
-// Copies n values into a caller's buffer; a null buffer is left alone.
+// Copies n cached values into a caller's buffer under the cache lock, so
+// they all come from one report; a null buffer is left alone.
 void copyOut(const double *from, int n, double *to);
 
 // Request-and-wait: lock the reply mutex, run send() (which hands one or more
@@ -84,7 +113,8 @@ void applyEnvironmentLanguage();
 // Early return of every exported function without a link:
 //   QRX_ROBOT_OR_RETURN(robot);          in a void function
 //   QRX_ROBOT_OR_RETURN(robot, 0);       in a function with a result
-#define QRX_ROBOT_OR_RETURN(var, ...)              \
-    Robot *const var = ::qrx::api::apiRobot();     \
-    if (!var)                                      \
+#define QRX_ROBOT_OR_RETURN(var, ...)                       \
+    const ::qrx::api::ApiCall var##ApiCall(__func__);       \
+    Robot *const var = var##ApiCall.robot();                \
+    if (!var)                                               \
         return __VA_ARGS__

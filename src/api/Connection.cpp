@@ -10,6 +10,7 @@
 #include <QThread>
 #include <QTime>
 
+#include <atomic>
 #include <cstring>
 
 using namespace qrx::api;
@@ -19,7 +20,7 @@ namespace code = qrx::protocol::code;
 namespace {
 
 constexpr int kConnectPolls = 5;
-constexpr int kConnectPollMs = 1000;
+std::atomic<int> g_connectPollMs{1000};
 
 // Waits ms milliseconds while the calling thread's events keep running, at
 // most 100 ms per pass. The deadline is a time of day, so a wait that would
@@ -78,9 +79,10 @@ int connect_robot(const char *ip)
             robot->send(code::PostConnection, QByteArray());
             return robot->connected.load();
         }
-        pauseWithEvents(kConnectPollMs);
+        pauseWithEvents(g_connectPollMs.load());
     }
     robot->close();
+    finishApiLink(robot);
     return 0;
 }
 
@@ -90,12 +92,20 @@ void disconnect_robot(void)
     if (!robot->isClosed())
         Robot::instance()->send(code::Farewell, QByteArray());
     robot->close();
+    // The farewell still leaves; then the link thread ends, so nothing of
+    // the library runs any more when the host returns from main().
+    finishApiLink(robot);
 }
 
 int connection_status(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
     return robot->connected.load();
+}
+
+void qrx_set_connect_poll_interval(int ms)
+{
+    g_connectPollMs.store(ms < 1 ? 1 : ms);
 }
 
 void setErrorHandle(void (*handler)(const char *text))

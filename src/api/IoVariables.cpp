@@ -46,6 +46,7 @@ double cachedGlobal(const Robot *robot, const QString &name)
     const int index = var.index;
     if (index < 0 || index >= Robot::kGlobalVarCount)
         return 0.0;
+    std::lock_guard<std::recursive_mutex> lock(qrx::cacheMutex());
     switch (var.type) {
     case qrx::GlobalVarName::Int: return double(robot->globalInt[index]);
     case qrx::GlobalVarName::Real: return robot->globalReal[index];

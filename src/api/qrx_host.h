@@ -490,6 +490,12 @@ QRX_HOST_API int QRX_HOST_CALL qrx_export_logs(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_export_eni(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_export_config(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_import_config(const char *path);
+/* ---- Extension: connect poll interval ---------------------------------------
+ * connect_robot() checks the connection up to five times, pausing ms between
+ * checks (1000 by default; values below 1 read as 1). Test hosts that connect
+ * and disconnect many times set a short pause; a host that never calls this
+ * sees the default. */
+QRX_HOST_API void QRX_HOST_CALL qrx_set_connect_poll_interval(int ms);
 
 #ifdef __cplusplus
 } /* extern "C" */

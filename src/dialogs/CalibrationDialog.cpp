@@ -86,7 +86,7 @@ CalibrationDialog::CalibrationDialog(QWidget *parent)
     connect(m_choose, &QPushButton::clicked, this, &CalibrationDialog::chooseFrame);
     connect(m_calculate, &QPushButton::clicked, this, &CalibrationDialog::calculate);
     if (Robot *robot = connectedRobot()) {
-        m_frame->setValue(qBound(1, robot->currentUserFrame, kMaxUserFrame));
+        m_frame->setValue(qBound(1, int(robot->currentUserFrame), kMaxUserFrame));
         // The controller's answer to the frame inquiry (on the link thread;
         // queued into this dialog's thread).
         connect(robot, &Robot::robot_usercoords_reply, this,

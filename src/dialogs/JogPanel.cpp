@@ -69,7 +69,7 @@ JogPanel::JogPanel(QWidget *parent)
 
     retranslate();
     Robot *robot = qrx::api::apiRobot();
-    buildAxes(robot ? robot->axisCount : 6);
+    buildAxes(robot ? int(robot->axisCount) : 6);
     if (Robot *linked = connectedRobot()) {
         // Ask for what the controller holds now; the replies refresh the cache.
         linked->send(kSpeedQuery, qrx::api::payloadOf(qrx::api::withCurrentRobot(linked)));

@@ -175,6 +175,8 @@ void FramedConnection::release()
     setState(State::Idle);
     if (m_socket) {
         m_socket->disconnect(this);
+        // Bytes already written (a farewell) reach the kernel before the end.
+        m_socket->flush();
         m_socket->abort();
         m_socket.reset();
     }

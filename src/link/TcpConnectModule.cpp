@@ -66,6 +66,11 @@ bool TcpConnectModule::isStopped() const
     return d->isStopped();
 }
 
+void TcpConnectModule::shutdown()
+{
+    d->shutdown();
+}
+
 QDateTime TcpConnectModule::lastReceiveTime() const
 {
     return d->lastReceiveTime();

@@ -56,6 +56,10 @@ public:
     // Emits connectSucceed(connected) and returns it.
     bool connectStatus();
     bool isStopped() const;
+    // Ends the link for good: what was queued into the link thread (writes,
+    // the socket close) is done, the socket goes, the thread is joined. No
+    // restart afterwards.
+    void shutdown();
 
     // When the link was last seen alive (connect, heartbeat answer or any
     // message other than a heartbeat request).

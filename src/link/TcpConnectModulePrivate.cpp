@@ -79,8 +79,12 @@ void TcpConnectModulePrivate::run()
 
     m_connection.setState(State::WaitingToConnect);
     m_startedSemaphore.release();
+    // The first attempt starts at once, not a whole check interval later.
+    QTimer::singleShot(0, m_eventLoop.data(), [this] { onTcpSocketCheck(); });
     if (state() != State::Closing)
         m_eventLoop->exec();
+    // Writes and closes queued before the quit are still done, in order.
+    QCoreApplication::sendPostedEvents();
 
     disconnect(this, &TcpConnectModulePrivate::closeCurrentSocket, this,
                &TcpConnectModulePrivate::closeCurrentSocketInNowThread);

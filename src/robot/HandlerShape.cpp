@@ -16,11 +16,12 @@ void Robot::takePayload(const QByteArray &data, std::initializer_list<CacheArray
     });
 }
 
-void Robot::takeNumber(const QByteArray &data, const char *key, int &field, const char *text, NumberSignal notify)
+void Robot::takeNumber(const QByteArray &data, const char *key, std::atomic<int> &field, const char *text, NumberSignal notify)
 {
     takeReport(data, [&](const Json::Value &root) {
-        field = qrx::jsonInt(root, key);
-        qrx::writeRobotLine(qrx::robotText(text).arg(field));
-        emit(this->*notify)(field);
+        const int value = qrx::jsonInt(root, key);
+        field = value;
+        qrx::writeRobotLine(qrx::robotText(text).arg(value));
+        emit(this->*notify)(value);
     });
 }

@@ -12,6 +12,8 @@ void Robot::takeReport(const QByteArray &data, Read &&read)
 {
     WakeAtEnd wake(this);
     Json::Value root;
-    if (qrx::parsePayload(data, root))
+    if (qrx::parsePayload(data, root)) {
+        std::lock_guard<std::recursive_mutex> lock(qrx::cacheMutex());
         read(root);
+    }
 }

@@ -169,7 +169,8 @@ void Robot::robot_net_slot_continuousMotionMode(const QByteArray &data)
 // ---- jobs ------------------------------------------------------------------
 
 // 0x3D03, 0x4919, 0x9103 {"robot","status"}: runningStatus. Emits
-// pro_run_status with two digits, '0'+robot and '0'+status.
+// pro_run_status with two digits, '0'+robot and '0'+status (bytes modulo
+// 256, so any number the controller sends gives a defined byte).
 void Robot::robot_net_slot_prorunstatus(const QByteArray &data)
 {
     takeReport(data, [&](const Json::Value &root) {
@@ -177,7 +178,8 @@ void Robot::robot_net_slot_prorunstatus(const QByteArray &data)
         runningStatus = qrx::jsonInt(root, "status");
         qrx::writeRobotLine(tr("接收机器人运行状态 robot=%1 status=%2").arg(robot).arg(runningStatus));
         QByteArray digits;
-        digits.append(char('0' + robot)).append(char('0' + runningStatus));
+        const auto digit = [](int n) { return char(static_cast<unsigned char>(unsigned('0') + unsigned(n))); };
+        digits.append(digit(robot)).append(digit(runningStatus));
         emit pro_run_status(digits);
     });
 }

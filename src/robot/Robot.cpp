@@ -31,6 +31,12 @@ namespace qrx {
 void storeErrorCallback(Robot::ErrorCallback callback);
 }
 
+std::recursive_mutex &qrx::cacheMutex()
+{
+    static std::recursive_mutex mutex;
+    return mutex;
+}
+
 Robot *Robot::instance(const QString &ip)
 {
     QMutexLocker lock(&s_instanceMutex);

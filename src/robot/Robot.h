@@ -240,7 +240,7 @@ protected:
     // Reports of one number: field = the key's value, log line text (Robot
     // context) with the number as %1, then notify(field).
     using NumberSignal = void (Robot::*)(int);
-    void takeNumber(const QByteArray &data, const char *key, int &field, const char *text, NumberSignal notify);
+    void takeNumber(const QByteArray &data, const char *key, std::atomic<int> &field, const char *text, NumberSignal notify);
 
 private:
     void storeMessage(const std::string &text);

@@ -6,7 +6,9 @@
 //
 // Threads: every field is written on the link thread by one handler (or,
 // where noted, by the host API) and read on host threads after the request
-// that asked for it was woken. Flags that threads test in a loop are atomic.
+// that asked for it was woken. Scalars are atomic, so a read beside a write
+// is defined; arrays are written by the handlers and copied by the host API
+// under cacheMutex(), so a copy never mixes two reports.
 // Each field's layout is documented here and beside the handler that fills
 // it (StatusHandlers.cpp, RecordHandlers.cpp, RobotTypeHandlers.cpp,
 // ToolFrameHandlers.cpp, ProcessRelays.cpp).
@@ -16,16 +18,21 @@
 #include <QtGlobal>
 
 #include <atomic>
+#include <mutex>
 
 namespace qrx {
+
+// Held by a handler while it reads a report into the caches, and by the host
+// API only while it copies cached array values out.
+std::recursive_mutex &cacheMutex();
 
 struct RobotState
 {
     // 0x2003 servo report {"mode","robot","status"}
-    int servoStatus = 0;                // "status" of the robot shown
+    std::atomic<int> servoStatus{0};                // "status" of the robot shown
     int robotServoStatus[4] = {};       // [robot-1], kept when "mode" is 1
     // 0x2103 mode report {"mode"}
-    int operationMode = 0;              // 0 teach, 1 remote, 2 run
+    std::atomic<int> operationMode{0};              // 0 teach, 1 remote, 2 run
     // Kept on purpose, although nothing in the library reads them: they are
     // the mode handshake of the controller's own program (a dialog may wait
     // for the acknowledgement of a mode command by them).
@@ -34,27 +41,27 @@ struct RobotState
     std::atomic<quint8> replyFlag{0};   // mode acknowledged: cleared by send(0x2101), set by the mode report
     QDateTime lastRequestTime;          // when 0x2101 was last sent (link-free: written by send())
     // 0x2203 coordinate report {"coord","robot"}
-    quint8 coordinate = 0;              // 0 joint, 1 Cartesian, 2 tool, 3 user
-    int coordinateGate = 0;             // while 7, coordinate reports are ignored (set by the host API)
+    std::atomic<quint8> coordinate{0};              // 0 joint, 1 Cartesian, 2 tool, 3 user
+    std::atomic<int> coordinateGate{0};             // while 7, coordinate reports are ignored (set by the host API)
     // 0x2603 speed report {"robot","speed"}
-    int speed = 0;                      // 1..100 percent, 101..103 jog steps
+    std::atomic<int> speed{0};                      // 1..100 percent, 101..103 jog steps
     // 0x380C tool report {"curToolNum","robot"}
-    int currentTool = 0;
+    std::atomic<int> currentTool{0};
     // 0x2303 deadman report {"deadman"}
-    int deadman = 0;
+    std::atomic<int> deadman{0};
     // 0x2306 deadman wiring {"deadmanMode","deadmanPortOne","deadmanPortTwo"}
-    int deadmanMode = 0;
-    int deadmanPortOne = 0;
-    int deadmanPortTwo = 0;
+    std::atomic<int> deadmanMode{0};
+    std::atomic<int> deadmanPortOne{0};
+    std::atomic<int> deadmanPortTwo{0};
     // 0x2106 teach type {"teachType"}
-    int teachType = 0;
+    std::atomic<int> teachType{0};
     // 0x3D03 / 0x4919 / 0x9103 running state {"robot","status"}
-    int runningStatus = 0;              // 2 means a job is running
+    std::atomic<int> runningStatus{0};              // 2 means a job is running
     // 0x4919 / 0x9103 job status {"robot","status","continueRun"}
-    int jobStatus = 0;
-    int jobContinueRun = 0;
+    std::atomic<int> jobStatus{0};
+    std::atomic<int> jobContinueRun{0};
     // 0x3504 job file line {"num"}: the line being executed
-    int currentRunLine = 0;
+    std::atomic<int> currentRunLine{0};
     // 0x2F08 position report {"robot","coord","pos"[7],"posDeg"[7]}
     double currentPosition[6] = {};     // "pos"[0..5]
     // 0x7013 external-axis position {"robot","coord","pos"[5..]}
@@ -65,7 +72,7 @@ struct RobotState
     double aout[16] = {};
     double ain[16] = {};
     // 0x560C one global variable {"varName","varType","varValue"}
-    double globalVarValue = 0.0;        // "varValue" of the last report, whatever it named
+    std::atomic<double> globalVarValue{0.0};        // "varValue" of the last report, whatever it named
     static constexpr int kGlobalVarCount = 1000; // index = last three digits of the name
     int globalInt[kGlobalVarCount] = {};         // varType 2 ("GI...")
     double globalReal[kGlobalVarCount] = {};     // varType 3 ("GD...")
@@ -88,15 +95,15 @@ struct RobotState
     // 0x50B3 continuous-motion mode {"open"}
     std::atomic<quint8> continuousMotionMode{0};
     // 0x2E06 robot count {"sum"}
-    int robotCount = 1;
+    std::atomic<int> robotCount{1};
     // 0x2E03 robot type (families section fills it)
-    int robotType = 0;                  // RobotType code
-    int axisCount = 6;
+    std::atomic<int> robotType{0};                  // RobotType code
+    std::atomic<int> axisCount{6};
 
     // Tool, frame and calibration results (filled by the families section).
     static constexpr int kToolCount = 32;        // tool numbers 0..31
     double toolParameters[kToolCount][6] = {};   // x, y, z, A, B, C per tool
-    int lastToolNum = 0;                          // tool of the last tool-parameter reply
+    std::atomic<int> lastToolNum{0};                          // tool of the last tool-parameter reply
     double fourPointData[9] = {};                 // ask_four_point (0x7208)
     double fourPointResult[5] = {};               // four_point_calculation (0x7204)
     std::atomic<quint8> dhResult{0};              // result_for_DH (0x7206 "apply")
@@ -107,7 +114,7 @@ struct RobotState
     // library reads it) and the external-axis jog selection (1: axes 1..5
     // jog external axes 8..12).
     std::atomic<quint8> jogging{0};
-    int externalAxisJog = 0;
+    std::atomic<int> externalAxisJog{0};
 
     // ---- families: state ---------------------------------------------------
     // (robot type and kinematics, tools and frames, catalogue, relays)
@@ -120,8 +127,8 @@ struct RobotState
     //   dhResult                 0x7206: "apply" non-zero
     //   zeroCalibrationSuccess   0x3303: set to 1
     // (a member given as a single number fills the first of its slots)
-    int currentUserFrame = 0;           // 0x3C0C "curUserNum"
-    int positionerAxisCount = 0;        // 0x700B "AxisNum"
+    std::atomic<int> currentUserFrame{0};           // 0x3C0C "curUserNum"
+    std::atomic<int> positionerAxisCount{0};        // 0x700B "AxisNum"
     // 0x2E0F servo and IO slaves: "伺服-1".."伺服-n", then "IO-1".."IO-m".
     // Written on the link thread; read it there (signal_updateRobotServoList).
     QStringList servoSlaveLabels;

@@ -9,6 +9,7 @@
 #include "qrx_host.h"
 
 #include <arpa/inet.h>
+#include <math.h>
 #include <netinet/in.h>
 #include <pthread.h>
 #include <stdio.h>
@@ -224,7 +225,13 @@ int main(int argc, char **argv)
     }
     pthread_create(&thread, NULL, controller, &server);
 
-    CHECK(connect_robot(address) == 1);
+    /* A controller that accepts at once is seen at the first poll, after
+     * the first one-second pause, not a poll later. */
+    {
+        double start = nowSeconds();
+        CHECK(connect_robot(address) == 1);
+        CHECK(nowSeconds() - start < 1.9);
+    }
     CHECK(connection_status() == 1);
     index = waitForFrame(0x5052, 0, 10.0);
     CHECK(index >= 0);
@@ -283,6 +290,41 @@ int main(int argc, char **argv)
     index = waitForFrame(0x2101, index, 10.0);
     CHECK(payloadIs(index, "{\"mode\":0}\n"));
 
+    /* A payload that would hold a NaN or an infinity is not sent: the frame
+     * after it (the same command with finite values) is the first of its
+     * code. */
+    {
+        struct {
+            unsigned code;
+            const char *expected;
+        } cases[] = {
+            {0x3607, "{\"port\":2,\"value\":0.50}\n"},
+            {0x4501, "{\"acc\":0,\"coord\":0,\"dec\":0,\"pos\":[1.0,2.0,3.0,4.0,5.0,6.0],"
+                     "\"robot\":1,\"vel\":10}\n"},
+            {0x5607, "{\"varName\":\"GD001\",\"varType\":3,\"varValue\":2.50}\n"},
+        };
+        double bad[7] = {1, 2, NAN, 4, 5, 6, 7};
+        double good[7] = {1, 2, 3, 4, 5, 6, 7};
+        size_t i;
+        set_aout(1, NAN);
+        set_aout(1, INFINITY);
+        set_aout(2, 0.5);
+        robot_movj(bad, 10, 0, 0, 0);
+        bad[2] = -INFINITY;
+        robot_movj(bad, 10, 0, 0, 0);
+        robot_movj(good, 10, 0, 0, 0);
+        set_global_variant("GD001", NAN);
+        set_global_variant("GD001", 2.5);
+        for (i = 0; i < sizeof cases / sizeof cases[0]; ++i) {
+            index = waitForFrame(cases[i].code, 0, 10.0);
+            if (!payloadIs(index, cases[i].expected)) {
+                fprintf(stderr, "code 0x%04X: first frame is %s\n", cases[i].code,
+                        index >= 0 ? frames[index].payload : "(none)");
+                ++failures;
+            }
+        }
+    }
+
     disconnect_robot();
     index = waitForFrame(0x7277, 0, 10.0);
     CHECK(payloadIs(index, ""));
@@ -290,6 +332,10 @@ int main(int argc, char **argv)
     CHECK(countFrames(0x5052) == 1);
     CHECK(countFrames(0x7277) == 1);
 
+    /* The link has gone: the controller thread sees the end of its client
+     * (or, without one, its accept fails once the socket shuts down). */
+    shutdown(server, SHUT_RDWR);
+    pthread_join(thread, NULL);
     close(server);
     if (failures)
         fprintf(stderr, "%d check(s) failed\n", failures);

@@ -14,7 +14,8 @@ namespace {
 // Relays do not parse: JSON with Chinese text, and bytes that are no JSON
 // at all (a NUL inside, a byte that is not UTF-8) go through alike.
 const QByteArray kJsonPayload = QByteArray("{\"name\":\"机器人2\",\"robot\":2,\"value\":[1.5,-2.0]}\n");
-const QByteArray kRawPayload = QByteArray("raw\0bytes \xff\xfe end", 18);
+const char kRawBytes[] = "raw\0bytes \xff\xfe end";
+const QByteArray kRawPayload = QByteArray(kRawBytes, int(sizeof kRawBytes) - 1);
 
 } // namespace
 
