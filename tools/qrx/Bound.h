@@ -1,0 +1,44 @@
+#pragma once
+// The bound on every wait. The library's getters wait for the controller
+// without a time-out, so each one runs on a thread of its own and qrx gives
+// up after --timeout; the thread stays blocked and the process ends with
+// "timed out" (main() leaves with _Exit, so nothing waits for it).
+//
+// This is the one place that knows how a wait is bounded: a library-side
+// bound would replace the body of runBounded() and nothing else.
+
+#include "Exit.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace qrxcli {
+
+// The bound of every wait, from --timeout.
+void setWaitBound(std::chrono::milliseconds bound);
+std::chrono::milliseconds waitBound();
+
+// Runs work; false when it did not return within the bound. work must own
+// everything it touches (it may outlive the caller's frame).
+bool runBounded(std::function<void()> work, std::chrono::milliseconds bound);
+
+// Runs call within the wait bound and returns its result; throws a
+// Failure "timed out waiting for <what>" when the bound runs out.
+template <class T>
+T bounded(const std::string &what, std::function<T()> call)
+{
+    auto result = std::make_shared<T>();
+    if (!runBounded([result, call] { *result = call(); }, waitBound()))
+        fail(ExitTimedOut, "timed out waiting for " + what);
+    return *result;
+}
+
+inline void boundedCall(const std::string &what, std::function<void()> call)
+{
+    if (!runBounded(std::move(call), waitBound()))
+        fail(ExitTimedOut, "timed out waiting for " + what);
+}
+
+} // namespace qrxcli
