@@ -35,6 +35,18 @@ T bounded(const std::string &what, std::function<T()> call)
     return *result;
 }
 
+// A getter's wait ends on the controller's next reply of any kind, which
+// may answer an earlier query: the value of a first call can be stale. The
+// second of two equal queries is answered no earlier than the first one's
+// own reply, so its value is fresh. (With replies matched to their queries
+// one call would do; this is the place to switch.)
+template <class T>
+T answered(const std::string &what, std::function<T()> call)
+{
+    bounded<T>(what, call);
+    return bounded<T>(what, call);
+}
+
 inline void boundedCall(const std::string &what, std::function<void()> call)
 {
     if (!runBounded(std::move(call), waitBound()))

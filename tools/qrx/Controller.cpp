@@ -33,32 +33,32 @@ const std::vector<std::string> &runningNames()
 
 int readMode()
 {
-    return bounded<int>("the operation mode", [] { return get_current_mode(); });
+    return answered<int>("the operation mode", [] { return get_current_mode(); });
 }
 
 int readCoord()
 {
-    return bounded<int>("the coordinate system", [] { return get_current_coord(); });
+    return answered<int>("the coordinate system", [] { return get_current_coord(); });
 }
 
 int readSpeed()
 {
-    return bounded<int>("the jog speed", [] { return get_jogging_speed(); });
+    return answered<int>("the jog speed", [] { return get_jogging_speed(); });
 }
 
 int readRunning()
 {
-    return bounded<int>("the running state", [] { return get_robot_running_state(); });
+    return answered<int>("the running state", [] { return get_robot_running_state(); });
 }
 
 int readTool()
 {
-    return bounded<int>("the current tool", [] { return get_current_tool_hand(); });
+    return answered<int>("the current tool", [] { return get_current_tool_hand(); });
 }
 
 std::array<double, 6> readPosition(int coord)
 {
-    return bounded<std::array<double, 6>>("the position", [coord] {
+    return answered<std::array<double, 6>>("the position", [coord] {
         std::array<double, 6> pos{};
         get_current_position(pos.data(), coord);
         return pos;

@@ -29,7 +29,7 @@ const IoKind kIoKinds[] = {{"dout", get_dout}, {"din", get_din}, {"aout", get_ao
 std::vector<double> readIo(const IoKind &kind)
 {
     const IoReader read = kind.read;
-    const auto values = bounded<std::array<double, kIoCount>>(std::string("the ") + kind.name + " values", [read] {
+    const auto values = answered<std::array<double, kIoCount>>(std::string("the ") + kind.name + " values", [read] {
         std::array<double, kIoCount> out{};
         read(out.data());
         return out;
@@ -94,7 +94,7 @@ void runVar(const Args &args)
         const double value = Args::toNumber(args.word(2, "VALUE"), "VALUE");
         sendChecked([name, value] { set_global_variant(name.c_str(), value); });
     }
-    const double value = bounded<double>("the variable " + name, [name] { return get_global_variant(name.c_str()); });
+    const double value = answered<double>("the variable " + name, [name] { return get_global_variant(name.c_str()); });
     print(Report().text("name", name).number("value", value));
 }
 
@@ -121,7 +121,7 @@ void runPos(const Args &args)
         fail(ExitUsage, std::string("usage: qrx ") + synopsis);
     }
     const std::string name = args.word(1, "NAME");
-    const auto values = bounded<std::array<double, kPositionCount>>("the position " + name, [name] {
+    const auto values = answered<std::array<double, kPositionCount>>("the position " + name, [name] {
         std::array<double, kPositionCount> out{};
         get_GPosition(name.c_str(), out.data());
         return out;

@@ -3,6 +3,7 @@
 #include "Bound.h"
 #include "qrx_host.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace qrxcli {
@@ -33,6 +34,10 @@ void onControllerMessage(const char *text)
 // The prefix the library gives the controller's error messages.
 const std::string kErrorPrefix = "错误： ";
 
+// connect_robot bounds itself (five checks a second apart); a shorter
+// --timeout does not cut it short.
+constexpr std::chrono::milliseconds kConnectBound{6000};
+
 } // namespace
 
 void connectTo(const std::string &host)
@@ -40,7 +45,7 @@ void connectTo(const std::string &host)
     setErrorHandle(onControllerMessage);
     const bool within = runBounded(
         [host] { connect_robot(host.c_str()); },
-        waitBound());
+        std::max(waitBound(), kConnectBound));
     if (!within || !connection_status())
         fail(ExitNotConnected, "not connected: no controller answered at " + host);
 }
