@@ -5,8 +5,8 @@ ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD="${QRX_BUILD_DIR:-$ROOT/build}"
 
 QRX_PACKAGES=(cmake ninja-build g++ pkg-config qtbase5-dev qtbase5-dev-tools
-  libjsoncpp-dev zlib1g-dev libbenchmark-dev flex bison python3
-  tshark)
+  libjsoncpp-dev zlib1g-dev libbenchmark-dev flex bison python3)
+QRX_PACKAGES+=(tshark) # the dissector's test reads captures with it
 
 qrx_install_missing() {
   local missing=()
