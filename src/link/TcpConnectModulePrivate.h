@@ -15,6 +15,7 @@
 // that doing so is well defined.
 
 #include "link/FrameCodec.h"
+#include "protocol/Codes.h"
 #include "link/TcpSocket.h"
 
 #include <QDateTime>
@@ -38,8 +39,8 @@ public:
     // A connect attempt blocks the link thread for at most this long.
     static constexpr int kConnectWaitMs = 5000;
     // The controller's heartbeat: request (both ways) and answer.
-    static constexpr quint16 kHeartbeat = 0x7266;
-    static constexpr quint16 kHeartbeatAnswer = 0x7267;
+    static constexpr quint16 kHeartbeat = qrx::protocol::code::Heartbeat;
+    static constexpr quint16 kHeartbeatAnswer = qrx::protocol::code::HeartbeatAnswer;
 
     TcpConnectModulePrivate(const QString &ip, quint16 port, int timeBase, QObject *parent = nullptr);
     // Quits the event loop and joins the thread, also during a connect attempt.
