@@ -1,5 +1,7 @@
 #include "Bound.h"
 
+#include "qrx_host.h"
+
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -19,9 +21,35 @@ struct Completion
 
 } // namespace
 
+// The wait-bound extension came with the link-event extension; its
+// constants tell whether this library has them.
+#ifdef QRX_LINK_UP
+constexpr bool kLibraryBound = true;
+#else
+constexpr bool kLibraryBound = false;
+#endif
+
 void setWaitBound(std::chrono::milliseconds bound)
 {
     g_bound = bound;
+#ifdef QRX_LINK_UP
+    qrx_set_wait_timeout(int(bound.count()));
+    qrx_set_matched_replies(1);
+#endif
+}
+
+bool libraryBoundsWaits()
+{
+    return kLibraryBound;
+}
+
+bool libraryCallTimedOut()
+{
+#ifdef QRX_LINK_UP
+    return qrx_last_call_timed_out() != 0;
+#else
+    return false;
+#endif
 }
 
 std::chrono::milliseconds waitBound()
