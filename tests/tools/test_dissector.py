@@ -44,6 +44,7 @@ def write_capture(path):
     chunk = frame(0x5511, CHUNK)
     files.send("host", chunk[:1400])                                                          # 17
     files.send("host", chunk[1400:])                                                          # 18
+    main.send("controller", frame(0x0102, b""))  # a code the library does not know          # 19
     w.close()
 
 
@@ -93,6 +94,7 @@ class DissectorTest(unittest.TestCase):
             15: [("0x5501", None, "host to controller", "file", "36", "1")],
             16: [("0x5502", None, "controller to host", "file", "17", "1")],
             18: [("0x5511", None, "host to controller", "file", "2048", "1")],
+            19: [("0x0102", "unknown", "controller to host", "main", "0", "1")],
         }
         for packet, frames in expected.items():
             with self.subTest(packet=packet):
