@@ -1,5 +1,6 @@
 // qrx-sim: a simulated robot controller on the controller's frame port.
 
+#include "sim/files/FileOptions.h"
 #include "sim/Simulator.h"
 
 #include <QCommandLineParser>
@@ -78,6 +79,7 @@ int main(int argc, char *argv[])
     const QCommandLineOption verboseOption(QStringLiteral("verbose"),
                                            QStringLiteral("Print one line per frame received or sent."));
     parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption});
+    qrxsim::addFileOptions(parser);
     parser.process(app);
 
     QTextStream err(stderr);
@@ -98,6 +100,7 @@ int main(int argc, char *argv[])
     if (!simulator.listen(address, quint16(port)))
         return 1;
     simulator.setControllerHeartbeat(heartbeat);
+    qrxsim::startFileService(simulator, parser, address);
     quitOnSignals(app);
 
     QTextStream out(stdout);

@@ -429,6 +429,44 @@ QRX_HOST_API bool QRX_HOST_CALL set_axis_zero_position(int axis);
  * axis is not 1..6 or value is outside -360..360. */
 QRX_HOST_API void QRX_HOST_CALL set_zero_pos_shift(int axis, double value);
 
+/* ---- File transfer ---------------------------------------------------------
+ * Job files of robot N live in "<job root>/robotJob/RN". The job root is the
+ * application folder, or the folder named by the environment variable
+ * QRX_JOB_ROOT, or the one set with qrx_set_job_root() (which wins).
+ * Files move over a second connection to the controller, port 5000; each
+ * call blocks until its files have moved. A download is written beside its
+ * target and renamed into place when complete: a broken transfer leaves the
+ * old file (a local job file whose MD5 differs is kept until its replacement
+ * is complete), never half a file. */
+
+/* Uploads every file of the four local job folders (oldest first). */
+QRX_HOST_API void QRX_HOST_CALL upload_job(void);
+/* Fetches the controller's job files whose MD5 differs from the local copy. */
+QRX_HOST_API void QRX_HOST_CALL download_job(void);
+
+/* Extensions (not part of the controller's original host interface). */
+
+/* Overrides the job root (UTF-8 path); NULL or "" goes back to the default. */
+QRX_HOST_API void QRX_HOST_CALL qrx_set_job_root(const char *path);
+/* Called in the transferring thread as bytes move: file name (UTF-8, valid
+ * during the call), bytes done, bytes of the file. NULL switches it off. */
+typedef void (QRX_HOST_CALL *qrx_transfer_progress)(const char *file, long long done, long long total);
+QRX_HOST_API void QRX_HOST_CALL qrx_set_transfer_progress(qrx_transfer_progress callback);
+/* Outcome of the last transfer call: how many failures ended it (0: all
+ * files moved), and its last failure text (UTF-8, copied into text[size],
+ * NUL-terminated; the result is the full length, 0 when none). */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_transfer_failed(void);
+QRX_HOST_API int QRX_HOST_CALL qrx_last_transfer_error(char *text, int size);
+/* Exports the controller's log files, ENI files or configuration files into
+ * folder (created if missing); imports one configuration file (a local
+ * path). The result is the number of files moved, -1 on failure or without
+ * a link (see qrx_last_transfer_error). An empty log or ENI list is a
+ * failure with its own text, and no file connection is opened. */
+QRX_HOST_API int QRX_HOST_CALL qrx_export_logs(const char *folder);
+QRX_HOST_API int QRX_HOST_CALL qrx_export_eni(const char *folder);
+QRX_HOST_API int QRX_HOST_CALL qrx_export_config(const char *folder);
+QRX_HOST_API int QRX_HOST_CALL qrx_import_config(const char *path);
+
 #ifdef __cplusplus
 } /* extern "C" */
 

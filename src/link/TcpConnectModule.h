@@ -60,6 +60,8 @@ public:
     // When the link was last seen alive (connect, heartbeat answer or any
     // message other than a heartbeat request).
     QDateTime lastReceiveTime() const;
+    // The controller's address (the file connection opens port 5000 there).
+    QString ip() const;
 
 public Q_SLOTS:
     void setLastPingTime(QDateTime rectime);

@@ -1,0 +1,88 @@
+#pragma once
+// The simulated controller's file service: a second server (port 5000) that
+// stores uploaded job files and sends job, log, ENI and configuration files,
+// and the main-link answers that announce them (0x5532 -> 0x5533 per robot
+// and 0x5535; 0x5542 {"num":5|10} -> 0x5543 | 0x5546). It follows the
+// exchange table of the library's TcpUpDownFile.h, one file at a time.
+//
+// Folders: the job folder holds R1..R4 ("job/R1/A.JBR" is <job dir>/R1/A.JBR);
+// log and ENI files are listed with their folder as "absolutepath";
+// "config/<name>" is <config dir>/<name>. Faults on request make it misbehave
+// for tests. Lives in the simulator's thread.
+
+#include "link/FrameCodec.h"
+
+#include <QHostAddress>
+#include <QObject>
+#include <QString>
+#include <QTcpServer>
+#include <QVector>
+
+#include <functional>
+#include <utility>
+
+namespace qrxsim {
+
+class Simulator;
+class FileSession;
+
+struct FileFaults
+{
+    bool refuseUpload = false;   // 0x5502 {"answer":"no"}
+    bool refuseDownload = false; // 0x5505 {"answer":"no"}
+    bool wrongName = false;      // 0x5505 names another file
+    bool closeMidFile = false;   // the connection is closed after half the file
+    bool stallMidFile = false;   // nothing more is sent after half the file
+    bool splitFrames = false;    // every frame goes out in two writes, 2 ms apart
+    bool hostileName = false;    // lists carry a "../" name
+};
+
+class FileService : public QObject
+{
+    Q_OBJECT
+public:
+    explicit FileService(Simulator &simulator, QObject *parent = nullptr);
+    ~FileService() override;
+
+    // Starts the file server and installs the main-link answers.
+    bool listen(const QHostAddress &address, quint16 port = 5000);
+    quint16 port() const { return m_server.serverPort(); }
+
+    QString jobDir, logDir, eniDir, configDir;
+    FileFaults faults;
+
+    // Frames received on the file port, in order; a data frame (0x5511) is
+    // recorded with its size as decimal text instead of its bytes.
+    QVector<std::pair<quint16, QByteArray>> received;
+    int connectionCount = 0;
+
+private:
+    friend class FileSession;
+    void announceJobs(class Session &session);
+    void announceList(class Session &session, int num);
+    QString localPath(const QString &remote) const; // empty when not served
+
+    Simulator &m_simulator;
+    QTcpServer m_server;
+};
+
+// For tests: a FileService on a SimHandle's thread, built at construction and
+// removed at destruction; with() runs code there with it.
+class SimHandle;
+class FileServiceHandle
+{
+public:
+    explicit FileServiceHandle(SimHandle &sim, quint16 port = 5000);
+    ~FileServiceHandle();
+    bool isListening() const { return m_listening; }
+    void with(const std::function<void(FileService &)> &fn);
+    QVector<std::pair<quint16, QByteArray>> received();
+    bool waitForFileFrame(quint16 command, int timeoutMs = 10000);
+
+private:
+    SimHandle &m_sim;
+    FileService *m_service = nullptr;
+    bool m_listening = false;
+};
+
+} // namespace qrxsim

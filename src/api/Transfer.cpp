@@ -1,0 +1,151 @@
+// File transfer: upload_job, download_job and the qrx_ transfer extensions.
+// Each call creates a TcpUpDownFile in the calling thread and blocks it while
+// files move; the outcome of the last call is kept for qrx_last_transfer_*.
+
+#include "api/ApiState.h"
+#include "api/qrx_host.h"
+#include "common/Logging.h"
+#include "link/TcpConnectModule.h"
+#include "transfer/TcpUpDownFile.h"
+#include "transfer/TransferPaths.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QMutex>
+
+#include <algorithm>
+#include <cstring>
+
+using namespace qrx::api;
+
+namespace {
+
+QMutex outcomeMutex;
+int lastFailed = 0;
+QByteArray lastFailureText;
+std::atomic<qrx_transfer_progress> progressCallback{nullptr};
+
+// Runs one transfer on a fresh object and keeps its outcome.
+template <class Run>
+int transfer(Robot *robot, Run &&run)
+{
+    TcpUpDownFile file(robot, robot->link()->ip());
+    if (const qrx_transfer_progress callback = progressCallback.load()) {
+        file.setProgress([callback](const QString &name, qint64 done, qint64 total) {
+            callback(name.toUtf8().constData(), static_cast<long long>(done), static_cast<long long>(total));
+        });
+    }
+    run(file);
+    QMutexLocker lock(&outcomeMutex);
+    lastFailed = file.failedCount();
+    lastFailureText = file.lastFailure().toUtf8();
+    return file.failedCount() ? -1 : file.filesDone();
+}
+
+// "R<n>/<name>" for every file of the local job folders, oldest first.
+QStringList localJobFiles()
+{
+    QStringList list;
+    const QString root = qrx::transfer::jobRoot();
+    for (int robot = 1; robot <= 4; ++robot) {
+        const QDir dir(qrx::transfer::jobFolder(root, robot));
+        const QFileInfoList entries = dir.entryInfoList(QDir::Files | QDir::NoSymLinks, QDir::Time | QDir::Reversed);
+        for (const QFileInfo &entry : entries)
+            list << QStringLiteral("R%1/").arg(robot) + entry.fileName();
+    }
+    return list;
+}
+
+QString folderArgument(const char *folder)
+{
+    return QString::fromUtf8(folder ? folder : "");
+}
+
+} // namespace
+
+extern "C" {
+
+void upload_job(void)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    const QStringList list = localJobFiles();
+    qCDebug(lcApi).noquote() << list.join(QStringLiteral(", "));
+    transfer(robot, [&](TcpUpDownFile &file) { file.runUpload(list); });
+}
+
+void download_job(void)
+{
+    QRX_ROBOT_OR_RETURN(robot);
+    transfer(robot, [](TcpUpDownFile &file) { file.runJobDownload(); });
+}
+
+void qrx_set_job_root(const char *path)
+{
+    qrx::transfer::setJobRootOverride(folderArgument(path));
+}
+
+void qrx_set_transfer_progress(qrx_transfer_progress callback)
+{
+    progressCallback.store(callback);
+}
+
+int qrx_last_transfer_failed(void)
+{
+    QMutexLocker lock(&outcomeMutex);
+    return lastFailed;
+}
+
+int qrx_last_transfer_error(char *text, int size)
+{
+    QMutexLocker lock(&outcomeMutex);
+    if (text && size > 0) {
+        const int n = std::min(size - 1, int(lastFailureText.size()));
+        std::memcpy(text, lastFailureText.constData(), size_t(n));
+        text[n] = '\0';
+    }
+    return int(lastFailureText.size());
+}
+
+int qrx_export_logs(const char *folder)
+{
+    QRX_ROBOT_OR_RETURN(robot, -1);
+    return transfer(robot, [&](TcpUpDownFile &file) {
+        file.setTargetFolder(folderArgument(folder));
+        file.runListExport(TcpUpDownFile::LogDownload);
+    });
+}
+
+int qrx_export_eni(const char *folder)
+{
+    QRX_ROBOT_OR_RETURN(robot, -1);
+    return transfer(robot, [&](TcpUpDownFile &file) {
+        file.setTargetFolder(folderArgument(folder));
+        file.runListExport(TcpUpDownFile::EniDownload);
+    });
+}
+
+int qrx_export_config(const char *folder)
+{
+    QRX_ROBOT_OR_RETURN(robot, -1);
+    const auto &entries =
+        robot->robotCount < 2 ? robot->configCatalogue.singleRobot() : robot->configCatalogue.multiRobot();
+    QStringList names;
+    for (const auto &entry : entries)
+        names << QStringLiteral("config/") + entry.first;
+    return transfer(robot, [&](TcpUpDownFile &file) {
+        file.setTargetFolder(folderArgument(folder));
+        file.runNameDownload(TcpUpDownFile::ConfigDownload, names);
+    });
+}
+
+int qrx_import_config(const char *path)
+{
+    QRX_ROBOT_OR_RETURN(robot, -1);
+    const QString file = folderArgument(path);
+    return transfer(robot, [&](TcpUpDownFile &upload) {
+        upload.setRemotePrefix(QStringLiteral("config/"));
+        upload.runUpload({file});
+    });
+}
+
+} // extern "C"
