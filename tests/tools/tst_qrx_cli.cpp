@@ -329,7 +329,8 @@ void TestQrxCli::help_data()
 
     QTest::newRow("overview") << QStringList{"--help"}
                               << QStringList{"status", "watch", "servo", "jog", "move", "io", "var", "pos", "job",
-                                             "tool", "--host", "--timeout", "--json", "QRX_HOST"};
+                                             "tool", "upload", "download", "export", "import", "--host", "--timeout",
+                                             "--json", "QRX_HOST"};
     QTest::newRow("jog") << QStringList{"jog", "--help"} << QStringList{"usage: qrx jog AXIS +|- [--for SECONDS]"};
     QTest::newRow("help word") << QStringList{"help"} << QStringList{"Commands:"};
     QTest::newRow("move, help last") << QStringList{"move", "--help"} << QStringList{"--tolerance", "--no-wait"};

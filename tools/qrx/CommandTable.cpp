@@ -68,6 +68,21 @@ const std::vector<Command> &commands()
          "without \".JBR\"); line shows the line being executed. run and step need\n"
          "the servo on and no job running.\n",
          {}, {}, true, runJob},
+        {"upload", "upload [--root DIR]", "send the local job files to the controller",
+         "Uploads every job file of DIR/robotJob/R1..R4 (DIR: --root, else $QRX_JOB_ROOT,\n"
+         "else the current folder), with a progress bar on a terminal and one line per\n"
+         "file otherwise. Fails with \"timed out\" when nothing moves for --timeout.\n",
+         {"root"}, {}, true, runUpload},
+        {"download", "download [--root DIR]", "fetch the controller's job files that differ",
+         "Fetches the controller's job files whose MD5 differs from the local copy in\n"
+         "DIR/robotJob/R1..R4 (DIR as for upload).\n",
+         {"root"}, {}, true, runDownload},
+        {"export", "export logs|eni|config DIR", "copy the controller's log, ENI or configuration files",
+         "Copies the controller's files of that kind into DIR (created if missing).\n",
+         {}, {}, true, runExport},
+        {"import", "import config FILE", "send a configuration file to the controller",
+         "Uploads one configuration file to the controller.\n",
+         {}, {}, true, runImport},
     };
     return table;
 }

@@ -40,6 +40,10 @@ void runIo(const Args &args);
 void runVar(const Args &args);
 void runPos(const Args &args);
 void runJob(const Args &args);
+void runUpload(const Args &args);
+void runDownload(const Args &args);
+void runExport(const Args &args);
+void runImport(const Args &args);
 
 // Sends with send(), then reads the value back until it is want; refused
 // when the controller answers with an error or keeps another value until
