@@ -65,7 +65,8 @@ struct SimMotion
     std::array<double, 7> axisSpeed{};      // last tick's speed per robot axis (0x2A05 "vel")
     std::array<double, 5> syncSpeed{};
     std::deque<SimWaypoint> waypoints;      // what the current move still has to reach
-    double speedPercent = 0.0;              // "vel" of the current move, 1..100
+    double speed = 0.0;                     // of the current move, units per second
+    bool held = false;                      // the queue is suspended: moves hold where they are
     int moves = 0;                          // moves accepted (0x4501..0x4509)
 
     int jogAxis = 0;                        // 1..7 robot axes, 8..12 external axes; 0 none
