@@ -253,7 +253,8 @@ std::vector<CommandEntry> continuousCommands()
 
 std::vector<TickEntry> continuousTicks()
 {
-    return {{"continuous motion", tick}};
+    return {{"continuous motion", tick,
+             [](const ControllerModel &m) { return m.continuous.state == ContinuousMotion::Running; }}};
 }
 
 } // namespace qrxsim

@@ -260,7 +260,8 @@ std::vector<CommandEntry> jobCommands()
 
 std::vector<TickEntry> jobTicks()
 {
-    return {{"job runner", tickJob}};
+    return {{"job runner", tickJob,
+             [](const ControllerModel &m) { return m.runStatus == kRunning && jobRanLast(m); }}};
 }
 
 } // namespace qrxsim

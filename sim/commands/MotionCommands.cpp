@@ -331,9 +331,18 @@ std::vector<CommandEntry> motionCommands()
 
 std::vector<TickEntry> motionTicks()
 {
+    const auto moving = [](const ControllerModel &m) {
+        const auto still = [](double v) { return v == 0.0; };
+        return m.motion.busy() || m.motion.jogAxis != 0 ||
+               !std::all_of(m.motion.axisSpeed.begin(), m.motion.axisSpeed.end(), still) ||
+               !std::all_of(m.motion.syncSpeed.begin(), m.motion.syncSpeed.end(), still);
+    };
+    const auto drivesChanging = [](const ControllerModel &m) {
+        return (m.servoStatus == kServoReady && m.deadman == 1) || (m.servoStatus == kServoRunning && m.deadman == 0);
+    };
     return {
-        {"drives", tickDrives},
-        {"moves and jogging", tickMotion},
+        {"drives", tickDrives, drivesChanging},
+        {"moves and jogging", tickMotion, moving},
     };
 }
 
