@@ -31,7 +31,7 @@ struct ContinuousMotion
     int line = 0;                   // instruction being executed (from 1); 0 none
     Phase phase = Idle;
     SimWaypoint target;             // Moving: where the axes go
-    double speed = 0.0;             // Moving: units per second
+    double speedShare = 0.0;        // Moving: share of full speed, 0..1
     qint64 waitUntilMs = 0;         // Waiting: when the instruction ends
     qint64 waitLeftMs = 0;          // Waiting, while suspended: the time still to wait
     int pulsePort = 0;              // Waiting on a PULSEOUT: the port to switch off (1..16)

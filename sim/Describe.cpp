@@ -39,6 +39,14 @@ QString wrapped(const QString &text, int indent)
     return lines.join(QLatin1Char('\n'));
 }
 
+QString speeds(const double *values, int count)
+{
+    QStringList list;
+    for (int i = 0; i < count; ++i)
+        list << QString::number(values[i]);
+    return list.join(QLatin1Char('/'));
+}
+
 } // namespace
 
 QString controllerDescription()
@@ -64,8 +72,12 @@ QString controllerDescription()
                                               4)
          << QStringLiteral("  ") + wrapped(QStringLiteral("robot axis limits (degrees) %1;").arg(limits(ranges::kRobotAxes, 7)), 4)
          << QStringLiteral("  ") + wrapped(QStringLiteral("synchronous axis limits %1.").arg(limits(ranges::kSyncAxes, 5)), 4)
-         << QStringLiteral("  Moves travel at \"vel\" percent of %1 units/s, all axes arriving together;")
-                .arg(SimMotion::maxAxisSpeed)
+         << QStringLiteral("  ") + wrapped(QStringLiteral("Moves travel at \"vel\" percent of full speed (%1 "
+                                                         "units/s for axes 1..7, %2 for the synchronous axes), "
+                                                         "all axes arriving together;")
+                                                  .arg(speeds(SimMotion::robotFullSpeed, 7),
+                                                       speeds(SimMotion::syncFullSpeed, 5)),
+                                              4)
          << QStringLiteral("  jogging at the jog speed percent of %1 units/s, stopping at the limits.")
                 .arg(SimMotion::maxJogSpeed)
          << QStringLiteral("  operating mode %1, coordinate system %2, jog speed %3, deadman %4;")

@@ -194,7 +194,7 @@ void start(Session &session, const ReceivedFrame &)
         m.motion.held = false;
         if (c.phase == ContinuousMotion::Moving) { // the drives may have dropped the target
             m.motion.waypoints.assign(1, c.target);
-            m.motion.speed = c.speed;
+            m.motion.speedShare = c.speedShare;
         }
         if (c.phase == ContinuousMotion::Waiting)
             c.waitUntilMs = sim.nowMs() + c.waitLeftMs;

@@ -2,7 +2,8 @@
 //
 // Moves 0x4501..0x4509 queue their target points; every tick the axes travel
 // toward the next point on a straight line in axis space, all axes arriving
-// together, at the commanded "vel" percent of SimMotion::maxAxisSpeed. The
+// together, at the commanded "vel" percent of the axes' full speed (the
+// slowest axis sets the time, SimMotion::robotFullSpeed). The
 // move frames are answered with nothing; a host watches the position
 // (0x2F07 / 0x2A02). Circles pass through their three points (a full circle
 // returns to the first one); the simulator has no kinematics.
@@ -142,7 +143,7 @@ void takeMove(Session &s, const ReceivedFrame &frame)
             return;
         }
     }
-    m.motion.speed = SimMotion::maxAxisSpeed * requestInt(request, "vel", 10) / 100.0;
+    m.motion.speedShare = requestInt(request, "vel", 10) / 100.0;
     m.motion.waypoints.insert(m.motion.waypoints.end(), points.begin(), points.end());
     ++m.motion.moves;
 }
@@ -253,14 +254,18 @@ void tickMotion(Simulator &sim, qint64 elapsedMs)
     if (dt <= 0.0)
         return;
 
-    double budget = motion.held ? 0.0 : motion.speed * dt;
+    // Seconds of travel this tick; each point is reached in the time its
+    // slowest axis needs at the move's share of full speed.
+    double budget = motion.held || motion.speedShare <= 0.0 ? 0.0 : dt;
     while (!motion.waypoints.empty() && budget > 0.0) {
         const SimWaypoint &target = motion.waypoints.front();
         double longest = 0.0;
         for (int i = 0; i < 7; ++i)
-            longest = std::max(longest, std::fabs(target.robot[i] - m.positionDeg[i]));
+            longest = std::max(longest, std::fabs(target.robot[i] - m.positionDeg[i]) /
+                                            (SimMotion::robotFullSpeed[i] * motion.speedShare));
         for (int i = 0; i < 5; ++i)
-            longest = std::max(longest, std::fabs(target.sync[i] - motion.sync[i]));
+            longest = std::max(longest, std::fabs(target.sync[i] - motion.sync[i]) /
+                                            (SimMotion::syncFullSpeed[i] * motion.speedShare));
         const double part = longest <= budget ? 1.0 : budget / longest;
         for (int i = 0; i < 7; ++i) {
             const double d = (target.robot[i] - m.positionDeg[i]) * part;

@@ -133,12 +133,11 @@ bool unitKnown(int unit)
     return unit >= 0 && unit <= 2;
 }
 
-// Units per second of a speed in its unit.
-double unitsPerSecond(double speed, int unit)
+// The share of full speed (0..1) of a speed in its unit.
+double speedShare(double speed, int unit)
 {
     const double mmPerS = unit == 0 ? speed * 10.0 : speed;
-    const double share = unit == 2 ? speed / 100.0 : std::min(1.0, mmPerS / ranges::kFullSpeedMmPerS);
-    return SimMotion::maxAxisSpeed * share;
+    return unit == 2 ? speed / 100.0 : std::min(1.0, mmPerS / ranges::kFullSpeedMmPerS);
 }
 
 std::string checkMove(const Json::Value &instruction, const ControllerModel &)
@@ -196,10 +195,10 @@ std::string startMove(const Json::Value &instruction, ControllerModel &m, qint64
         return "speed " + rangeText(speed, ranges::kQueueSpeed[unit]);
     ContinuousMotion &c = m.continuous;
     c.target = target;
-    c.speed = unitsPerSecond(speed, unit);
+    c.speedShare = speedShare(speed, unit);
     c.phase = ContinuousMotion::Moving;
     m.motion.waypoints.assign(1, target);
-    m.motion.speed = c.speed;
+    m.motion.speedShare = c.speedShare;
     return {};
 }
 
