@@ -56,7 +56,10 @@ struct SimWaypoint
 
 struct SimMotion
 {
-    static constexpr double maxAxisSpeed = 100.0; // units per second at 100 %
+    // Units per second of each axis at 100 %: robot axes 1..7, synchronous
+    // axes 1..5. A move takes as long as its slowest axis needs.
+    static constexpr double robotFullSpeed[7] = {100, 100, 100, 200, 200, 200, 200};
+    static constexpr double syncFullSpeed[5] = {100, 100, 100, 100, 100};
     static constexpr double maxJogSpeed = 50.0;   // units per second at jog speed 100 %
     static constexpr qint64 jogHoldMs = 300;      // a jog step keeps the axis moving this long
     static constexpr qint64 driveEngageMs = 500;  // servo 1 + deadman on -> servo 3 after this
@@ -65,7 +68,8 @@ struct SimMotion
     std::array<double, 7> axisSpeed{};      // last tick's speed per robot axis (0x2A05 "vel")
     std::array<double, 5> syncSpeed{};
     std::deque<SimWaypoint> waypoints;      // what the current move still has to reach
-    double speedPercent = 0.0;              // "vel" of the current move, 1..100
+    double speedShare = 0.0;                // of the current move: share of full speed, 0..1
+    bool held = false;                      // the queue is suspended: moves hold where they are
     int moves = 0;                          // moves accepted (0x4501..0x4509)
 
     int jogAxis = 0;                        // 1..7 robot axes, 8..12 external axes; 0 none

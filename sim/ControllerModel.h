@@ -16,18 +16,28 @@
 
 namespace qrxsim {
 
-// Continuous motion (commands/SessionCommands.cpp): the mode, the queue of
-// instruction objects received with 0x50B4, and the run state.
+// Continuous motion (commands/ContinuousCommands.cpp): the mode, the queue
+// of instruction objects received with 0x50B4, and its run. While running,
+// the instructions are executed in order (commands/QueueInstructions.cpp);
+// `line` is the number (from 1) of the one being executed.
 struct ContinuousMotion
 {
     enum State { Stopped, Running, Suspended };
-    static constexpr qint64 stepMs = 100; // one queued instruction per step while running
+    enum Phase { Idle, Moving, Waiting }; // what the current instruction does
     bool open = false;
     State state = Stopped;
-    std::vector<Json::Value> queue; // the "data" objects, in order
-    int executed = 0;               // instructions worked off
-    int refusedQueues = 0;          // queues received while the mode was closed
-    qint64 sinceStepMs = 0;
+    std::vector<Json::Value> queue; // the "data" objects, in order, until worked off
+    std::size_t next = 0;           // index of the next instruction to start
+    int line = 0;                   // instruction being executed (from 1); 0 none
+    Phase phase = Idle;
+    SimWaypoint target;             // Moving: where the axes go
+    double speedShare = 0.0;        // Moving: share of full speed, 0..1
+    qint64 waitUntilMs = 0;         // Waiting: when the instruction ends
+    qint64 waitLeftMs = 0;          // Waiting, while suspended: the time still to wait
+    int pulsePort = 0;              // Waiting on a PULSEOUT: the port to switch off (1..16)
+    int executed = 0;               // instructions worked off since start-up
+    int refusedQueues = 0;          // queues refused (mode closed, an instruction not executable)
+    std::vector<std::array<double, 7>> arrivals; // where each queued move ended, in order
 };
 
 // One tool of the controller (0x3805 sets it, 0x3807 reports it).
@@ -93,8 +103,11 @@ struct ControllerModel
     ContinuousMotion continuous;
 
     // ---- jobs -------------------------------------------------------------
-    // (commands/JobCommands.cpp) runStatus above is the runner's state
+    // (commands/JobCommands.cpp) runStatus above is the state of the runner
+    // that ran last: the job runner or the continuous-motion queue.
     SimJobRunner job;
+    enum Runner { JobRunner, QueueRunner };
+    Runner lastRunner = JobRunner;
 };
 
 } // namespace qrxsim

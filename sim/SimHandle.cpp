@@ -30,11 +30,19 @@ SimHandle::~SimHandle()
 void SimHandle::run(const std::function<void(Simulator &)> &fn) const
 {
     Simulator *sim = m_simulator;
+    // What a test changes may give the ticks work again.
     if (QThread::currentThread() == &m_thread) {
         fn(*sim);
+        sim->wake();
         return;
     }
-    QMetaObject::invokeMethod(sim, [sim, &fn] { fn(*sim); }, Qt::BlockingQueuedConnection);
+    QMetaObject::invokeMethod(
+        sim,
+        [sim, &fn] {
+            fn(*sim);
+            sim->wake();
+        },
+        Qt::BlockingQueuedConnection);
 }
 
 bool SimHandle::start()

@@ -77,13 +77,14 @@ bool Simulator::listen(const QHostAddress &address, quint16 port)
         return false;
     }
     m_port = m_server.serverPort();
-    m_lastTickMs = nowMs();
-    m_tickTimer.start();
+    m_serving = true;
+    wake();
     return true;
 }
 
 void Simulator::shutdown()
 {
+    m_serving = false;
     m_tickTimer.stop();
     m_heartbeatTimer.stop();
     m_server.close();
@@ -218,6 +219,15 @@ void Simulator::handleFrame(Session &session, quint16 command, const QByteArray 
     }
     guarded([&] { return QStringLiteral("handler of 0x%1").arg(command, 4, 16, QLatin1Char('0')); },
             [&] { it->handle(session, frame); });
+    wake();
+}
+
+void Simulator::wake()
+{
+    if (!m_serving || m_tickTimer.isActive())
+        return;
+    m_lastTickMs = nowMs();
+    m_tickTimer.start();
 }
 
 void Simulator::onTick()
@@ -228,6 +238,10 @@ void Simulator::onTick()
     for (const TickEntry &entry : m_ticks)
         guarded([&] { return QStringLiteral("tick %1").arg(QLatin1String(entry.name)); },
                 [&] { entry.tick(*this, elapsed); });
+    const bool busy = std::any_of(m_ticks.begin(), m_ticks.end(),
+                                  [this](const TickEntry &entry) { return !entry.busy || entry.busy(m_model); });
+    if (!busy)
+        m_tickTimer.stop(); // nothing moves: the next frame starts the ticks again
 }
 
 void Simulator::onControllerHeartbeat()

@@ -73,7 +73,14 @@ public:
     // Behaviour added at run time, after the tables (tests script one-off
     // answers this way). setHandler replaces the handler of its code.
     void setHandler(CommandEntry entry);
-    void addTick(TickEntry entry) { m_ticks.push_back(std::move(entry)); }
+    void addTick(TickEntry entry)
+    {
+        m_ticks.push_back(std::move(entry));
+        wake();
+    }
+    // Starts the ticks again if they stopped for lack of work (after a frame
+    // or a change of the model from outside).
+    void wake();
     void addConnectHook(ConnectEntry entry) { m_onConnect.push_back(std::move(entry)); }
     // A controller that speaks only when spoken to (tests of the engine).
     void clearTicksAndConnectHooks()
@@ -110,6 +117,7 @@ private:
     std::vector<ConnectEntry> m_onConnect;
     QTimer m_tickTimer;
     qint64 m_lastTickMs = 0;
+    bool m_serving = false; // between listen() and shutdown()
     QTimer m_heartbeatTimer;
 
     bool m_silent = false;

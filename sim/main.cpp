@@ -1,6 +1,7 @@
 // qrx-sim: a simulated robot controller on the controller's frame port.
 
 #include "sim/files/FileOptions.h"
+#include "sim/Describe.h"
 #include "sim/Simulator.h"
 
 #include <QCommandLineParser>
@@ -47,23 +48,25 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("qrx-sim"));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "A simulated robot controller for qrx_host.\n"
-        "It listens for host programs on the controller's frame port, answers their\n"
-        "heartbeats (0x7266 -> 0x7267), can send heartbeats of its own, and answers\n"
-        "the commands it knows from its command tables:\n"
-        "  - start-up reports after a connection: robot type, robot count, current\n"
-        "    robot, servo and mode state;\n"
-        "  - servo, deadman, operation mode, coordinate system, speed and test mode,\n"
-        "    set and queried; the drives come up 500 ms after the deadman;\n"
-        "  - jogging (the axis moves while jog steps keep coming) and joint, linear,\n"
-        "    circular and spline moves that travel toward their target over time;\n"
-        "  - digital and analog IO (outputs wired back to the inputs), global\n"
-        "    variables and positions, motor figures, tool and user frames,\n"
-        "    four-point and zero-point calibration;\n"
-        "  - job programs: open, run, step, pause, continue, stop, the running line;\n"
-        "  - the continuous-motion queue.\n"
-        "Stop it with Ctrl-C."));
+    parser.setApplicationDescription(
+        QStringLiteral(
+            "A simulated robot controller for qrx_host.\n"
+            "It listens for host programs on the controller's frame port, answers their\n"
+            "heartbeats (0x7266 -> 0x7267), can send heartbeats of its own, and answers\n"
+            "the commands it knows from its command tables:\n"
+            "  - start-up reports after a connection: robot type, robot count, current\n"
+            "    robot, servo and mode state;\n"
+            "  - servo, deadman, operation mode, coordinate system, speed and test mode,\n"
+            "    set and queried; the drives come up 500 ms after the deadman;\n"
+            "  - jogging (the axis moves while jog steps keep coming) and joint, linear,\n"
+            "    circular and spline moves that travel toward their target over time;\n"
+            "  - digital and analog IO (outputs wired back to the inputs), global\n"
+            "    variables and positions, motor figures, tool and user frames,\n"
+            "    four-point and zero-point calibration;\n"
+            "  - job programs: open, run, step, pause, continue, stop, the running line;\n"
+            "  - the continuous-motion queue: its instructions run in order; the running\n"
+            "    state (0x3D03) and running line (0x3503) show how far it has got.\n\n") +
+        qrxsim::controllerDescription() + QStringLiteral("\n\nStop it with Ctrl-C."));
     parser.addHelpOption();
     const QCommandLineOption addressOption(QStringLiteral("address"),
                                            QStringLiteral("Address to listen on (default 127.0.0.1)."),

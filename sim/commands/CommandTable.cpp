@@ -19,6 +19,7 @@ std::vector<CommandEntry> commandTable()
     std::vector<CommandEntry> table;
     append(table, heartbeatCommands());
     append(table, sessionCommands());
+    append(table, continuousCommands());
     append(table, statusCommands());
     append(table, robotReportCommands());
     append(table, robotParamCommands());
@@ -32,7 +33,7 @@ std::vector<CommandEntry> commandTable()
 std::vector<TickEntry> tickTable()
 {
     std::vector<TickEntry> table;
-    append(table, sessionTicks());
+    append(table, continuousTicks());
     append(table, motionTicks());
     append(table, jobTicks());
     return table;

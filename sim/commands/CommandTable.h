@@ -2,12 +2,16 @@
 // Everything the simulated controller does on its own, in three tables:
 //  - commandTable(): what it does when a frame with a given code arrives;
 //  - tickTable():    what it does every tick (axes moving, job lines
-//                    advancing), with the milliseconds since the last tick;
+//                    advancing), with the milliseconds since the last tick,
+//                    and when it has something to do: the ticks run only
+//                    while some family is busy, and start again on the
+//                    next frame;
 //  - connectTable(): what it sends when a client connects (start-up reports).
 // Each table is the concatenation of the family tables declared in
 // Families.h. A new family is one file commands/<Family>Commands.cpp, one
 // declaration in Families.h and one line per table in CommandTable.cpp.
 
+#include "sim/ControllerModel.h"
 #include "sim/ReceivedFrame.h"
 
 #include <QtGlobal>
@@ -29,6 +33,8 @@ struct TickEntry
 {
     const char *name;
     std::function<void(Simulator &, qint64 elapsedMs)> tick;
+    // Whether the next tick has work for this entry; none: always.
+    std::function<bool(const ControllerModel &)> busy = {};
 };
 
 struct ConnectEntry

@@ -6,15 +6,19 @@
 #include "sim/commands/CommandTable.h"
 
 #include <json/value.h>
+#include <string>
 
 namespace qrxsim {
 
 // 0x7266 heartbeat request -> 0x7267 with the same payload.
 std::vector<CommandEntry> heartbeatCommands();
 
-// Post-connection request, farewell, continuous motion.
+// Post-connection request, farewell.
 std::vector<CommandEntry> sessionCommands();
-std::vector<TickEntry> sessionTicks();
+
+// Continuous motion: mode, queue, start, suspend, stop; the queue's run.
+std::vector<CommandEntry> continuousCommands();
+std::vector<TickEntry> continuousTicks();
 
 // Status queries and set commands: servo, mode, coordinate, deadman, speed,
 // test mode, position, tool, running state (reports 0x2003 ... 0x3D03).
@@ -22,6 +26,8 @@ std::vector<CommandEntry> statusCommands();
 // The servo report (0x2003) about a robot and the mode report (0x2103).
 Json::Value servoReport(const ControllerModel &model, int robot);
 Json::Value modeReport(const ControllerModel &model);
+// The running-state report (0x3D03) of the model: {"robot","status"}.
+Json::Value runStatusReport(const ControllerModel &model);
 
 // Reports about the robots: sent on connect (type, count, current robot,
 // servo, mode) and on request (robot count, current robot).
@@ -38,11 +44,19 @@ Json::Value robotTypeReportPayload(const ControllerModel &model);
 // IO, positions, global variables and positions, motor figures
 // (0x3601..0x360B, 0x2F07, 0x7012, 0x5604..0x560B, 0x2A04..0x2A0A).
 std::vector<CommandEntry> ioCommands();
+// The type of a global variable by its name: 1 "GB###", 2 "GI###",
+// 3 "GD###"; 0 for any other name.
+int globalVariableType(const std::string &name);
 
 // Moves 0x4501..0x4509 and jogging 0x2901/0x2902, moved every tick; the
 // drives engaging when the deadman power comes on.
 std::vector<CommandEntry> motionCommands();
 std::vector<TickEntry> motionTicks();
+// Where the axes are now.
+SimWaypoint here(const ControllerModel &model);
+// "axis N target V is outside A..B" for the first axis of the point beyond
+// its limit; empty when every axis is within.
+std::string outsideLimits(const SimWaypoint &point);
 
 // Jobs: open, run, step, pause, continue, stop, delete, runs, running line,
 // cycle figures; the runner advances the line every tick.

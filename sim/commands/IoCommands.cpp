@@ -18,8 +18,14 @@
 //   0x2A06 -> 0x2A07 {"robot","torq","theoTorq","maxTorq","maxTheoTorq"[7],
 //                     "torqSync","maxTorqSync"[5]}
 //   0x2A0A -> 0x2A0B {"robot","motorOverload"[7],"motorOverloadSync"[5]}
-// Unknown variables and positions read as zero. The simulator has no
-// kinematics, so every coordinate system reports the same axis values.
+// Variables are kept by name with the "varType" sent: a GB (1) value as
+// 0 or 1 (any non-zero is 1), GI (2) and names of no global type (0) cut to
+// whole numbers, GD (3) as it is. Unknown variables and positions read as
+// zero. The simulator has no kinematics, so every coordinate system reports
+// the same axis values.
+// Refused (error 0x2B03, nothing changes): ports outside 1..16, digital
+// values other than 0 and 1, analog values outside -10..10 V, global
+// positions in a coordinate system outside 0..3.
 
 #include "sim/Session.h"
 #include "sim/commands/Families.h"
@@ -190,25 +196,43 @@ Handler answer(quint16 reply, Report report)
     };
 }
 
-// Port 1..16 of an output array; null for any other port.
-double *port(std::array<double, SimIo::ports> &outputs, const Json::Value &request)
+// Port 1..16 of an output array; null (and a refusal) for any other port.
+double *port(Session &s, std::array<double, SimIo::ports> &outputs, const Json::Value &request, const char *what)
 {
     const int n = requestInt(request, "port");
-    return n >= 1 && n <= SimIo::ports ? &outputs[n - 1] : nullptr;
+    if (!ranges::kPort.holds(n)) {
+        refuse(s, Refusal::OutOfRange, outOfRange(std::string(what) + " port", n, ranges::kPort));
+        return nullptr;
+    }
+    return &outputs[n - 1];
 }
 
 void setDout(Session &s, const ReceivedFrame &frame)
 {
     const Json::Value request = requestObject(frame.payload);
-    if (double *out = port(s.model().io.dout, request))
-        *out = requestInt(request, "status") != 0 ? 1.0 : 0.0;
+    double *out = port(s, s.model().io.dout, request, "digital output");
+    if (!out)
+        return;
+    const int status = requestInt(request, "status");
+    if (!ranges::kDigital.holds(status)) {
+        refuse(s, Refusal::OutOfRange, outOfRange("digital output value", status, ranges::kDigital));
+        return;
+    }
+    *out = status;
 }
 
 void setAout(Session &s, const ReceivedFrame &frame)
 {
     const Json::Value request = requestObject(frame.payload);
-    if (double *out = port(s.model().io.aout, request))
-        *out = requestReal(request, "value");
+    double *out = port(s, s.model().io.aout, request, "analog output");
+    if (!out)
+        return;
+    const double value = requestReal(request, "value");
+    if (!ranges::kAnalog.holds(value)) {
+        refuse(s, Refusal::OutOfRange, outOfRange("analog output value", value, ranges::kAnalog));
+        return;
+    }
+    *out = value;
 }
 
 void setGlobalPosition(Session &s, const ReceivedFrame &frame)
@@ -217,12 +241,17 @@ void setGlobalPosition(Session &s, const ReceivedFrame &frame)
     const Json::Value pos = request.get("pos", Json::Value());
     if (!pos.isArray())
         return;
+    const int coord = requestInt(request, "coord");
+    if (!ranges::kCoordinate.holds(coord)) {
+        refuse(s, Refusal::OutOfRange, outOfRange("global position coordinate system", coord, ranges::kCoordinate));
+        return;
+    }
     std::array<double, 14> values{};
     for (Json::ArrayIndex i = 0; i < pos.size() && i < values.size(); ++i)
         values[i] = pos[i].isNumeric() ? pos[i].asDouble() : 0.0;
     const std::string name = request.get("posName", "").asString();
     s.model().globals.positions[name] = values;
-    s.model().globals.positionCoords[name] = requestInt(request, "coord");
+    s.model().globals.positionCoords[name] = coord;
 }
 
 void setGlobalVariable(Session &s, const ReceivedFrame &frame)
@@ -237,6 +266,18 @@ void setGlobalVariable(Session &s, const ReceivedFrame &frame)
 }
 
 } // namespace
+
+int globalVariableType(const std::string &name)
+{
+    static const char *const prefixes[] = {"GB", "GI", "GD"}; // varType 1, 2, 3
+    if (name.size() != 5 || !std::all_of(name.begin() + 2, name.end(), [](char c) { return c >= '0' && c <= '9'; }))
+        return 0;
+    for (int type = 1; type <= 3; ++type) {
+        if (name.compare(0, 2, prefixes[type - 1]) == 0)
+            return type;
+    }
+    return 0;
+}
 
 std::vector<CommandEntry> ioCommands()
 {

@@ -10,7 +10,8 @@
 //   0x3111 {"robot","jobfilename","suffixname"}  delete a job
 //   0x5011 {"robot","index"}  number of runs of the next job
 // Queries answered to the asking client:
-//   0x3503 {"robot"} -> 0x3504 {"num"}: the line being executed
+//   0x3503 {"robot"} -> 0x3504 {"num"}: the line being executed (of the job,
+//          or of the continuous-motion queue when that ran last)
 //   0x3309 {"robot"} -> 0x330A {"value"[7]}: last cycle time (s), time in the
 //          current cycle (s), cycles done since start-up, runs done, runs
 //          wanted, line, lines of the job
@@ -19,8 +20,9 @@
 // Every change of the running state (0 stopped, 1 paused, 2 running) goes to
 // every client as 0x3D03 {"robot","status"}; the line is only reported when
 // asked for, so a running job does not wake the host's waiting calls by
-// itself. Refusals (job unknown, servo not running, a job already running)
-// are error messages 0x2B03.
+// itself. Refusals (job unknown, servo not running, a job or the queue
+// already running) are error messages 0x2B03. Pause and stop act on a job
+// only; the queue has its own suspend and stop.
 
 #include "sim/Session.h"
 #include "sim/Simulator.h"
@@ -39,6 +41,12 @@ constexpr int kRunning = 2;
 constexpr int kServoReady = 1;
 constexpr int kServoRunning = 3;
 
+// The running state belongs to the job runner, not to the queue.
+bool jobRanLast(const ControllerModel &m)
+{
+    return m.lastRunner == ControllerModel::JobRunner;
+}
+
 // Servo ready with the deadman on: the drives are coming up.
 bool drivesComingUp(const ControllerModel &m)
 {
@@ -47,10 +55,7 @@ bool drivesComingUp(const ControllerModel &m)
 
 void reportRunStatus(ControllerModel &m, const std::function<void(quint16, const Json::Value &)> &send)
 {
-    Json::Value v(Json::objectValue);
-    v["robot"] = m.currentRobot;
-    v["status"] = m.runStatus;
-    send(0x3D03, v);
+    send(0x3D03, runStatusReport(m));
 }
 
 void setRunStatus(Session &s, int status)
@@ -69,7 +74,7 @@ void openJob(Session &s, const ReceivedFrame &frame)
 {
     const std::string name = requestObject(frame.payload).get("jobName", "").asString();
     if (linesOf(s.model().job, name) == 0) {
-        refuse(s, ("job not found: " + name).c_str());
+        refuse(s, Refusal::UnknownJob, "job not found: " + name);
         return;
     }
     s.model().job.opened = name;
@@ -81,15 +86,19 @@ void startRun(Session &s, const std::string &name, int line, bool stepOnly)
     SimJobRunner &job = m.job;
     const int lines = linesOf(job, name);
     if (lines == 0) {
-        refuse(s, ("job not found: " + name).c_str());
+        refuse(s, Refusal::UnknownJob, "job not found: " + name);
         return;
     }
     if (m.servoStatus != kServoRunning) {
-        refuse(s, "job refused: the servo is not running");
+        refuse(s, Refusal::ServoOff, "job refused: the servo is not running");
         return;
     }
     if (m.runStatus == kRunning) {
-        refuse(s, "job refused: a job is running");
+        refuse(s, Refusal::Busy, "job refused: a job is running");
+        return;
+    }
+    if (m.continuous.state != ContinuousMotion::Stopped) {
+        refuse(s, Refusal::Busy, "job refused: the continuous-motion queue is running");
         return;
     }
     job.running = name;
@@ -98,6 +107,7 @@ void startRun(Session &s, const std::string &name, int line, bool stepOnly)
     job.runsDone = 0;
     job.sinceLineMs = 0;
     job.cycleStartMs = s.nowMs();
+    m.lastRunner = ControllerModel::JobRunner;
     setRunStatus(s, kRunning);
 }
 
@@ -106,14 +116,14 @@ void continueRun(Session &s)
     ControllerModel &m = s.model();
     if (m.runStatus == kRunning)
         return;
-    if (m.job.running.empty() || m.runStatus != kPaused) {
-        refuse(s, "continue refused: no paused job");
+    if (m.job.running.empty() || m.runStatus != kPaused || !jobRanLast(m)) {
+        refuse(s, Refusal::NothingToDo, "continue refused: no paused job");
         return;
     }
     // The host continues only with the servo ready; the run goes on once
     // the drives are up.
     if (m.servoStatus != kServoRunning && !drivesComingUp(m)) {
-        refuse(s, "job refused: the servo is not running");
+        refuse(s, Refusal::ServoOff, "job refused: the servo is not running");
         return;
     }
     setRunStatus(s, kRunning);
@@ -134,13 +144,15 @@ void runRequest(Session &s, const ReceivedFrame &frame)
 
 void pause(Session &s, const ReceivedFrame &)
 {
-    if (s.model().runStatus == kRunning)
+    if (s.model().runStatus == kRunning && jobRanLast(s.model()))
         setRunStatus(s, kPaused);
 }
 
 void stop(Session &s, const ReceivedFrame &)
 {
     SimJobRunner &job = s.model().job;
+    if (!jobRanLast(s.model()))
+        return; // the queue has its own stop (0x50B9)
     job.line = 0;
     job.running.clear();
     if (s.model().runStatus != kStopped)
@@ -152,11 +164,11 @@ void deleteJob(Session &s, const ReceivedFrame &frame)
     const std::string name = requestObject(frame.payload).get("jobfilename", "").asString();
     SimJobRunner &job = s.model().job;
     if (linesOf(job, name) == 0) {
-        refuse(s, ("job not found: " + name).c_str());
+        refuse(s, Refusal::UnknownJob, "job not found: " + name);
         return;
     }
     if (job.running == name && s.model().runStatus != kStopped) {
-        refuse(s, "delete refused: the job is running");
+        refuse(s, Refusal::Busy, "delete refused: the job is running");
         return;
     }
     job.jobs.erase(name);
@@ -166,8 +178,9 @@ void deleteJob(Session &s, const ReceivedFrame &frame)
 
 void runningLine(Session &s, const ReceivedFrame &)
 {
+    const ControllerModel &m = s.model();
     Json::Value v(Json::objectValue);
-    v["num"] = s.model().job.line;
+    v["num"] = m.lastRunner == ControllerModel::QueueRunner ? m.continuous.line : m.job.line;
     s.replyJson(0x3504, v);
 }
 
@@ -191,7 +204,7 @@ void tickJob(Simulator &sim, qint64 elapsedMs)
 {
     ControllerModel &m = sim.model();
     SimJobRunner &job = m.job;
-    if (m.runStatus != kRunning)
+    if (m.runStatus != kRunning || !jobRanLast(m))
         return;
     auto broadcast = [&sim](quint16 code, const Json::Value &v) { sim.broadcastJson(code, v); };
     if (drivesComingUp(m))
@@ -247,7 +260,8 @@ std::vector<CommandEntry> jobCommands()
 
 std::vector<TickEntry> jobTicks()
 {
-    return {{"job runner", tickJob}};
+    return {{"job runner", tickJob,
+             [](const ControllerModel &m) { return m.runStatus == kRunning && jobRanLast(m); }}};
 }
 
 } // namespace qrxsim

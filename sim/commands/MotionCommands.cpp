@@ -2,7 +2,8 @@
 //
 // Moves 0x4501..0x4509 queue their target points; every tick the axes travel
 // toward the next point on a straight line in axis space, all axes arriving
-// together, at the commanded "vel" percent of SimMotion::maxAxisSpeed. The
+// together, at the commanded "vel" percent of the axes' full speed (the
+// slowest axis sets the time, SimMotion::robotFullSpeed). The
 // move frames are answered with nothing; a host watches the position
 // (0x2F07 / 0x2A02). Circles pass through their three points (a full circle
 // returns to the first one); the simulator has no kinematics.
@@ -17,8 +18,11 @@
 // SimMotion::driveEngageMs; deadman power off turns 3 back into 1 and stops
 // every motion. Both changes are reported with 0x2003 to every client.
 //
-// Refusals (error 0x2B03): moves and jog steps while the servo is not
-// running, jog steps outside teach mode.
+// Refusals (error 0x2B03, nothing changes): moves and jog steps while the
+// servo is not running or while the continuous-motion queue is active; jog
+// steps outside teach mode or beyond an axis limit; moves with a speed,
+// acceleration, deceleration or coordinate system outside its range, or a
+// point outside the axis limits (sim/Ranges.h). Jogging stops at a limit.
 
 #include "sim/Session.h"
 #include "sim/Simulator.h"
@@ -27,6 +31,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace qrxsim {
 
@@ -35,14 +40,6 @@ namespace {
 constexpr int kServoReady = 1;
 constexpr int kServoRunning = 3;
 constexpr int kTeachMode = 0;
-
-SimWaypoint here(const ControllerModel &m)
-{
-    SimWaypoint w;
-    std::copy(m.positionDeg, m.positionDeg + 7, w.robot.begin());
-    w.sync = m.motion.sync;
-    return w;
-}
 
 // A point of n values: the robot's six axes, then (n = 12) the synchronous
 // axes; what a point leaves out stays as it is at `from`.
@@ -93,23 +90,68 @@ bool pointsOf(quint16 code, const Json::Value &request, const SimWaypoint &start
     }
 }
 
+// A number of the request outside its range, as a refusal text; empty
+// when the key is absent or the number holds.
+std::string badNumber(const Json::Value &request, const char *key, const ValueRange &range)
+{
+    if (!request.isMember(key))
+        return {};
+    const double v = requestReal(request, key);
+    return range.holds(v) ? std::string() : outOfRange(std::string("move ") + key, v, range);
+}
+
+std::string refusalOfMove(const Json::Value &request)
+{
+    const std::pair<const char *, const ValueRange *> checks[] = {
+        {"vel", &ranges::kMoveSpeed}, {"acc", &ranges::kAccDec}, {"dec", &ranges::kAccDec},
+        {"coord", &ranges::kCoordinate}};
+    for (const auto &[key, range] : checks) {
+        const std::string text = badNumber(request, key, *range);
+        if (!text.empty())
+            return text;
+    }
+    return {};
+}
+
 void takeMove(Session &s, const ReceivedFrame &frame)
 {
     ControllerModel &m = s.model();
     if (m.servoStatus != kServoRunning) {
-        refuse(s, "move refused: the servo is not running");
+        refuse(s, Refusal::ServoOff, "move refused: the servo is not running");
+        return;
+    }
+    if (m.continuous.state != ContinuousMotion::Stopped) {
+        refuse(s, Refusal::Busy, "move refused: the continuous-motion queue is active");
         return;
     }
     const Json::Value request = requestObject(frame.payload);
+    const std::string bad = refusalOfMove(request);
+    if (!bad.empty()) {
+        refuse(s, Refusal::OutOfRange, bad);
+        return;
+    }
     const SimWaypoint start = m.motion.waypoints.empty() ? here(m) : m.motion.waypoints.back();
     std::vector<SimWaypoint> points;
     if (!pointsOf(frame.command, request, start, points) || points.empty()) {
-        refuse(s, "move refused: bad target points");
+        refuse(s, Refusal::OutOfRange, "move refused: bad target points");
         return;
     }
-    m.motion.speedPercent = std::clamp(requestInt(request, "vel", 10), 1, 100);
+    for (const SimWaypoint &p : points) {
+        const std::string outside = outsideLimits(p);
+        if (!outside.empty()) {
+            refuse(s, Refusal::OutOfRange, "move refused: " + outside);
+            return;
+        }
+    }
+    m.motion.speedShare = requestInt(request, "vel", 10) / 100.0;
     m.motion.waypoints.insert(m.motion.waypoints.end(), points.begin(), points.end());
     ++m.motion.moves;
+}
+
+// Jog axes 1..7 are the robot's, 8..12 the synchronous axes 1..5.
+ValueRange limitOf(int axis)
+{
+    return axis <= 7 ? ranges::kRobotAxes[axis - 1] : ranges::kSyncAxes[axis - 8];
 }
 
 double *jogTarget(ControllerModel &m, int axis)
@@ -126,22 +168,35 @@ void takeJogStep(Session &s, const ReceivedFrame &frame)
     ControllerModel &m = s.model();
     ++m.motion.jogSteps;
     if (m.servoStatus != kServoRunning) {
-        refuse(s, "jog refused: the servo is not running");
+        refuse(s, Refusal::ServoOff, "jog refused: the servo is not running");
         return;
     }
     if (m.operationMode != kTeachMode) {
-        refuse(s, "jog refused: not in teach mode");
+        refuse(s, Refusal::NotTeachMode, "jog refused: not in teach mode");
+        return;
+    }
+    if (m.continuous.state != ContinuousMotion::Stopped) {
+        refuse(s, Refusal::Busy, "jog refused: the continuous-motion queue is active");
         return;
     }
     const Json::Value request = requestObject(frame.payload);
     const int axis = requestInt(request, "axis");
     const int direction = requestInt(request, "direction") < 0 ? -1 : 1;
     double *target = jogTarget(m, axis);
-    if (!target)
+    if (!target) {
+        refuse(s, Refusal::OutOfRange, "jog refused: axis " + std::to_string(axis) + " is outside 1..12");
         return;
+    }
+    const ValueRange limit = limitOf(axis);
+    const double end = direction > 0 ? limit.max : limit.min;
+    if (*target == end) {
+        refuse(s, Refusal::OutOfRange,
+               "jog refused: axis " + std::to_string(axis) + " is at its limit " + numberText(end));
+        return;
+    }
     if (m.speed > 100) {
         static const double steps[] = {0.1, 0.01, 0.001};
-        *target += direction * steps[std::min(m.speed, 103) - 101];
+        *target = std::clamp(*target + direction * steps[std::min(m.speed, 103) - 101], limit.min, limit.max);
         return;
     }
     m.motion.jogAxis = axis;
@@ -199,14 +254,18 @@ void tickMotion(Simulator &sim, qint64 elapsedMs)
     if (dt <= 0.0)
         return;
 
-    double budget = SimMotion::maxAxisSpeed * motion.speedPercent / 100.0 * dt;
+    // Seconds of travel this tick; each point is reached in the time its
+    // slowest axis needs at the move's share of full speed.
+    double budget = motion.held || motion.speedShare <= 0.0 ? 0.0 : dt;
     while (!motion.waypoints.empty() && budget > 0.0) {
         const SimWaypoint &target = motion.waypoints.front();
         double longest = 0.0;
         for (int i = 0; i < 7; ++i)
-            longest = std::max(longest, std::fabs(target.robot[i] - m.positionDeg[i]));
+            longest = std::max(longest, std::fabs(target.robot[i] - m.positionDeg[i]) /
+                                            (SimMotion::robotFullSpeed[i] * motion.speedShare));
         for (int i = 0; i < 5; ++i)
-            longest = std::max(longest, std::fabs(target.sync[i] - motion.sync[i]));
+            longest = std::max(longest, std::fabs(target.sync[i] - motion.sync[i]) /
+                                            (SimMotion::syncFullSpeed[i] * motion.speedShare));
         const double part = longest <= budget ? 1.0 : budget / longest;
         for (int i = 0; i < 7; ++i) {
             const double d = (target.robot[i] - m.positionDeg[i]) * part;
@@ -231,7 +290,8 @@ void tickMotion(Simulator &sim, qint64 elapsedMs)
         }
         if (double *axis = jogTarget(m, motion.jogAxis)) {
             const double speed = SimMotion::maxJogSpeed * std::clamp(m.speed, 0, 100) / 100.0;
-            *axis += motion.jogDirection * speed * dt;
+            const ValueRange limit = limitOf(motion.jogAxis);
+            *axis = std::clamp(*axis + motion.jogDirection * speed * dt, limit.min, limit.max);
             if (motion.jogAxis <= 7)
                 motion.axisSpeed[motion.jogAxis - 1] = speed;
             else
@@ -241,6 +301,28 @@ void tickMotion(Simulator &sim, qint64 elapsedMs)
 }
 
 } // namespace
+
+SimWaypoint here(const ControllerModel &m)
+{
+    SimWaypoint w;
+    std::copy(m.positionDeg, m.positionDeg + 7, w.robot.begin());
+    w.sync = m.motion.sync;
+    return w;
+}
+
+std::string outsideLimits(const SimWaypoint &point)
+{
+    for (int i = 0; i < 7; ++i) {
+        if (!ranges::kRobotAxes[i].holds(point.robot[i]))
+            return "axis " + std::to_string(i + 1) + " target " + rangeText(point.robot[i], ranges::kRobotAxes[i]);
+    }
+    for (int i = 0; i < 5; ++i) {
+        if (!ranges::kSyncAxes[i].holds(point.sync[i]))
+            return "synchronous axis " + std::to_string(i + 1) + " target " +
+                   rangeText(point.sync[i], ranges::kSyncAxes[i]);
+    }
+    return {};
+}
 
 std::vector<CommandEntry> motionCommands()
 {
@@ -254,9 +336,18 @@ std::vector<CommandEntry> motionCommands()
 
 std::vector<TickEntry> motionTicks()
 {
+    const auto moving = [](const ControllerModel &m) {
+        const auto still = [](double v) { return v == 0.0; };
+        return m.motion.busy() || m.motion.jogAxis != 0 ||
+               !std::all_of(m.motion.axisSpeed.begin(), m.motion.axisSpeed.end(), still) ||
+               !std::all_of(m.motion.syncSpeed.begin(), m.motion.syncSpeed.end(), still);
+    };
+    const auto drivesChanging = [](const ControllerModel &m) {
+        return (m.servoStatus == kServoReady && m.deadman == 1) || (m.servoStatus == kServoRunning && m.deadman == 0);
+    };
     return {
-        {"drives", tickDrives},
-        {"moves and jogging", tickMotion},
+        {"drives", tickDrives, drivesChanging},
+        {"moves and jogging", tickMotion, moving},
     };
 }
 

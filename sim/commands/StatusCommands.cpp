@@ -3,6 +3,8 @@
 // to the asking client; a set command changes the controller state and the
 // report of the new state goes to every client, as a real controller tells
 // every pendant. Only the keys that the host's handlers read are written.
+// A mode, coordinate system, deadman value or jog speed outside its range
+// (sim/Ranges.h) is refused: error 0x2B03, no state change, no report.
 
 #include "common/CompactJson.h"
 #include "common/Payload.h"
@@ -108,15 +110,21 @@ Handler query(Report report)
 }
 
 // A JSON set command: the model field takes the key's number (kept when the
-// key is missing or not a number), then the report goes to everyone.
-Handler set(const char *key, int ControllerModel::*field, Report report)
+// key is missing or not a number), then the report goes to everyone. A
+// number outside `range` (when there is one) is refused and changes nothing.
+Handler set(const char *key, int ControllerModel::*field, Report report, const ValueRange *range = nullptr)
 {
-    return [key, field, report](Session &session, const ReceivedFrame &frame) {
+    return [key, field, report, range](Session &session, const ReceivedFrame &frame) {
         Json::Value request;
         if (!qrx::parsePayload(frame.payload, request) || !request.isObject())
             return;
         ControllerModel &m = session.model();
-        m.*field = intOf(request, key, m.*field);
+        const int value = intOf(request, key, m.*field);
+        if (range && !range->holds(value)) {
+            refuse(session, Refusal::OutOfRange, outOfRange(key, value, *range));
+            return;
+        }
+        m.*field = value;
         report(session, robotOf(session, request), true);
     };
 }
@@ -133,14 +141,19 @@ Json::Value modeReport(const ControllerModel &model)
     return payloadOf(kMode, model, model.currentRobot);
 }
 
+Json::Value runStatusReport(const ControllerModel &model)
+{
+    return payloadOf(kRunStatus, model, model.currentRobot);
+}
+
 std::vector<CommandEntry> statusCommands()
 {
     return {
         {0x2001, set("status", &ControllerModel::servoStatus, numbers(kServo))},
-        {0x2101, set("mode", &ControllerModel::operationMode, numbers(kMode))},
-        {0x2201, set("coord", &ControllerModel::coordinate, numbers(kCoordinate))},
-        {0x2301, set("deadman", &ControllerModel::deadman, numbers(kDeadman))},
-        {0x2601, set("speed", &ControllerModel::speed, numbers(kSpeed))},
+        {0x2101, set("mode", &ControllerModel::operationMode, numbers(kMode), &ranges::kMode)},
+        {0x2201, set("coord", &ControllerModel::coordinate, numbers(kCoordinate), &ranges::kCoordinate)},
+        {0x2301, set("deadman", &ControllerModel::deadman, numbers(kDeadman), &ranges::kDeadman)},
+        {0x2601, set("speed", &ControllerModel::speed, numbers(kSpeed), &ranges::kJogSpeed)},
         {0x2701,
          [](Session &session, const ReceivedFrame &frame) {
              if (frame.payload.size() != 1)

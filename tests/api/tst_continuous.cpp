@@ -478,6 +478,11 @@ void TestContinuous::controllerWorksOffQueue()
                               queued == 3),
                              10000);
 
+    // The controller runs a queue only with the drives running.
+    m_sim->withModel([](qrxsim::ControllerModel &m) {
+        m.servoStatus = 3;
+        m.deadman = 1;
+    });
     continuous_motion_start();
     int executed = 0;
     QTRY_VERIFY_WITH_TIMEOUT((m_sim->withModel([&](qrxsim::ControllerModel &m) {

@@ -61,6 +61,7 @@ private Q_SLOTS:
     void controllerHeartbeat();
     void handlerRepliesAndBroadcasts();
     void ticksAndConnectHooks();
+    void ticksStopWhenIdleAndAFrameWakesThem();
     void throwingBehaviourKeepsServing_data();
     void throwingBehaviourKeepsServing();
     void commandCodesAreUnique();
@@ -442,6 +443,35 @@ void TestSim::ticksAndConnectHooks()
     QCOMPARE(client.frames().first().command, quint16(0x2103));
     QVERIFY(ticked->load() >= 200);
     QVERIFY(clock.elapsed() >= 150);
+}
+
+// The ticks run only while an entry has work; a frame starts them again.
+void TestSim::ticksStopWhenIdleAndAFrameWakesThem()
+{
+    auto work = std::make_shared<std::atomic<int>>(0);
+    auto ticks = std::make_shared<std::atomic<int>>(0);
+    WireClient client;
+    connectClient(client);
+    m_sim->withSimulator([work, ticks](Simulator &sim) {
+        work->store(3);
+        sim.addTick({"count", [work, ticks](Simulator &, qint64) {
+                         ++*ticks;
+                         if (work->load() > 0)
+                             --*work;
+                     },
+                     [work](const qrxsim::ControllerModel &) { return work->load() > 0; }});
+    });
+    QTRY_COMPARE_WITH_TIMEOUT(ticks->load(), 3, 10000);
+    const qint64 idleFrom = m_sim->nowMs();
+    QTRY_VERIFY_WITH_TIMEOUT(m_sim->nowMs() >= idleFrom + 200, 10000);
+    QCOMPARE(ticks->load(), 3);
+
+    work->store(2); // nobody wakes the simulator for this
+    const qint64 quietFrom = m_sim->nowMs();
+    QTRY_VERIFY_WITH_TIMEOUT(m_sim->nowMs() >= quietFrom + 200, 10000);
+    QCOMPARE(ticks->load(), 3);
+    client.sendFrame(0x7266, QByteArray("{\"time\":1}\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(ticks->load(), 5, 10000);
 }
 
 void TestSim::throwingBehaviourKeepsServing_data()

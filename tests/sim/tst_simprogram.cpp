@@ -15,6 +15,8 @@ class TestSimProgram : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void help();
+    void helpSaysWhatItHolds_data();
+    void helpSaysWhatItHolds();
     void badOptions_data();
     void badOptions();
     void servesAndStopsOnSignal_data();
@@ -31,6 +33,37 @@ void TestSimProgram::help()
     for (const char *option : {"--address", "--port", "--heartbeat", "--verbose"})
         QVERIFY2(text.contains(QLatin1String(option)), option);
     QVERIFY(text.contains(QStringLiteral("0x7266")));
+}
+
+void TestSimProgram::helpSaysWhatItHolds_data()
+{
+    QTest::addColumn<QString>("line");
+    QTest::newRow("job DEMO") << "DEMO (8 lines)";
+    QTest::newRow("job WELD01") << "WELD01 (20 lines)";
+    QTest::newRow("axis 1 limits") << "1: -170..170";
+    QTest::newRow("axis 2 limits") << "2: -135..135";
+    QTest::newRow("IO ports") << "ports 1..16";
+    QTest::newRow("analog range") << "(-10..10 V)";
+    QTest::newRow("variables") << "GB### (0 or 1)";
+    QTest::newRow("queued MOVL") << "MOVL (2)";
+    QTest::newRow("queued PULSEOUT") << "PULSEOUT (22)";
+    QTest::newRow("refusal: servo off") << "0x1101 moves, jog steps";
+    QTest::newRow("refusal: unknown job") << "0x1103 opening, running";
+    QTest::newRow("refusal: not executable") << "0x1107 queued instructions";
+}
+
+// --help lists the jobs, limits and ranges the controller holds and what it
+// refuses; every line fits a terminal.
+void TestSimProgram::helpSaysWhatItHolds()
+{
+    QFETCH(QString, line);
+    QProcess sim;
+    sim.start(QStringLiteral(QRX_SIM_PROGRAM), {QStringLiteral("--help")});
+    QVERIFY(sim.waitForFinished(10000));
+    const QString text = QString::fromUtf8(sim.readAllStandardOutput());
+    QVERIFY2(text.contains(line), qPrintable(text));
+    for (const QString &each : text.split(QLatin1Char('\n')))
+        QVERIFY2(each.size() <= 80, qPrintable(each));
 }
 
 void TestSimProgram::badOptions_data()
