@@ -1,11 +1,14 @@
 // Reports that lack the keys their handler reads change nothing and emit
 // nothing, but still wake a waiting call: one row per key-reading handler,
 // with a cache field set to a known value first by a report that carries
-// the key, then the keyless report, which must leave it as it was.
+// the key, then the keyless report, which must leave it as it was. Also the
+// signals no other test observes, and the mode handler's pause before it
+// wakes.
 
 #include "RobotFixture.h"
 #include "ThreadSpy.h"
 
+#include <QElapsedTimer>
 #include <QtTest>
 
 namespace {
@@ -112,6 +115,78 @@ private Q_SLOTS:
         QCOMPARE(read(*robot), before);
         if (spy)
             QCOMPARE(spy->count(), 0);
+    }
+
+    // Signals that no other test observes, each from the report that leads
+    // to it, with the argument it carries.
+    void unobservedSignals_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QByteArray>("payload");
+        QTest::addColumn<QByteArray>("signal");
+        QTest::addColumn<QVariant>("argument");
+
+        const QByteArray speed(R"({"maxVel":[2],"vel":[1]})");
+        const QByteArray torque(R"({"maxTorq":[4],"theoTorq":[5],"torq":[3]})");
+        QTest::newRow("motor speed") << 0x2A05 << speed
+                                     << QByteArray(SIGNAL(robot_tool_receiveMotorSpeed(QByteArray)))
+                                     << QVariant(speed + "\n");
+        QTest::newRow("motor torque") << 0x2A07 << torque
+                                      << QByteArray(SIGNAL(robot_tool_receiveMotorTorque(QByteArray)))
+                                      << QVariant(torque + "\n");
+        QTest::newRow("theoretical torque") << 0x2A07 << torque
+                                            << QByteArray(SIGNAL(robot_tool_receiveMotorTorqueTheo(QByteArray)))
+                                            << QVariant(torque + "\n");
+        QTest::newRow("motor load") << 0x2A0B << QByteArray(R"({"motorOverload":[1]})")
+                                    << QByteArray(SIGNAL(signal_robotReceivedMotorLoad(QByteArray)))
+                                    << QVariant(QByteArray("{\"motorOverload\":[1]}\n"));
+        QTest::newRow("digital inputs") << 0x3606 << QByteArray(R"({"status":[1]})")
+                                        << QByteArray(SIGNAL(robot_din_display(QByteArray)))
+                                        << QVariant(QByteArray("{\"status\":[1]}\n"));
+        QTest::newRow("analog outputs") << 0x3609 << QByteArray(R"({"status":[2.5]})")
+                                        << QByteArray(SIGNAL(robot_aout_display(QByteArray)))
+                                        << QVariant(QByteArray("{\"status\":[2.5]}\n"));
+        QTest::newRow("analog inputs") << 0x360B << QByteArray(R"({"status":[0.5]})")
+                                       << QByteArray(SIGNAL(robot_ain_display(QByteArray)))
+                                       << QVariant(QByteArray("{\"status\":[0.5]}\n"));
+        QTest::newRow("cycle index") << 0x5013 << QByteArray(R"({"count":4,"index":2,"robot":3})")
+                                     << QByteArray(SIGNAL(sPBtnState(int))) << QVariant(3);
+    }
+
+    void unobservedSignals()
+    {
+        QFETCH(int, code);
+        QFETCH(QByteArray, payload);
+        QFETCH(QByteArray, signal);
+        QFETCH(QVariant, argument);
+        ThreadSpy spy(robot, signal.constData());
+        QVERIFY(spy.isValid());
+        QVERIFY(fixture.sendWaking(quint16(code), payload));
+        QVERIFY(fixture.flush());
+        QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0).value(0), argument);
+    }
+
+    // The mode report settles for 200 ms before the waiters wake.
+    void modeReportPausesBeforeWaking()
+    {
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(fixture.sendWaking(0x2103, R"({"mode":1})"));
+        QVERIFY2(clock.elapsed() >= 200, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(fixture.flush());
+        QCOMPARE(robot->operationMode, 1);
+    }
+
+    // The running-mode notification has no code of its own; its slot hands
+    // the value on unchanged.
+    void runningStatusChanged()
+    {
+        QSignalSpy spy(robot, SIGNAL(robot_running_status_changed(uchar)));
+        QVERIFY(QMetaObject::invokeMethod(robot, "robot_net_slot_runningStatusProcess", Qt::DirectConnection,
+                                          Q_ARG(quint8, 7)));
+        QCOMPARE(spy.count(), 1);
+        QCOMPARE(spy.at(0).at(0).value<uchar>(), uchar(7));
     }
 };
 
