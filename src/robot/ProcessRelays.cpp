@@ -59,7 +59,7 @@ void Robot::robot_net_slot_WeldEquipmentData(const QByteArray &data)
 // 0x5719 {"ModbusConnect"}
 void Robot::robot_net_slot_ModbusState(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"ModbusConnect"}, [&](const Json::Value &root) {
         emit robot_Modbus_State(qrx::jsonInt(root, "ModbusConnect"));
     });
 }
@@ -67,7 +67,7 @@ void Robot::robot_net_slot_ModbusState(const QByteArray &data)
 // 0x5033 {"ModbusConnect","ExternIOConnect"}
 void Robot::robot_net_slot_ModbusIoState(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"ModbusConnect", "ExternIOConnect"}, [&](const Json::Value &root) {
         emit robot_Modbus_Io_State(qrx::jsonInt(root, "ModbusConnect"), qrx::jsonInt(root, "ExternIOConnect"));
     });
 }
@@ -87,7 +87,7 @@ void Robot::robot_net_slot_SyncGroundRail(const QByteArray &data)
 // 0x7017 {"cooperativeRobot"}
 void Robot::robot_net_slot_COOPERATIVE(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"cooperativeRobot"}, [&](const Json::Value &root) {
         emit robot_recvCOOPERATIVE(qrx::jsonInt(root, "cooperativeRobot"));
     });
 }
@@ -96,7 +96,7 @@ void Robot::robot_net_slot_COOPERATIVE(const QByteArray &data)
 // (robot axes [0..6], synchronous axes [7..13]; values not sent read 0).
 void Robot::robot_net_slot_GlobalPosition(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"posValue"}, [&](const Json::Value &root) {
         std::fill(std::begin(globalPosition), std::end(globalPosition), 0.0);
         qrx::jsonReals(root, "posValue", globalPosition, 14);
         emit robot_rec_globalPosition(data);
@@ -107,7 +107,7 @@ void Robot::robot_net_slot_GlobalPosition(const QByteArray &data)
 // when "listnum" is 0 or missing), with "自定义" moved to the end.
 void Robot::robot_net_slot_PresentRobot(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"nameList", "listnum"}, [&](const Json::Value &root) {
         const Json::Value &names = qrx::jsonMember(root, "nameList");
         const int available = names.isArray() ? int(names.size()) : 0;
         const int listnum = qrx::jsonInt(root, "listnum");
@@ -132,7 +132,7 @@ void Robot::robot_net_slot_PresentRobot(const QByteArray &data)
 // servoSlaveLabels = "伺服-1".."伺服-servoNum", then "IO-1".."IO-IONum".
 void Robot::robot_net_slot_ServoList(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"servoNum", "IONum"}, [&](const Json::Value &root) {
         // Bounded so that a corrupt count cannot exhaust memory.
         constexpr int kMaxSlaves = 64;
         const int servos = qBound(0, qrx::jsonInt(root, "servoNum"), kMaxSlaves);

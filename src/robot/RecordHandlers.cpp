@@ -45,7 +45,7 @@ int globalIndex(const QString &name)
 // Emits receive_moreRobot_CurPosition(posDeg line, pos line).
 void Robot::robot_net_slot_MoreRobotCurPosition(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"pos"}, [&](const Json::Value &root) {
         qrx::jsonReals(root, "pos", currentPosition, 6);
         // A controller may stream these reports fast; the two text lines are
         // only worth building for a listener.
@@ -142,7 +142,7 @@ void Robot::robot_net_slot_SingleCycleValue(const QByteArray &data)
 // globalBool (0 or 1), 2 in globalInt, 3 in globalReal.
 void Robot::robot_net_slot_OneGlobalVariant(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"varValue", "varName"}, [&](const Json::Value &root) {
         const double value = qrx::jsonReal(root, "varValue");
         globalVarValue = value;
         const int index = globalIndex(qrx::jsonString(root, "varName"));
@@ -161,7 +161,7 @@ void Robot::robot_net_slot_OneGlobalVariant(const QByteArray &data)
 // 0x50B3 {"open"}: continuousMotionMode (0 closed, 1 open).
 void Robot::robot_net_slot_continuousMotionMode(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"open"}, [&](const Json::Value &root) {
         continuousMotionMode.store(qrx::jsonBool(root, "open") ? 1 : 0);
     });
 }
@@ -173,7 +173,7 @@ void Robot::robot_net_slot_continuousMotionMode(const QByteArray &data)
 // 256, so any number the controller sends gives a defined byte).
 void Robot::robot_net_slot_prorunstatus(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"status"}, [&](const Json::Value &root) {
         const int robot = qrx::jsonInt(root, "robot");
         runningStatus = qrx::jsonInt(root, "status");
         qrx::writeRobotLine(tr("接收机器人运行状态 robot=%1 status=%2").arg(robot).arg(runningStatus));
@@ -187,7 +187,7 @@ void Robot::robot_net_slot_prorunstatus(const QByteArray &data)
 // 0x4919, 0x9103 {"robot","status","continueRun"}: jobStatus, jobContinueRun.
 void Robot::robot_net_slot_JobStatusProcess(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"status", "continueRun"}, [&](const Json::Value &root) {
         const int robot = qrx::jsonInt(root, "robot");
         jobStatus = qrx::jsonInt(root, "status");
         jobContinueRun = qrx::jsonInt(root, "continueRun");
@@ -217,7 +217,7 @@ void Robot::robot_net_slot_BWBCommandStatus(const QByteArray &data)
 // 0x3504 {"num"}: currentRunLine, the line being executed.
 void Robot::robot_net_slot_JobfiletoLine(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"num"}, [&](const Json::Value &root) {
         currentRunLine = qrx::jsonInt(root, "num");
         emit robot_JobfiletoLine(data);
     });

@@ -222,6 +222,10 @@ protected:
     // the end either way. Defined in robot/HandlerShape.h.
     template <typename Read>
     void takeReport(const QByteArray &data, Read &&read);
+    // The same, but a report that holds none of contentKeys is not read
+    // (it still wakes the waiters).
+    template <typename Read>
+    void takeReport(const QByteArray &data, std::initializer_list<const char *> contentKeys, Read &&read);
 
     // Reports that fill cache arrays and hand the payload on as received:
     // once the payload parses, each array member is copied into its cache

@@ -95,6 +95,11 @@ struct RobotState
     // 0x50B3 continuous-motion mode {"open"}
     std::atomic<quint8> continuousMotionMode{0};
     // 0x2E06 robot count {"sum"}
+    // robotCount starts at 1 and axisCount at 6, not at 0 like the other
+    // fields: before the controller's first reports a Robot drives one
+    // six-axis robot, the configuration catalogue then picks the
+    // single-robot descriptions, and a DH report that comes before the type
+    // report says robot_joint_para(6, ...) rather than 0 axes.
     std::atomic<int> robotCount{1};
     // 0x2E03 robot type (families section fills it)
     std::atomic<int> robotType{0};                  // RobotType code

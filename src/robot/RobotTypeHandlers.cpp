@@ -22,7 +22,7 @@ using qrx::writeRobotLine;
 // The delta and unknown codes keep the axis count; a few models log nothing.
 void Robot::robot_net_slot_RobotType(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"type"}, [&](const Json::Value &root) {
         const qrx::RobotTypeRow &row = qrx::robotTypeForWire(qrx::jsonInt(root, "type"));
         robotType = row.type;
         if (row.axes != qrx::kAxesUnchanged)
@@ -95,7 +95,7 @@ void Robot::robot_net_slot_Sensitivity(const QByteArray &data)
 // 0x700B {"AxisNum"}: positionerAxisCount.
 void Robot::robot_net_slot_OutterAxisCount(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"AxisNum"}, [&](const Json::Value &root) {
         positionerAxisCount = qrx::jsonInt(root, "AxisNum");
         writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收变位机轴数 %1"), root, {"AxisNum"}));
         emit robot_tool_receiveOutterAxisCount(positionerAxisCount);

@@ -59,7 +59,7 @@ void Robot::slot_robotCurRunLine(const QByteArray &data)
 // 0x2003 {"mode","robot","status"}: servoStatus, robotServoStatus[robot-1].
 void Robot::robot_net_slot_servoChangedProcess(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"status"}, [&](const Json::Value &root) {
         const int mode = qrx::jsonInt(root, "mode");
         const int robot = qrx::jsonInt(root, "robot");
         const int status = qrx::jsonInt(root, "status");
@@ -126,7 +126,7 @@ void Robot::robot_net_slot_modeProcess(const QByteArray &data)
 // current user frame with 0x3C0B {"robot"}.
 void Robot::robot_net_slot_coordChangedProcess(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"coord"}, [&](const Json::Value &root) {
         const int robot = qrx::jsonInt(root, "robot");
         const int coord = qrx::jsonInt(root, "coord");
         if (robot != currentRobot() || coordinateGate == 7)
@@ -152,7 +152,7 @@ void Robot::robot_net_slot_coordChangedProcess(const QByteArray &data)
 // 0x2603 {"robot","speed"}: speed, 1..100 percent or the jog steps 101..103.
 void Robot::robot_net_slot_velocityProcess(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"speed"}, [&](const Json::Value &root) {
         if (root.isObject() && root.isMember("speed"))
             speed = qrx::jsonInt(root, "speed");
         const bool joint = coordinate == 0;
@@ -173,7 +173,7 @@ void Robot::robot_net_slot_velocityProcess(const QByteArray &data)
 // 0x380C {"curToolNum","robot"}: currentTool, for the current robot only.
 void Robot::robot_net_slot_ToolChangedProcess(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"curToolNum"}, [&](const Json::Value &root) {
         if (qrx::jsonInt(root, "robot") != currentRobot())
             return;
         if (root.isObject() && root.isMember("curToolNum"))
@@ -194,7 +194,7 @@ void Robot::robot_net_slot_deadmanChangedProcess(const QByteArray &data)
 // a non-zero mode means a hard-wired deadman switch.
 void Robot::robot_net_slot_DeadManMode(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"deadmanMode", "deadmanPortOne", "deadmanPortTwo"}, [&](const Json::Value &root) {
         deadmanMode = qrx::jsonInt(root, "deadmanMode");
         deadmanPortOne = qrx::jsonInt(root, "deadmanPortOne");
         deadmanPortTwo = qrx::jsonInt(root, "deadmanPortTwo");
@@ -205,7 +205,7 @@ void Robot::robot_net_slot_DeadManMode(const QByteArray &data)
 // 0x2106 {"teachType"}: 1 is drag teaching, anything else jogging.
 void Robot::robot_net_slot_teachtype(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"teachType"}, [&](const Json::Value &root) {
         teachType = qrx::jsonInt(root, "teachType");
         emit signal_updateTeachtype(teachType == 1 ? tr("拖拽") : tr("点动"));
     });
@@ -222,7 +222,7 @@ void Robot::robot_net_slot_RobotSum(const QByteArray &data)
 // 0x5003 {"mode","robot"}: the current robot (override and default).
 void Robot::robot_net_slot_CurRobot(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"robot"}, [&](const Json::Value &root) {
         const int mode = qrx::jsonInt(root, "mode");
         const int robot = qrx::jsonInt(root, "robot");
         setCurrentRobot(robot);

@@ -99,7 +99,7 @@ void fillSlots(const Json::Value &root, double *out, std::initializer_list<Slots
 // (x, y, z, A, B, C) for tool numbers 0..kToolCount-1, lastToolNum.
 void Robot::robot_net_slot_ToolParameter(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"toolNum", "toolDeg"}, [&](const Json::Value &root) {
         const int toolNum = qrx::jsonInt(root, "toolNum");
         QVector<double> tool(6, 0.0);
         qrx::jsonReals(root, "toolDeg", tool.data(), 6);
@@ -123,7 +123,7 @@ void Robot::robot_net_slot_ToolParameter(const QByteArray &data)
 // 0x3C09 {"userNum","inquire","status","Calibration","posDeg"[4 or 6]}
 void Robot::robot_net_slot_UserCoordsReply(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"userNum", "posDeg"}, [&](const Json::Value &root) {
         const int userNum = qrx::jsonInt(root, "userNum");
         const int inquire = qrx::jsonInt(root, "inquire");
         double values[6] = {};
@@ -154,7 +154,7 @@ void Robot::robot_net_slot_CurrentUserCoords(const QByteArray &data)
 // 0x3C0F {"note"}
 void Robot::robot_net_slot_UserCoordsNote(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"note"}, [&](const Json::Value &root) {
         const QString note = qrx::jsonString(root, "note");
         writeRobotLine(robotText(QT_TRANSLATE_NOOP("Robot", "接收用户坐标注释 note=%1")).arg(note));
         emit robot_usercoords_note(note);
@@ -218,7 +218,7 @@ void Robot::robot_net_slot_CountSuccess(const QByteArray &data)
 // 0x7104 {"result","distance"}
 void Robot::robot_net_slot_CountSuccessFor20(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"result", "distance"}, [&](const Json::Value &root) {
         const char *text = succeeded(root, "result")
                                ? QT_TRANSLATE_NOOP("Robot", "接收工具手标定计算成功,结果值为%1")
                                : QT_TRANSLATE_NOOP("Robot", "接收工具手标定失败,结果值为%1");

@@ -181,6 +181,50 @@ private Q_SLOTS:
         QCOMPARE(log.count(kCloseLine), closeLines);
     }
 
+    // Frames that arrive while the connection waits to connect again are
+    // not handed out.
+    void framesIgnoredWhileWaitingToConnect()
+    {
+        QVERIFY(openConnection(FramedConnection::mainLinkOptions()));
+        QSignalSpy frames(connection.get(), &FramedConnection::frameReceived);
+        connection->setState(State::WaitingToConnect);
+        // The ignored frame, then the head of the next one: once the head
+        // waits in the buffer, the whole frame before it has been read.
+        const QByteArray next = qrx::encodeFrame(0x2003, "{\"status\":3}\n");
+        peer->write(qrx::encodeFrame(0x2003, "{\"status\":1}\n") + next.left(8));
+        peer->flush();
+        QTRY_COMPARE_WITH_TIMEOUT(connection->receiveBuffer().buffered(), 8, 5000);
+        QCOMPARE(frames.count(), 0);
+        connection->setState(State::Connected);
+        peer->write(next.mid(8));
+        peer->flush();
+        QTRY_COMPARE_WITH_TIMEOUT(frames.count(), 1, 5000);
+        QCOMPARE(frames.at(0).at(1).toByteArray(), QByteArray("{\"status\":3}\n"));
+    }
+
+    // The receive buffer is kept across a reconnect: the head of a frame
+    // read from the old socket is completed by the bytes of the new one.
+    void bufferKeptAcrossReconnect()
+    {
+        QVERIFY(openConnection(FramedConnection::mainLinkOptions()));
+        QSignalSpy frames(connection.get(), &FramedConnection::frameReceived);
+        const QByteArray frame = qrx::encodeFrame(0x2F08, "{\"pos\":[1]}\n");
+        peer->write(frame.left(8));
+        peer->flush();
+        QTRY_COMPARE_WITH_TIMEOUT(connection->receiveBuffer().buffered(), 8, 5000);
+
+        connection->open(server.serverAddress().toString(), server.serverPort());
+        connection->waitForConnection(5000);
+        QCOMPARE(connection->state(), State::Connected);
+        QVERIFY(server.hasPendingConnections() || server.waitForNewConnection(5000));
+        delete peer;
+        peer = server.nextPendingConnection();
+        peer->write(frame.mid(8));
+        peer->flush();
+        QTRY_COMPARE_WITH_TIMEOUT(frames.count(), 1, 5000);
+        QCOMPARE(frames.at(0).at(0).value<quint16>(), quint16(0x2F08));
+    }
+
     // Closing is final: neither a drop nor the socket brings it back.
     void closingIsFinal()
     {

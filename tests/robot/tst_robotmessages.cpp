@@ -6,6 +6,8 @@
 #include "ThreadSpy.h"
 
 #include <QMutex>
+#include <QScopeGuard>
+#include <QTranslator>
 #include <QtTest>
 
 namespace {
@@ -225,6 +227,50 @@ private Q_SLOTS:
         // Stored and handed over in every case.
         QCOMPARE(QString::fromStdString(robot->lastMessage()), data);
         QCOMPARE(callbackTexts(), QList<QByteArray>{utf8(QStringLiteral("错误： ") + data)});
+    }
+
+    // The servo-error rule compares the translated "错误代码: 0x" texts on
+    // both sides, so an installed translation (which also renames the
+    // robots) keeps the rule working: type 0x6010 with the translated robot
+    // name still reaches robot_servo_err_info, another type still does not.
+    void servoErrorUnderTranslation_data()
+    {
+        QTest::addColumn<QByteArray>("type");
+        QTest::addColumn<bool>("emitted");
+        QTest::newRow("0x6010") << QByteArray("24592") << true;
+        QTest::newRow("0x6011") << QByteArray("24593") << false;
+    }
+
+    void servoErrorUnderTranslation()
+    {
+        QFETCH(QByteArray, type);
+        QFETCH(bool, emitted);
+
+        class English : public QTranslator
+        {
+        public:
+            QString translate(const char *context, const char *source, const char *, int) const override
+            {
+                if (qstrcmp(context, "Robot") != 0)
+                    return QString();
+                const QString text = QString::fromUtf8(source);
+                if (text == QStringLiteral("错误代码: 0x"))
+                    return QStringLiteral("Error code: 0x");
+                if (text == QStringLiteral("机器人2"))
+                    return QStringLiteral("RB-2");
+                return QString();
+            }
+            bool isEmpty() const override { return false; }
+        } english;
+        QVERIFY(QCoreApplication::installTranslator(&english));
+        const auto removeTranslator = qScopeGuard([&english] { QCoreApplication::removeTranslator(&english); });
+        QCOMPARE(QCoreApplication::translate("Robot", "错误代码: 0x"), QStringLiteral("Error code: 0x"));
+
+        robot->setCurrentRobot(2);
+        ThreadSpy servoError(robot, SIGNAL(robot_servo_err_info(QString)));
+        fixture.send(0x2B03, "{\"data\":\"RB-2 overcurrent\",\"type\":" + type + "}");
+        QVERIFY(fixture.flush());
+        QCOMPARE(servoError.count(), emitted ? 1 : 0);
     }
 
     // With the wait lock held here, a handler that tried to wake would stall
