@@ -1,8 +1,10 @@
 #include "api/ApiState.h"
 
+#include "api/Extensions.h"
 #include "common/CompactJson.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QObject>
 
 #include <algorithm>
@@ -49,6 +51,8 @@ Robot *apiRobot()
 
 void setApiRobot(Robot *robot)
 {
+    if (robot)
+        attachExtensions(robot);
     g_robot.store(robot);
 }
 
@@ -88,9 +92,38 @@ void copyOut(const double *from, int n, double *to)
         std::copy(from, from + n, to);
 }
 
+ReplyTicket replyTicket(const Robot *robot, quint16 query)
+{
+    ReplyTicket ticket;
+    if (query && matchedReplies()) {
+        ticket.reply = replyCodeFor(query);
+        ticket.seen = replyCount(robot, ticket.reply);
+    }
+    return ticket;
+}
+
+void awaitReply(Robot *robot, const ReplyTicket &ticket)
+{
+    const int bound = waitBoundMs();
+    if (bound <= 0 && !ticket.reply) {
+        robot->replyCondition.wait(&robot->replyMutex);
+        setLastCallTimedOut(false);
+        return;
+    }
+    const QDeadlineTimer deadline = bound > 0 ? QDeadlineTimer(bound, Qt::PreciseTimer)
+                                              : QDeadlineTimer(QDeadlineTimer::Forever);
+    do {
+        if (!robot->replyCondition.wait(&robot->replyMutex, deadline)) {
+            setLastCallTimedOut(true);
+            return;
+        }
+    } while (ticket.reply && replyCount(robot, ticket.reply) == ticket.seen);
+    setLastCallTimedOut(false);
+}
+
 void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload)
 {
-    requestAndWait(robot, [&] { robot->send(code, payload); });
+    requestAndWait(robot, [&] { robot->send(code, payload); }, code);
 }
 
 QObject *libraryContext()

@@ -24,6 +24,7 @@ constexpr quint16 kSetMode = 0x2101;
 constexpr quint16 kGetMode = 0x2102;
 constexpr quint16 kSetCoord = 0x2201;
 constexpr quint16 kGetCoord = 0x2202;
+constexpr quint16 kSetDeadman = 0x2301;
 constexpr quint16 kSetSpeed = 0x2601;
 constexpr quint16 kGetSpeed = 0x2602;
 constexpr quint16 kJogStep = 0x2901;
@@ -105,7 +106,7 @@ int servo_power_on(void)
     requestAndWait(robot, [robot] {
         robot->link()->setServoStatus(ServoStatus(kServoPowerOnOk));
         robot->link()->sendDeadmanCommand(1);
-    });
+    }, kSetServo);
     if (robot->servoStatus == kServoPowerOnOk)
         return 1;
     const QString line = QStringLiteral("servo %1 deadman %2").arg(robot->servoStatus).arg(robot->deadman);
@@ -116,7 +117,7 @@ int servo_power_on(void)
 void servo_power_off(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, [robot] { robot->link()->sendDeadmanCommand(0); });
+    requestAndWait(robot, [robot] { robot->link()->sendDeadmanCommand(0); }, kSetDeadman);
 }
 
 void set_servo_state(int state)
