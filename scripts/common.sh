@@ -6,6 +6,7 @@ BUILD="${QRX_BUILD_DIR:-$ROOT/build}"
 
 QRX_PACKAGES=(cmake ninja-build g++ pkg-config qtbase5-dev qtbase5-dev-tools
   libjsoncpp-dev zlib1g-dev libbenchmark-dev flex bison python3)
+QRX_PACKAGES+=(python3-pytest python3-setuptools python3-wheel python3-pip)
 
 qrx_install_missing() {
   local missing=()
