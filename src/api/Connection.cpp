@@ -3,6 +3,7 @@
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 #include "common/Logging.h"
+#include "protocol/Codes.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -13,10 +14,10 @@
 
 using namespace qrx::api;
 
+namespace code = qrx::protocol::code;
+
 namespace {
 
-constexpr quint16 kPostConnectionRequest = 0x5052;
-constexpr quint16 kFarewell = 0x7277;
 constexpr int kConnectPolls = 5;
 constexpr int kConnectPollMs = 1000;
 
@@ -74,7 +75,7 @@ int connect_robot(const char *ip)
             QString line;
             QDebug(&line).nospace() << robot;
             qCDebug(lcApi).noquote() << line;
-            robot->send(kPostConnectionRequest, QByteArray());
+            robot->send(code::PostConnection, QByteArray());
             return robot->connected.load();
         }
         pauseWithEvents(kConnectPollMs);
@@ -87,7 +88,7 @@ void disconnect_robot(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
     if (!robot->isClosed())
-        Robot::instance()->send(kFarewell, QByteArray());
+        Robot::instance()->send(code::Farewell, QByteArray());
     robot->close();
 }
 

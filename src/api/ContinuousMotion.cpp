@@ -5,19 +5,15 @@
 #include "api/MotionQueue.h"
 #include "api/qrx_host.h"
 #include "common/Logging.h"
+#include "protocol/Codes.h"
 
 #include <QCoreApplication>
 
 using namespace qrx::api;
 
-namespace {
+namespace code = qrx::protocol::code;
 
-constexpr quint16 kContinuousMode = 0x50B1;
-constexpr quint16 kContinuousQueue = 0x50B4;
-constexpr quint16 kContinuousSuspend = 0x50B7;
-constexpr quint16 kContinuousStart = 0x50B8;
-constexpr quint16 kContinuousStop = 0x50B9;
-constexpr quint16 kSetOperationMode = 0x2101;
+namespace {
 
 void sendEmpty(quint16 code)
 {
@@ -32,14 +28,14 @@ extern "C" {
 void continuous_motion_mode(int open)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(kContinuousMode, payloadOf(object({{"open", open != 0}})));
+    robot->send(code::ContinuousMode, payloadOf(object({{"open", open != 0}})));
     if (!open)
-        robot->send(kSetOperationMode, payloadOf(object({{"mode", 0}})));
+        robot->send(code::SetOperationMode, payloadOf(object({{"mode", 0}})));
 }
 
-void continuous_motion_start(void) { sendEmpty(kContinuousStart); }
-void continuous_motion_suspend(void) { sendEmpty(kContinuousSuspend); }
-void continuous_motion_stop(void) { sendEmpty(kContinuousStop); }
+void continuous_motion_start(void) { sendEmpty(code::ContinuousStart); }
+void continuous_motion_suspend(void) { sendEmpty(code::ContinuousSuspend); }
+void continuous_motion_stop(void) { sendEmpty(code::ContinuousStop); }
 
 void send_continuous_motion_queue(const qrx_motion_record *records, int count)
 {
@@ -55,7 +51,7 @@ void send_continuous_motion_queue(const qrx_motion_record *records, int count)
     }
     if (data.empty())
         return;
-    robot->send(kContinuousQueue, payloadOf(withCurrentRobot(robot, {{"data", data}})));
+    robot->send(code::ContinuousQueue, payloadOf(withCurrentRobot(robot, {{"data", data}})));
 }
 
 } // extern "C"

@@ -98,9 +98,12 @@ void attachReplyCounters(Robot *robot)
     TcpConnectModule *link = robot->link();
     for (const quint16 code : answeringReplyCodes()) {
         const DispatchRow *row = findDispatchRow(code);
-        if (row && row->first && (row->kind == DispatchRow::Forward || row->kind == DispatchRow::ForwardIfJson)) {
+        const bool payloadSignal = row && row->notification &&
+                                   (row->delivery == protocol::Delivery::Forward ||
+                                    row->delivery == protocol::Delivery::ForwardIfJson);
+        if (payloadSignal) {
             QObject::connect(
-                link, row->first, robot, [robot, counts, code](const QByteArray &) { countReply(robot, *counts, code); },
+                link, row->notification, robot, [robot, counts, code](const QByteArray &) { countReply(robot, *counts, code); },
                 Qt::DirectConnection);
         } else if (!row) {
             QObject::connect(

@@ -5,10 +5,13 @@
 
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
+#include "protocol/Codes.h"
 
 #include <QString>
 
 using namespace qrx::api;
+
+namespace code = qrx::protocol::code;
 
 namespace {
 
@@ -21,10 +24,10 @@ struct IoReader
     double (Robot::*cache)[kIoPorts];
 };
 
-constexpr IoReader kDout{0x3602, &Robot::dout};
-constexpr IoReader kDin{0x3605, &Robot::din};
-constexpr IoReader kAout{0x3608, &Robot::aout};
-constexpr IoReader kAin{0x360A, &Robot::ain};
+constexpr IoReader kDout{code::GetDout, &Robot::dout};
+constexpr IoReader kDin{code::GetDin, &Robot::din};
+constexpr IoReader kAout{code::GetAout, &Robot::aout};
+constexpr IoReader kAin{code::GetAin, &Robot::ain};
 
 void readIo(const IoReader &reader, double *out)
 {
@@ -79,7 +82,7 @@ Json::Value varQuery(const QString &name)
 // Asks for the named global variable and waits for a reply.
 void askGlobal(Robot *robot, const QString &varName)
 {
-    requestAndWait(robot, 0x560B, payloadOf(varQuery(varName)));
+    requestAndWait(robot, code::GetGlobalVariable, payloadOf(varQuery(varName)));
 }
 
 // The motor readers: a query and the rows its reply fills.
@@ -100,13 +103,13 @@ extern "C" {
 void set_dout(int port, int status)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(0x3601, payloadOf(object({{"port", port}, {"status", status}})));
+    robot->send(code::SetDout, payloadOf(object({{"port", port}, {"status", status}})));
 }
 
 void set_aout(int port, double value)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(0x3607, payloadOf(object({{"port", port}, {"value", value}})));
+    robot->send(code::SetAout, payloadOf(object({{"port", port}, {"value", value}})));
 }
 
 void get_dout(double *out) { readIo(kDout, out); }
@@ -117,7 +120,7 @@ void get_ain(double *out) { readIo(kAin, out); }
 void get_current_position(double *pos, int coord)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, 0x2F07, payloadOf(withCurrentRobot(robot, {{"coord", coord}})));
+    requestAndWait(robot, code::GetCurrentPosition, payloadOf(withCurrentRobot(robot, {{"coord", coord}})));
     // Whatever coordinate system the reply that ended the wait carried.
     copyOut(robot->currentPosition, 6, pos);
 }
@@ -125,14 +128,14 @@ void get_current_position(double *pos, int coord)
 void get_current_sync_position(double *pos)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, 0x7012, payloadOf(withCurrentRobot(robot, {{"coord", 0}})));
+    requestAndWait(robot, code::GetSyncPosition, payloadOf(withCurrentRobot(robot, {{"coord", 0}})));
     copyOut(robot->syncPosition, 5, pos);
 }
 
 void get_GPosition(const char *name, double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, 0x5605, payloadOf(withCurrentRobot(robot, {{"posName", latin1Name(name)}})));
+    requestAndWait(robot, code::GetGlobalPosition, payloadOf(withCurrentRobot(robot, {{"posName", latin1Name(name)}})));
     copyOut(robot->globalPosition, 14, out);
 }
 
@@ -148,7 +151,7 @@ void set_GPosition(const char *posName, int coord, double *robotAxes, double *sy
         pos.append(syncAxes[i]);
     const Json::Value v =
         withRobot(robot->overrideRobot(), {{"posName", latin1Name(posName)}, {"coord", coord}, {"pos", pos}});
-    robot->send(0x5604, payloadOf(v));
+    robot->send(code::SetGlobalPosition, payloadOf(v));
 }
 
 double get_global_variant(const char *name)
@@ -165,7 +168,7 @@ void set_global_variant(const char *name, double value)
     const QString varName = QString::fromLatin1(nameOrEmpty(name));
     Json::Value v = varQuery(varName);
     v["varValue"] = value;
-    robot->send(0x5607, payloadOf(v));
+    robot->send(code::SetGlobalVariable, payloadOf(v));
 }
 
 double get_global_var(const char *name)
@@ -179,19 +182,19 @@ double get_global_var(const char *name)
 void get_motor_vel(double *robotOne, double *robotTwo, double *syncOne, double *syncTwo)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    readMotorRows(robot, 0x2A04, robot->motorVel, robot->motorVelSync, robotOne, robotTwo, syncOne, syncTwo);
+    readMotorRows(robot, code::GetMotorSpeed, robot->motorVel, robot->motorVelSync, robotOne, robotTwo, syncOne, syncTwo);
 }
 
 void get_motor_torque(double *robotOne, double *robotTwo, double *syncOne, double *syncTwo)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    readMotorRows(robot, 0x2A06, robot->motorTorque, robot->motorTorqueSync, robotOne, robotTwo, syncOne, syncTwo);
+    readMotorRows(robot, code::GetMotorTorque, robot->motorTorque, robot->motorTorqueSync, robotOne, robotTwo, syncOne, syncTwo);
 }
 
 void get_motor_overload(double *robotRow, double *syncRow)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, 0x2A0A, payloadOf(withCurrentRobot(robot)));
+    requestAndWait(robot, code::GetMotorLoad, payloadOf(withCurrentRobot(robot)));
     copyOut(robot->motorOverload, 7, robotRow);
     copyOut(robot->motorOverloadSync, 5, syncRow);
 }

@@ -8,14 +8,16 @@
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 #include "common/Logging.h"
+#include "protocol/Codes.h"
 
 #include <QString>
 
 using namespace qrx::api;
 
+namespace code = qrx::protocol::code;
+
 namespace {
 
-constexpr quint16 kRun = 0x2501;
 constexpr int kJobRunning = 2;
 constexpr int kServoOff = 0;
 constexpr int kRunMode = 2;
@@ -38,7 +40,7 @@ void open_job(const char *name)
     if (robot->runningStatus == kJobRunning)
         return;
     // Always robot 1, whichever robot is addressed.
-    robot->send(0x3114, payloadOf(withRobot(1, {{"jobName", latin1Name(name)}, {"suffixname", kJobSuffix}})));
+    robot->send(code::OpenJob, payloadOf(withRobot(1, {{"jobName", latin1Name(name)}, {"suffixname", kJobSuffix}})));
 }
 
 void run_job(const char *name)
@@ -48,7 +50,7 @@ void run_job(const char *name)
         return;
     const Json::Value v = withCurrentRobot(
         robot, {{"jobname", latin1Name(name)}, {"line", 1}, {"continueRun", 0}, {"startOver", true}});
-    robot->send(kRun, payloadOf(v));
+    robot->send(code::RunJob, payloadOf(v));
 }
 
 void step_job(const char *name, int line)
@@ -56,19 +58,19 @@ void step_job(const char *name, int line)
     QRX_ROBOT_OR_RETURN(robot);
     if (!mayRun(robot))
         return;
-    robot->send(kRun, payloadOf(withCurrentRobot(robot, {{"jobname", latin1Name(name)}, {"line", line}})));
+    robot->send(code::RunJob, payloadOf(withCurrentRobot(robot, {{"jobname", latin1Name(name)}, {"line", line}})));
 }
 
 void pause_job(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(0x2401, payloadOf(withRobot(robot->overrideRobot(), {{"type", 1}})));
+    robot->send(code::PauseJob, payloadOf(withRobot(robot->overrideRobot(), {{"type", 1}})));
 }
 
 void stop_job(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(0x2503, payloadOf(withRobot(robot->overrideRobot())));
+    robot->send(code::StopJob, payloadOf(withRobot(robot->overrideRobot())));
 }
 
 int continue_job(void)
@@ -79,7 +81,7 @@ int continue_job(void)
         return 1;
     if (robot->servoStatus != kServoReady)
         return 2;
-    robot->send(kRun, payloadOf(withCurrentRobot(robot, {{"continueRun", 1}, {"line", 1}, {"startOver", false}})));
+    robot->send(code::RunJob, payloadOf(withCurrentRobot(robot, {{"continueRun", 1}, {"line", 1}, {"startOver", false}})));
     return 0;
 }
 
@@ -91,20 +93,20 @@ void continue_run(void)
                                                    {"continueRun", true},
                                                    {"onFileRun", true},
                                                    {"startOver", false}});
-    robot->send(kRun, payloadOf(v));
+    robot->send(code::RunJob, payloadOf(v));
 }
 
 void delete_job(const char *name)
 {
     QRX_ROBOT_OR_RETURN(robot);
     const Json::Value v = withCurrentRobot(robot, {{"jobfilename", latin1Name(name)}, {"suffixname", kJobSuffix}});
-    robot->send(0x3111, payloadOf(v));
+    robot->send(code::DeleteJob, payloadOf(v));
 }
 
 void set_runs(int count)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(0x5011, payloadOf(withRobot(robot->overrideRobot(), {{"index", count}})));
+    robot->send(code::SetCycleCount, payloadOf(withRobot(robot->overrideRobot(), {{"index", count}})));
 }
 
 int get_job_running_lines(void)
@@ -112,14 +114,14 @@ int get_job_running_lines(void)
     QRX_ROBOT_OR_RETURN(robot, 0);
     // The line held before this query is answered: a host polls it.
     const int line = robot->currentRunLine;
-    robot->send(0x3503, payloadOf(withCurrentRobot(robot)));
+    robot->send(code::GetRunningLine, payloadOf(withCurrentRobot(robot)));
     return line;
 }
 
 void get_single_cycle(double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, 0x3309, payloadOf(withCurrentRobot(robot)));
+    requestAndWait(robot, code::GetSingleCycle, payloadOf(withCurrentRobot(robot)));
     for (int i = 0; i < 7; ++i) {
         const double value = robot->singleCycle[i];
         qCDebug(lcApi).noquote() << QString::number(value);

@@ -11,8 +11,11 @@
 
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
+#include "protocol/Codes.h"
 
 using namespace qrx::api;
+
+namespace code = qrx::protocol::code;
 
 namespace {
 
@@ -73,22 +76,22 @@ extern "C" {
 
 void robot_movj(double *pos, int vel, int coord, int acc, int dec)
 {
-    sendMove(0x4501, pos, kRobotPos, vel, coord, acc, dec);
+    sendMove(code::MoveJoint, pos, kRobotPos, vel, coord, acc, dec);
 }
 
 void robot_movl(double *pos, int vel, int coord, int acc, int dec)
 {
-    sendMove(0x4502, pos, kRobotPos, vel, coord, acc, dec);
+    sendMove(code::MoveLinear, pos, kRobotPos, vel, coord, acc, dec);
 }
 
 void robot_movc(double *posOne, double *posTwo, double *posThree, int vel, int coord, int acc, int dec)
 {
-    sendCircle(0x4503, posOne, posTwo, posThree, kRobotPos, vel, coord, acc, dec, Circle::Arc);
+    sendCircle(code::MoveCircle, posOne, posTwo, posThree, kRobotPos, vel, coord, acc, dec, Circle::Arc);
 }
 
 void robot_movca(double *posOne, double *posTwo, double *posThree, int vel, int coord, int acc, int dec)
 {
-    sendCircle(0x4503, posOne, posTwo, posThree, kRobotPos, vel, coord, acc, dec, Circle::Full);
+    sendCircle(code::MoveCircle, posOne, posTwo, posThree, kRobotPos, vel, coord, acc, dec, Circle::Full);
 }
 
 void robot_movs(int count, double **pos, int vel, int coord, int acc, int dec)
@@ -107,12 +110,12 @@ void robot_movs(int count, double **pos, int vel, int coord, int acc, int dec)
         }
         v["pos"] = points;
     }
-    robot->send(0x4504, payloadOf(v));
+    robot->send(code::MoveSpline, payloadOf(v));
 }
 
 void robot_extra_movj(double *pos, int vel, int coord, int acc, int dec)
 {
-    sendMove(0x4507, pos, kExtraPos, vel, coord, acc, dec);
+    sendMove(code::MoveJointExtra, pos, kExtraPos, vel, coord, acc, dec);
 }
 
 void robot_extra_movl(double *pos, int vel, int coord)
@@ -122,12 +125,12 @@ void robot_extra_movl(double *pos, int vel, int coord)
         return;
     Json::Value v = moveHead(robot, vel, coord, 0, 0, Extras::None);
     v["pos"] = reals(pos, kExtraPos);
-    robot->send(0x4508, payloadOf(v));
+    robot->send(code::MoveLinearExtra, payloadOf(v));
 }
 
 void robot_extra_movc(double *posOne, double *posTwo, double *posThree, int vel, int coord, int acc, int dec)
 {
-    sendCircle(0x4509, posOne, posTwo, posThree, kExtraPos, vel, coord, acc, dec, Circle::NoFlag);
+    sendCircle(code::MoveCircleExtra, posOne, posTwo, posThree, kExtraPos, vel, coord, acc, dec, Circle::NoFlag);
 }
 
 } // extern "C"

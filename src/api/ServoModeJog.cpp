@@ -9,6 +9,7 @@
 #include "api/qrx_host.h"
 #include "common/Logging.h"
 #include "link/TcpConnectModule.h"
+#include "protocol/Codes.h"
 
 #include <QCoreApplication>
 #include <QMetaObject>
@@ -17,20 +18,9 @@
 
 using namespace qrx::api;
 
-namespace {
+namespace code = qrx::protocol::code;
 
-constexpr quint16 kSetServo = 0x2001;
-constexpr quint16 kSetMode = 0x2101;
-constexpr quint16 kGetMode = 0x2102;
-constexpr quint16 kSetCoord = 0x2201;
-constexpr quint16 kGetCoord = 0x2202;
-constexpr quint16 kSetDeadman = 0x2301;
-constexpr quint16 kSetSpeed = 0x2601;
-constexpr quint16 kGetSpeed = 0x2602;
-constexpr quint16 kJogStep = 0x2901;
-constexpr quint16 kJogStop = 0x2902;
-constexpr quint16 kClearError = 0x3201;
-constexpr quint16 kGetRunStatus = 0x3D02;
+namespace {
 
 constexpr int kServoRunning = 3;
 constexpr int kServoPowerOnOk = 1;
@@ -76,7 +66,7 @@ void jogStep(Robot *robot, int axis, int direction)
             return;
         axis += kFirstExternalAxis - 1;
     }
-    robot->link()->sendData(kJogStep, payloadOf(object({{"axis", axis}, {"direction", direction}})));
+    robot->link()->sendData(code::JogStep, payloadOf(object({{"axis", axis}, {"direction", direction}})));
 }
 
 // The per-axis jog steps hang on one context object under the timer, so
@@ -106,7 +96,7 @@ int servo_power_on(void)
     requestAndWait(robot, [robot] {
         robot->link()->setServoStatus(ServoStatus(kServoPowerOnOk));
         robot->link()->sendDeadmanCommand(1);
-    }, kSetServo);
+    }, code::SetServoStatus);
     if (robot->servoStatus == kServoPowerOnOk)
         return 1;
     const QString line = QStringLiteral("servo %1 deadman %2").arg(robot->servoStatus).arg(robot->deadman);
@@ -117,14 +107,14 @@ int servo_power_on(void)
 void servo_power_off(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, [robot] { robot->link()->sendDeadmanCommand(0); }, kSetDeadman);
+    requestAndWait(robot, [robot] { robot->link()->sendDeadmanCommand(0); }, code::SetDeadman);
 }
 
 void set_servo_state(int state)
 {
     QRX_ROBOT_OR_RETURN(robot);
     const int status = static_cast<signed char>(state);
-    robot->send(kSetServo, payloadOf(withRobot(robot->overrideRobot(), {{"status", status}})));
+    robot->send(code::SetServoStatus, payloadOf(withRobot(robot->overrideRobot(), {{"status", status}})));
 }
 
 int get_servo_state(void)
@@ -136,45 +126,45 @@ int get_servo_state(void)
 void clear_servo_error(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(kClearError, payloadOf(withCurrentRobot(robot)));
+    robot->send(code::ClearAllError, payloadOf(withCurrentRobot(robot)));
 }
 
 void set_current_mode(int mode)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(kSetMode, payloadOf(object({{"mode", mode}}))); // clears the mode acknowledgement
+    robot->send(code::SetOperationMode, payloadOf(object({{"mode", mode}}))); // clears the mode acknowledgement
 }
 
 int get_current_mode(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, kGetMode);
+    requestAndWait(robot, code::GetOperationMode);
     return robot->operationMode;
 }
 
 void set_current_coord(int coord)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(kSetCoord, payloadOf(withCurrentRobot(robot, {{"coord", coord}})));
+    robot->send(code::SetCoordinationMode, payloadOf(withCurrentRobot(robot, {{"coord", coord}})));
 }
 
 int get_current_coord(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, kGetCoord, payloadOf(withCurrentRobot(robot)));
+    requestAndWait(robot, code::GetCoordinationMode, payloadOf(withCurrentRobot(robot)));
     return robot->coordinate;
 }
 
 void set_jogging_speed(int speed)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(kSetSpeed, payloadOf(withCurrentRobot(robot, {{"speed", qBound(0, speed, kJogSpeedMax)}})));
+    robot->send(code::SetSpeed, payloadOf(withCurrentRobot(robot, {{"speed", qBound(0, speed, kJogSpeedMax)}})));
 }
 
 int get_jogging_speed(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, kGetSpeed, payloadOf(withCurrentRobot(robot)));
+    requestAndWait(robot, code::GetSpeed, payloadOf(withCurrentRobot(robot)));
     return robot->speed;
 }
 
@@ -210,13 +200,13 @@ void stop_jogging(int axis)
             robot->jogTimer->stop();
     });
     // The axis goes out as the host passed it: no external-axis mapping here.
-    robot->link()->sendData(kJogStop, payloadOf(object({{"axis", axis}})));
+    robot->link()->sendData(code::StopMove, payloadOf(object({{"axis", axis}})));
 }
 
 int get_robot_running_state(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, kGetRunStatus, payloadOf(withCurrentRobot(robot)));
+    requestAndWait(robot, code::GetRunStatus, payloadOf(withCurrentRobot(robot)));
     return robot->runningStatus;
 }
 

@@ -10,8 +10,11 @@
 
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
+#include "protocol/Codes.h"
 
 using namespace qrx::api;
+
+namespace code = qrx::protocol::code;
 
 namespace {
 
@@ -27,13 +30,13 @@ extern "C" {
 void switch_tool_hand(int toolNum)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(0x380A, payloadOf(withCurrentRobot(robot, {{"curToolNum", toolNum}})));
+    robot->send(code::SetCurrentTool, payloadOf(withCurrentRobot(robot, {{"curToolNum", toolNum}})));
 }
 
 int get_current_tool_hand(void)
 {
     QRX_ROBOT_OR_RETURN(robot, 0);
-    requestAndWait(robot, 0x380B, payloadOf(withCurrentRobot(robot)));
+    requestAndWait(robot, code::GetCurrentTool, payloadOf(withCurrentRobot(robot)));
     return robot->currentTool;
 }
 
@@ -46,7 +49,7 @@ void set_tool_hand_param(int toolNum, double *tool)
     Json::Value values(Json::objectValue);
     for (int i = 0; i < kToolValues; ++i)
         values[keys[i]] = tool[i];
-    robot->send(0x3805, payloadOf(withCurrentRobot(robot, {{"toolNum", toolNum}, {"tool", values}})));
+    robot->send(code::SetToolData, payloadOf(withCurrentRobot(robot, {{"toolNum", toolNum}, {"tool", values}})));
 }
 
 // The reply fills the parameters of the tool it names; the caller gets
@@ -55,7 +58,7 @@ void set_tool_hand_param(int toolNum, double *tool)
 void query_tool_hand_param(int toolNum, double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, 0x3806, payloadOf(object({{"toolNum", toolNum}})));
+    requestAndWait(robot, code::GetToolData, payloadOf(object({{"toolNum", toolNum}})));
     if (toolNum >= 0 && toolNum < Robot::kToolCount)
         copyOut(robot->toolParameters[toolNum], kToolValues, out);
 }
@@ -63,8 +66,8 @@ void query_tool_hand_param(int toolNum, double *out)
 void set_user_coord_number(int userNum)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(0x3C08, payloadOf(withCurrentRobot(robot, {{"userNum", userNum}})));
-    robot->send(0x3C0A, payloadOf(object({{"userNum", userNum}, {"inquire", "Calibration"}})));
+    robot->send(code::SetCurrentUserFrame, payloadOf(withCurrentRobot(robot, {{"userNum", userNum}})));
+    robot->send(code::GetUserFrame, payloadOf(object({{"userNum", userNum}, {"inquire", "Calibration"}})));
 }
 
 // Takes no "no link" test: the controller's four points are asked for at
@@ -75,14 +78,14 @@ void ask_four_point(double *out)
     Robot *robot = apiRobot();
     if (!robot)
         return;
-    requestAndWait(robot, 0x7207);
+    requestAndWait(robot, code::GetFourPoint);
     copyOut(robot->fourPointData, 9, out);
 }
 
 void four_point_mark(int pointNum, int status)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    robot->send(0x7202, payloadOf(object({{"pointNum", pointNum}, {"status", status}})));
+    robot->send(code::MarkFourPoint, payloadOf(object({{"pointNum", pointNum}, {"status", status}})));
 }
 
 void four_point_calculation(double first, double second, double *out)
@@ -91,14 +94,14 @@ void four_point_calculation(double first, double second, double *out)
     Json::Value params(Json::arrayValue);
     params.append(first);
     params.append(second);
-    requestAndWait(robot, 0x7201, payloadOf(object({{"ParamOf4Points", params}})));
+    requestAndWait(robot, code::SetFourPointParams, payloadOf(object({{"ParamOf4Points", params}})));
     copyOut(robot->fourPointResult, 5, out);
 }
 
 bool result_for_DH(void)
 {
     QRX_ROBOT_OR_RETURN(robot, false);
-    requestAndWait(robot, 0x7205);
+    requestAndWait(robot, code::ApplyFourPointDh);
     return robot->dhResult.load() != 0;
 }
 
@@ -108,7 +111,7 @@ bool set_axis_zero_position(int axis)
     if (robot->servoStatus == 2 || robot->servoStatus == 3)
         return false;
     robot->zeroCalibrationSuccess.store(0);
-    requestAndWait(robot, 0x3301, payloadOf(object({{"axis", axis}, {"clearEncoder", false}})));
+    requestAndWait(robot, code::CalibrateZero, payloadOf(object({{"axis", axis}, {"clearEncoder", false}})));
     return robot->zeroCalibrationSuccess.load() != 0;
 }
 
@@ -124,7 +127,7 @@ void set_zero_pos_shift(int axis, double value)
     for (int i = 0; i < kZeroShiftValues; ++i)
         values.append(0);
     values[axis - 1] = value;
-    robot->send(0x3307, payloadOf(withCurrentRobot(robot, {{"axis", axis}, {"value", values}})));
+    robot->send(code::SetZeroShift, payloadOf(withCurrentRobot(robot, {{"axis", axis}, {"value", values}})));
 }
 
 } // extern "C"

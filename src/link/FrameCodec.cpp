@@ -86,7 +86,8 @@ void FrameDecoder::scan(EmitFn deliver, void *ctx)
         const char *p = m_buffer.constData() + pos;
         if (p[0] != kHead1 || p[1] != kHead2) {
             ++pos;
-            qCDebug(lcLink, "onTcpSocketReadyRead: head error");
+            if (m_logHeadErrors)
+                qCDebug(lcLink, "onTcpSocketReadyRead: head error");
             continue;
         }
         const int length = int(readBig16(p + 2));

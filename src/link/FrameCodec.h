@@ -56,6 +56,8 @@ public:
     void feed(const QByteArray &bytes, Sink &&sink);
 
     int buffered() const { return m_buffer.size(); }
+    // The file connection skips a wrong head without the log line.
+    void setLogHeadErrors(bool on) { m_logHeadErrors = on; }
     void clear()
     {
         m_buffer.clear();
@@ -71,6 +73,7 @@ private:
     QByteArray m_buffer;
     bool m_scanning = false; // a feed is handing out frames
     bool m_cleared = false;  // clear() ran while a frame was handed out
+    bool m_logHeadErrors = true;
 };
 
 template <typename Sink>

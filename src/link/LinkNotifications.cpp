@@ -59,29 +59,33 @@ void LinkNotifications::onReceivedData(quint16 command, QByteArray data)
         Q_EMIT receivedData(command, data);
         return;
     }
-    switch (row->kind) {
-    case qrx::DispatchRow::ForwardIfJson:
+    using Delivery = qrx::protocol::Delivery;
+    switch (row->delivery) {
+    case Delivery::ForwardIfJson:
         if (!isJson(data))
             return;
         Q_FALLTHROUGH();
-    case qrx::DispatchRow::Forward:
-        Q_EMIT(this->*row->first)(data);
+    case Delivery::Forward:
+        Q_EMIT(this->*row->notification)(data);
         if (row->second)
             Q_EMIT(this->*row->second)(data);
         return;
-    case qrx::DispatchRow::TestModeByte:
+    case Delivery::TestModeByte:
         if (data.size() == 1)
             Q_EMIT receivedTestMode(static_cast<signed char>(data.at(0)));
         return;
-    case qrx::DispatchRow::Position: {
+    case Delivery::Position: {
         QVector<double> position;
         int coord = 0, robot = 0, configuration = 0;
         if (decodePosition(data, position, coord, robot, configuration))
             Q_EMIT receivedPosition(position, coord, robot, configuration);
         return;
     }
-    case qrx::DispatchRow::NoArgument:
+    case Delivery::NoArgument:
         Q_EMIT recvJobFileInfoFinish();
         return;
+    case Delivery::Connection:
+    case Delivery::None:
+        return; // not delivered: findDispatchRow() never hands these out
     }
 }

@@ -8,7 +8,7 @@
 //
 // Unless noted otherwise a notification carries the payload exactly as it
 // was received (compact JSON text and its line feed). Which code emits which
-// notification is decided by the table in link/DispatchTable.cpp; a code
+// notification is decided by the catalogue in protocol/Catalogue.cpp; a code
 // that is not in the table goes out as receivedData(command, payload).
 //
 // The dispatcher runs in the link thread and never blocks; listeners in

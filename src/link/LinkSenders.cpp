@@ -2,6 +2,7 @@
 
 #include "common/CompactJson.h"
 #include "common/Logging.h"
+#include "protocol/Codes.h"
 
 #include <QCoreApplication>
 #include <QtEndian>
@@ -10,26 +11,7 @@
 
 namespace {
 
-// The command codes of the link's own send slots.
-enum Command : quint16 {
-    SetServoStatus = 0x2001,
-    GetServoStatus = 0x2002,
-    SetOperationMode = 0x2101,
-    GetOperationMode = 0x2102,
-    SetCoordinationMode = 0x2201,
-    GetCoordinationMode = 0x2202,
-    SendDeadman = 0x2301,
-    SetSpeed = 0x2601,
-    GetSpeed = 0x2602,
-    SetTestMode = 0x2701,
-    GetTestMode = 0x2702,
-    StopMove = 0x2902,
-    GetPosition = 0x2A02,
-    ClearError = 0x2B01,
-    ClearAllError = 0x3201,
-    GetSelectTool = 0x380B,
-    GetRobotRunStatus = 0x3D02,
-};
+using namespace qrx::protocol::code;
 
 // Log line of setCoordinationMode, by coordinate value; other values are
 // sent without a line.
@@ -132,7 +114,7 @@ bool LinkSenders::sendDeadmanCommand(uchar status)
                         : QCoreApplication::translate("TcpConnectModule", "向控制器发送下电命令"));
     Json::Value object(Json::objectValue);
     object["deadman"] = int(status);
-    return sendJson(SendDeadman, object);
+    return sendJson(SetDeadman, object);
 }
 
 bool LinkSenders::setSpeed(signed char speed)
@@ -185,10 +167,10 @@ bool LinkSenders::clearAllError()
 
 bool LinkSenders::getSelectTool()
 {
-    return sendRobotOnly(GetSelectTool);
+    return sendRobotOnly(GetCurrentTool);
 }
 
 bool LinkSenders::getRobotRunStatus()
 {
-    return sendRobotOnly(GetRobotRunStatus);
+    return sendRobotOnly(GetRunStatus);
 }

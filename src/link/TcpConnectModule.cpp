@@ -41,42 +41,29 @@ bool TcpConnectModule::sendBytes(QByteArray frame)
 
 void TcpConnectModule::resetIp(QString ip)
 {
-    d->setIp(ip);
-    d->requestCloseSocket();
-    d->needReconnect = true;
-    d->connected = false;
-    emit d->connectSucceed(0);
+    d->resetIp(ip);
 }
 
 void TcpConnectModule::stopConnect()
 {
-    qCDebug(lcLink).noquote() << tr("手动停止");
-    d->requestCloseSocket();
-    d->stopped = true;
-    d->needReconnect = false;
-    d->connected = false;
-    emit d->connectSucceed(0);
+    d->stopConnect();
 }
 
 void TcpConnectModule::startConnect()
 {
-    qCDebug(lcLink).noquote() << tr("手动开始");
-    d->stopped = false;
-    d->needReconnect = true;
-    d->connected = false;
-    d->requestCheck();
+    d->startConnect();
 }
 
 bool TcpConnectModule::connectStatus()
 {
-    const bool up = d->connected;
+    const bool up = d->isConnected();
     emit d->connectSucceed(up ? 1 : 0);
     return up;
 }
 
 bool TcpConnectModule::isStopped() const
 {
-    return d->stopped;
+    return d->isStopped();
 }
 
 QDateTime TcpConnectModule::lastReceiveTime() const

@@ -4,7 +4,6 @@
 #include "common/Logging.h"
 
 #include <QCoreApplication>
-#include <QHostAddress>
 #include <QMutexLocker>
 #include <QTime>
 
@@ -17,12 +16,9 @@ uint secondsSinceEpoch()
     return uint(QDateTime::currentSecsSinceEpoch());
 }
 
-void deleteSocketLater(TcpSocket *socket)
-{
-    socket->deleteLater();
-}
-
 } // namespace
+
+using qrx::FramedConnection;
 
 TcpConnectModulePrivate::TcpConnectModulePrivate(const QString &ip, quint16 port, int timeBase,
                                                  QObject *parent)
@@ -30,7 +26,16 @@ TcpConnectModulePrivate::TcpConnectModulePrivate(const QString &ip, quint16 port
     , m_ip(ip)
     , m_port(port)
     , m_timeBase(timeBase)
+    , m_connection(FramedConnection::mainLinkOptions())
 {
+    connect(&m_connection, &FramedConnection::socketConnected, this, [this] {
+        setLastReceiveTime(QDateTime::currentDateTimeUtc());
+        m_connectTime = secondsSinceEpoch();
+    }, Qt::DirectConnection);
+    connect(&m_connection, &FramedConnection::connectSucceed, this, &TcpConnectModulePrivate::connectSucceed,
+            Qt::DirectConnection);
+    connect(&m_connection, &FramedConnection::frameReceived, this, &TcpConnectModulePrivate::route,
+            Qt::DirectConnection);
 }
 
 TcpConnectModulePrivate::~TcpConnectModulePrivate()
@@ -40,7 +45,7 @@ TcpConnectModulePrivate::~TcpConnectModulePrivate()
 
 void TcpConnectModulePrivate::startLink()
 {
-    if (isRunning() || closing)
+    if (isRunning() || state() == State::Closing)
         return;
     m_connectTime = secondsSinceEpoch();
     start(QThread::InheritPriority);
@@ -49,7 +54,7 @@ void TcpConnectModulePrivate::startLink()
 
 void TcpConnectModulePrivate::shutdown()
 {
-    closing = true;
+    m_connection.setState(State::Closing);
     // QThread::quit ends every event loop running in the thread, the nested
     // one of a connect attempt included.
     quit();
@@ -70,86 +75,55 @@ void TcpConnectModulePrivate::run()
 
     connect(this, &TcpConnectModulePrivate::closeCurrentSocket, this,
             &TcpConnectModulePrivate::closeCurrentSocketInNowThread, Qt::DirectConnection);
-    {
-        QMutexLocker lock(&m_linkMutex);
-        m_linkContext = m_eventLoop.data();
-    }
+    m_connection.setContext(m_eventLoop.data());
 
-    needReconnect = true;
+    m_connection.setState(State::WaitingToConnect);
     m_startedSemaphore.release();
-    if (!closing)
+    if (state() != State::Closing)
         m_eventLoop->exec();
 
     disconnect(this, &TcpConnectModulePrivate::closeCurrentSocket, this,
                &TcpConnectModulePrivate::closeCurrentSocketInNowThread);
+    m_connection.setContext(nullptr);
     {
-        QMutexLocker lock(&m_linkMutex);
-        m_linkContext = nullptr;
-    }
-    {
-        QMutexLocker lock(&m_sendMutex);
-        connected = false;
+        QMutexLocker lock(&m_connection.sendMutex());
         m_checkTimer.reset();
         m_timeoutTimer.reset();
-        if (m_socket) {
-            m_socket->disconnect(this);
-            m_socket->abort();
-            m_socket.reset();
-        }
+        m_connection.release();
     }
     m_eventLoop.reset();
     // The sockets released with deleteLater go now, while their thread exists.
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
-void TcpConnectModulePrivate::runInLinkThread(std::function<void()> f)
+void TcpConnectModulePrivate::resetIp(const QString &ip)
 {
-    if (QThread::currentThread() == this) {
-        f();
-        return;
-    }
-    QMutexLocker lock(&m_linkMutex);
-    if (m_linkContext)
-        QMetaObject::invokeMethod(m_linkContext, std::move(f), Qt::QueuedConnection);
-}
-
-void TcpConnectModulePrivate::requestCloseSocket()
-{
-    if (QThread::currentThread() == this) {
-        emit closeCurrentSocket();
-        return;
-    }
-    quint64 generation;
     {
-        QMutexLocker lock(&m_linkMutex);
-        generation = m_socketGeneration;
+        QMutexLocker lock(&m_ipMutex);
+        m_ip = ip;
     }
-    runInLinkThread([this, generation] {
-        bool current;
-        {
-            QMutexLocker lock(&m_linkMutex);
-            current = generation == m_socketGeneration;
-        }
-        if (current)
-            closeCurrentSocketInNowThread();
-    });
+    m_connection.drop(FramedConnection::DropReason::AddressChanged);
 }
 
-void TcpConnectModulePrivate::requestCheck()
+void TcpConnectModulePrivate::stopConnect()
 {
-    runInLinkThread([this] { onTcpSocketCheck(); });
+    qCDebug(lcLink).noquote() << QCoreApplication::translate("TcpConnectModule", "手动停止");
+    m_stopped = true;
+    m_connection.drop(FramedConnection::DropReason::ManualStop);
+}
+
+void TcpConnectModulePrivate::startConnect()
+{
+    qCDebug(lcLink).noquote() << QCoreApplication::translate("TcpConnectModule", "手动开始");
+    m_stopped = false;
+    m_connection.setState(State::WaitingToConnect);
+    m_connection.runInContext([this] { onTcpSocketCheck(); });
 }
 
 QString TcpConnectModulePrivate::ip() const
 {
     QMutexLocker lock(&m_ipMutex);
     return m_ip;
-}
-
-void TcpConnectModulePrivate::setIp(const QString &ip)
-{
-    QMutexLocker lock(&m_ipMutex);
-    m_ip = ip;
 }
 
 QDateTime TcpConnectModulePrivate::lastReceiveTime() const
@@ -164,77 +138,23 @@ void TcpConnectModulePrivate::setLastReceiveTime(const QDateTime &time)
     m_lastReceiveTime = time;
 }
 
-bool TcpConnectModulePrivate::writeFrame(const QByteArray &frame)
-{
-    QMutexLocker lock(&m_sendMutex);
-    if (needReconnect || !connected || !m_socket)
-        return false;
-    TcpSocket *socket = m_socket.data();
-    if (QThread::currentThread() == socket->thread())
-        socket->write(frame);
-    else
-        QMetaObject::invokeMethod(socket, "write", Qt::QueuedConnection, Q_ARG(QByteArray, frame));
-    return connected;
-}
-
 void TcpConnectModulePrivate::closeCurrentSocketInNowThread()
 {
-    if (!m_socket)
-        return;
-    m_socket->close();
-    qCDebug(lcLink).noquote() << tr("关闭网络连接");
+    m_connection.closeSocket();
 }
 
 void TcpConnectModulePrivate::onTcpSocketStateChanged(QAbstractSocket::SocketState socketState)
 {
-    if (needReconnect || closing)
-        return;
-    switch (socketState) {
-    case QAbstractSocket::ConnectedState:
-        connected = true;
-        setLastReceiveTime(QDateTime::currentDateTimeUtc());
-        m_connectTime = secondsSinceEpoch();
-        emit connectSucceed(1);
-        break;
-    case QAbstractSocket::UnconnectedState:
-        connected = false;
-        emit connectSucceed(0);
-        if (!closing) {
-            emit closeCurrentSocket();
-            needReconnect = true;
-            connected = false;
-            emit connectSucceed(0);
-        }
-        break;
-    default:
-        break;
-    }
+    m_connection.onStateChanged(socketState);
 }
 
 void TcpConnectModulePrivate::onTcpSocketReadyRead()
 {
-    if (!m_socket)
-        return;
-    m_unread.append(m_socket->readAll());
-    // A listener that spins an event loop may bring us back here while
-    // frames are being routed: the bytes then wait for the outer loop.
-    if (m_decoding)
-        return;
-    m_decoding = true;
-    while (!m_unread.isEmpty()) {
-        QByteArray bytes;
-        bytes.swap(m_unread);
-        m_receiveBuffer.feed(bytes, [this](quint16 command, const QByteArray &payload) {
-            route(command, payload);
-        });
-    }
-    m_decoding = false;
+    m_connection.onReadyRead();
 }
 
 void TcpConnectModulePrivate::route(quint16 command, const QByteArray &payload)
 {
-    if (needReconnect || closing)
-        return;
     switch (command) {
     case kHeartbeat:
         // The controller asks: the same frame goes straight back. This does
@@ -253,73 +173,23 @@ void TcpConnectModulePrivate::route(quint16 command, const QByteArray &payload)
 
 void TcpConnectModulePrivate::onTcpSocketCheck()
 {
-    if (stopped || closing || m_connecting)
+    if (m_stopped || state() == State::Closing || m_connection.isWaitingForConnection())
         return;
-    QMutexLocker lock(&m_sendMutex);
-    if (needReconnect) {
+    QMutexLocker lock(&m_connection.sendMutex());
+    if (state() == State::WaitingToConnect) {
         const QString address = ip();
         qCDebug(lcLink).noquote()
             << QStringLiteral("%1 %2 %3 %4 %5")
                    .arg(tr("重置网络连接 尝试连接IP"), address, tr("端口 :"))
                    .arg(m_port)
                    .arg(QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz")));
-        needReconnect = false;
-        connected = false;
         setLastReceiveTime(QDateTime::currentDateTimeUtc());
         m_connectTime = secondsSinceEpoch();
-        replaceSocket();
-        m_socket->connectToHost(address, m_port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
-        waitForConnection(kConnectWaitMs);
-    } else if (connected) {
+        m_connection.open(address, m_port);
+        m_connection.waitForConnection(kConnectWaitMs);
+    } else if (isConnected()) {
         sendHeartbeat();
     }
-}
-
-void TcpConnectModulePrivate::replaceSocket()
-{
-    QSharedPointer<TcpSocket> socket(new TcpSocket, deleteSocketLater);
-    connect(socket.data(), &QAbstractSocket::stateChanged, this,
-            &TcpConnectModulePrivate::onTcpSocketStateChanged, Qt::DirectConnection);
-    connect(socket.data(), &QIODevice::readyRead, this, &TcpConnectModulePrivate::onTcpSocketReadyRead,
-            Qt::DirectConnection);
-    connect(socket.data(), &QAbstractSocket::errorOccurred, this,
-            &TcpConnectModulePrivate::TcpSocketError, Qt::DirectConnection);
-    if (m_socket) {
-        // The old socket is done with: nothing of it reaches the slots any more.
-        m_socket->disconnect(this);
-        m_socket->abort();
-    }
-    QMutexLocker lock(&m_linkMutex);
-    m_socket = socket;
-    ++m_socketGeneration;
-}
-
-void TcpConnectModulePrivate::waitForConnection(int msecs)
-{
-    // Like QAbstractSocket::waitForConnected(msecs), whose time-out gives the
-    // attempt up the same way, but a nested event loop lets QThread::quit()
-    // end the wait at once. The check and the time-out stay out meanwhile.
-    const auto pending = [this] {
-        const auto state = m_socket->state();
-        return state == QAbstractSocket::HostLookupState || state == QAbstractSocket::ConnectingState;
-    };
-    if (!pending() || closing)
-        return;
-    QEventLoop loop;
-    QTimer deadline;
-    deadline.setSingleShot(true);
-    deadline.setTimerType(Qt::PreciseTimer);
-    connect(&deadline, &QTimer::timeout, &loop, &QEventLoop::quit);
-    connect(m_socket.data(), &QAbstractSocket::stateChanged, &loop, [&loop, &pending] {
-        if (!pending())
-            loop.quit();
-    });
-    m_connecting = true;
-    deadline.start(msecs);
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
-    m_connecting = false;
-    if (m_socket && pending())
-        m_socket->abort();
 }
 
 void TcpConnectModulePrivate::sendHeartbeat()
@@ -331,20 +201,15 @@ void TcpConnectModulePrivate::sendHeartbeat()
 
 void TcpConnectModulePrivate::onCheckHeartBeat()
 {
-    if (!connected || closing || m_connecting)
+    if (!isConnected() || m_connection.isWaitingForConnection())
         return;
     if (lastReceiveTime().secsTo(QDateTime::currentDateTimeUtc()) < kReceiveTimeoutSecs)
         return;
     qCDebug(lcLink).noquote() << tr("连接超时 主动断开");
-    if (m_socket)
-        m_socket->close();
-    needReconnect = true;
-    connected = false;
-    emit connectSucceed(0);
+    m_connection.drop(FramedConnection::DropReason::TimedOut);
 }
 
 void TcpConnectModulePrivate::TcpSocketError(QAbstractSocket::SocketError error)
 {
-    // Losses are handled by the state change and the time-out.
-    Q_UNUSED(error)
+    m_connection.onSocketError(error);
 }

@@ -3,6 +3,7 @@
 #include "common/Logging.h"
 #include "link/TcpConnectModule.h"
 #include "robot/RobotWiring.h"
+#include "protocol/Codes.h"
 
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
@@ -11,10 +12,11 @@
 #include <QThread>
 #include <QTimer>
 
+namespace code = qrx::protocol::code;
+
 namespace {
 
 constexpr quint16 kControllerPort = 6001;
-constexpr quint16 kSetOperationMode = 0x2101;
 constexpr int kJogPeriodMs = 200;
 
 QMutex s_instanceMutex;
@@ -115,7 +117,7 @@ TcpConnectModule *Robot::link() const
 
 bool Robot::send(quint16 command, const QByteArray &payload)
 {
-    if (command == kSetOperationMode) {
+    if (command == code::SetOperationMode) {
         replyFlag.store(0);
         lastRequestTime = QDateTime::currentDateTime();
     }

@@ -1,9 +1,10 @@
 #pragma once
 // The wiring of a Robot to its link: every link notification that the
 // Robot listens to, with the handler slot (or Robot signal) it goes to.
-// One table (RobotWiring.cpp) drives all connections; a notification of the
-// link that is in neither the table nor the "deliberately unconnected" list
-// is a mistake, and the tests say so.
+// The rows come from the protocol catalogue (protocol/Catalogue.cpp), plus
+// the few notifications that carry no code (RobotWiring.cpp); a notification
+// of the link that is in neither the rows nor the "deliberately unconnected"
+// list is a mistake, and the tests say so.
 
 #include <QtGlobal>
 
@@ -20,7 +21,7 @@ struct WiringRow
     Target target;
 };
 
-// All rows, core first, then the families.
+// All rows: the notifications without a code first, then by code.
 const WiringRow *robotWiringRows(int *count);
 
 // Link notifications that no Robot member listens to, on purpose

@@ -19,13 +19,14 @@
 #include "robot/HandlerLines.h"
 #include "robot/HandlerShape.h"
 #include "robot/JsonRead.h"
+#include "protocol/Codes.h"
 
 #include <QCoreApplication>
 
+namespace code = qrx::protocol::code;
+
 namespace {
 
-constexpr quint16 kTeachModeNotice = 0x2105;   // sent when the controller reports teach mode
-constexpr quint16 kCurrentUserFrameQuery = 0x3C0B;
 constexpr int kModeSettlePauseMs = 200;
 
 } // namespace
@@ -102,7 +103,7 @@ void Robot::robot_net_slot_modeProcess(const QByteArray &data)
         switch (mode) {
         case 0:
             qrx::writeRobotLine(tr("接收当前工作模式: 示教模式"));
-            send(kTeachModeNotice, QByteArray());
+            send(code::TeachModeNotice, QByteArray());
             break;
         case 1:
             qrx::writeRobotLine(tr("接收当前工作模式: 远程模式"));
@@ -141,7 +142,7 @@ void Robot::robot_net_slot_coordChangedProcess(const QByteArray &data)
         if (coord == 3) {
             Json::Value query(Json::objectValue);
             query["robot"] = currentRobot();
-            send(kCurrentUserFrameQuery, qrx::jsonPayload(query));
+            send(code::GetCurrentUserFrame, qrx::jsonPayload(query));
         }
         if (coord >= 0 && coord <= 3)
             qrx::writeRobotLine(tr(lines[coord]).arg(robot));

@@ -1,0 +1,203 @@
+// FramedConnection on its own, as the file connection uses it: opened in the
+// test's thread against a plain loopback server, no timers, no reconnect.
+// Frames split over reads are completed, the options decide the head-error
+// line, the state follows the socket, and drop() is the one way down.
+
+#include "link/FramedConnection.h"
+#include "support/LogCapture.h"
+#include "support/Loopback.h"
+
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QtTest>
+
+#include <memory>
+
+using qrx::FramedConnection;
+using State = FramedConnection::State;
+using Reason = FramedConnection::DropReason;
+
+Q_DECLARE_METATYPE(FramedConnection::Options)
+
+namespace {
+
+const QString kHeadError = QStringLiteral("onTcpSocketReadyRead: head error");
+const QString kCloseLine = QStringLiteral("关闭网络连接");
+
+QVector<int> statuses(const QSignalSpy &spy)
+{
+    QVector<int> out;
+    for (const QList<QVariant> &args : spy)
+        out << args.at(0).toInt();
+    return out;
+}
+
+} // namespace
+
+class tst_FramedConnection : public QObject
+{
+    Q_OBJECT
+
+    QTcpServer server;
+    QObject context; // the test thread's context for queued work
+    std::unique_ptr<FramedConnection> connection;
+    QTcpSocket *peer = nullptr;
+
+    // Opens the connection and accepts it on the server side.
+    bool openConnection(FramedConnection::Options options)
+    {
+        connection = std::make_unique<FramedConnection>(options);
+        connection->setContext(&context);
+        connection->open(server.serverAddress().toString(), server.serverPort());
+        if (connection->state() != State::Connecting)
+            return false;
+        connection->waitForConnection(5000);
+        if (!server.hasPendingConnections() && !server.waitForNewConnection(5000))
+            return false;
+        peer = server.nextPendingConnection();
+        return peer && connection->state() == State::Connected;
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(server.listen(QHostAddress(testsupport::loopbackAddress()), 0));
+    }
+
+    void cleanup()
+    {
+        connection.reset();
+        delete peer;
+        peer = nullptr;
+    }
+
+    void connectsAndWrites()
+    {
+        connection = std::make_unique<FramedConnection>(FramedConnection::fileConnectionOptions());
+        connection->setContext(&context);
+        QSignalSpy status(connection.get(), &FramedConnection::connectSucceed);
+        QCOMPARE(connection->state(), State::Idle);
+        QVERIFY(!connection->write(qrx::encodeFrame(0x5501, "{}\n")));
+
+        connection->open(server.serverAddress().toString(), server.serverPort());
+        connection->waitForConnection(5000);
+        QCOMPARE(connection->state(), State::Connected);
+        QCOMPARE(statuses(status), QVector<int>{1});
+        QVERIFY(server.hasPendingConnections() || server.waitForNewConnection(5000));
+        peer = server.nextPendingConnection();
+
+        const QByteArray frame = qrx::encodeFrame(0x5501, "{\"name\":\"R1/A.JBR\"}\n");
+        QVERIFY(connection->write(frame));
+        QTRY_COMPARE_WITH_TIMEOUT(peer->bytesAvailable(), qint64(frame.size()), 5000);
+        QCOMPARE(peer->readAll(), frame);
+    }
+
+    // Both the main link's and the file connection's options keep a frame
+    // that arrives in pieces; only the main link logs a wrong head.
+    void receives_data()
+    {
+        QTest::addColumn<FramedConnection::Options>("options");
+        QTest::addColumn<int>("split");
+        QTest::addColumn<int>("headErrors");
+        QTest::newRow("main link, whole") << FramedConnection::mainLinkOptions() << 0 << 3;
+        QTest::newRow("main link, split in the head") << FramedConnection::mainLinkOptions() << 4 << 3;
+        QTest::newRow("file, split in the payload") << FramedConnection::fileConnectionOptions() << 12 << 0;
+        QTest::newRow("file, split in the CRC") << FramedConnection::fileConnectionOptions() << 30 << 0;
+    }
+
+    void receives()
+    {
+        QFETCH(FramedConnection::Options, options);
+        QFETCH(int, split);
+        QFETCH(int, headErrors);
+        LogCapture log;
+        QVERIFY(openConnection(options));
+        QSignalSpy frames(connection.get(), &FramedConnection::frameReceived);
+
+        const QByteArray payload("{\"answer\":\"yes\"}\n");
+        const QByteArray bytes = QByteArray("xyz") + qrx::encodeFrame(0x5502, payload);
+        const int cut = split > 0 ? 3 + split : bytes.size();
+        peer->write(bytes.left(cut));
+        peer->flush();
+        if (cut < bytes.size()) {
+            QTRY_VERIFY_WITH_TIMEOUT(connection->receiveBuffer().buffered() > 0, 5000);
+            QCOMPARE(frames.count(), 0);
+            peer->write(bytes.mid(cut));
+            peer->flush();
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(frames.count(), 1, 5000);
+        QCOMPARE(frames.at(0).at(0).value<quint16>(), quint16(0x5502));
+        QCOMPARE(frames.at(0).at(1).toByteArray(), payload);
+        QCOMPARE(log.count(kHeadError), headErrors);
+    }
+
+    // The peer going away: down twice, the socket closed once with its log
+    // line, and the connection waits for its owner to open it again.
+    void peerCloses()
+    {
+        LogCapture log;
+        QVERIFY(openConnection(FramedConnection::fileConnectionOptions()));
+        QSignalSpy status(connection.get(), &FramedConnection::connectSucceed);
+        peer->disconnectFromHost();
+        QTRY_COMPARE_WITH_TIMEOUT(connection->state(), State::WaitingToConnect, 5000);
+        QCOMPARE(statuses(status), (QVector<int>{0, 0}));
+        QCOMPARE(log.count(kCloseLine), 1);
+        QVERIFY(!connection->write(qrx::encodeFrame(0x5501, "{}\n")));
+    }
+
+    void drop_data()
+    {
+        QTest::addColumn<Reason>("reason");
+        QTest::addColumn<State>("after");
+        QTest::addColumn<int>("closeLines");
+        // Closing a connected socket makes it report the loss at once, which
+        // goes the socket-lost way (one close line) before the drop ends.
+        QTest::newRow("timed out") << Reason::TimedOut << State::WaitingToConnect << 1;
+        QTest::newRow("socket lost") << Reason::SocketLost << State::WaitingToConnect << 2;
+        QTest::newRow("address changed") << Reason::AddressChanged << State::WaitingToConnect << 2;
+        QTest::newRow("manual stop") << Reason::ManualStop << State::Idle << 2;
+    }
+
+    // drop() from the owner: the state it names, a 0 at the end, never a 1,
+    // the socket closed.
+    void drop()
+    {
+        QFETCH(Reason, reason);
+        QFETCH(State, after);
+        QFETCH(int, closeLines);
+        QVERIFY(openConnection(FramedConnection::mainLinkOptions()));
+        LogCapture log;
+        QSignalSpy status(connection.get(), &FramedConnection::connectSucceed);
+        connection->drop(reason);
+        QCOMPARE(connection->state(), after);
+        QVERIFY(!connection->write(qrx::encodeFrame(0x2002, "{}\n")));
+        QVERIFY(!statuses(status).isEmpty());
+        QCOMPARE(statuses(status).last(), 0);
+        QVERIFY(!statuses(status).contains(1));
+        QTRY_VERIFY_WITH_TIMEOUT(peer->state() == QAbstractSocket::UnconnectedState
+                                     || peer->waitForDisconnected(100),
+                                 5000);
+        QCOMPARE(log.count(kCloseLine), closeLines);
+    }
+
+    // Closing is final: neither a drop nor the socket brings it back.
+    void closingIsFinal()
+    {
+        QVERIFY(openConnection(FramedConnection::mainLinkOptions()));
+        QSignalSpy frames(connection.get(), &FramedConnection::frameReceived);
+        connection->setState(State::Closing);
+        connection->drop(Reason::AddressChanged);
+        QCOMPARE(connection->state(), State::Closing);
+        connection->setState(State::Connected);
+        QCOMPARE(connection->state(), State::Closing);
+        peer->write(qrx::encodeFrame(0x2003, "{\"status\":1}\n"));
+        peer->flush();
+        QTest::qWait(0);
+        QVERIFY(!connection->write(qrx::encodeFrame(0x2002, "{}\n")));
+        QCOMPARE(frames.count(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_FramedConnection)
+#include "tst_framedconnection.moc"
