@@ -112,13 +112,15 @@ void awaitReply(Robot *robot, const ReplyTicket &ticket)
     }
     const QDeadlineTimer deadline = bound > 0 ? QDeadlineTimer(bound, Qt::PreciseTimer)
                                               : QDeadlineTimer(QDeadlineTimer::Forever);
+    if (ticket.reply)
+        beginMatchedWait();
+    bool timedOut = false;
     do {
-        if (!robot->replyCondition.wait(&robot->replyMutex, deadline)) {
-            setLastCallTimedOut(true);
-            return;
-        }
-    } while (ticket.reply && replyCount(robot, ticket.reply) == ticket.seen);
-    setLastCallTimedOut(false);
+        timedOut = !robot->replyCondition.wait(&robot->replyMutex, deadline);
+    } while (!timedOut && ticket.reply && replyCount(robot, ticket.reply) == ticket.seen);
+    if (ticket.reply)
+        endMatchedWait();
+    setLastCallTimedOut(timedOut);
 }
 
 void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload)

@@ -44,6 +44,12 @@ QVector<quint16> answeringReplyCodes();
 // counted under the Robot's replyMutex; codes outside the table stay 0.
 quint64 replyCount(const Robot *robot, quint16 reply);
 
+// Brackets a wait for a matched reply. Only while one runs does a counted
+// reply wake the waiters itself: without one, the threads waiting see
+// exactly the wakes of the Robot's handlers. Called under the replyMutex.
+void beginMatchedWait();
+void endMatchedWait();
+
 // Records how the calling thread's last request-and-wait call ended.
 void setLastCallTimedOut(bool timedOut);
 

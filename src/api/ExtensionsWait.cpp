@@ -24,6 +24,7 @@ std::atomic<int> g_waitBoundMs{0};
 std::atomic<bool> g_matchedReplies{false};
 thread_local bool t_lastCallTimedOut = false;
 thread_local int t_scopedBoundMs = 0;
+std::atomic<int> g_matchedWaits{0};
 
 // Replies taken per code, for one Robot; guarded by its replyMutex.
 using ReplyCounts = QHash<quint16, quint64>;
@@ -38,13 +39,14 @@ std::shared_ptr<ReplyCounts> countsOf(const Robot *robot)
     return found == g_counts.end() ? nullptr : found->second;
 }
 
-// Counts one reply and wakes the waiters, so that a wait that the Robot's
-// own handler woke before this count sees it now.
+// Counts one reply and, while a matched wait runs, wakes the waiters, so
+// that a wait that the Robot's own handler woke before this count sees it.
 void countReply(Robot *robot, ReplyCounts &counts, quint16 code)
 {
     QMutexLocker lock(&robot->replyMutex);
     ++counts[code];
-    robot->replyCondition.wakeAll();
+    if (g_matchedWaits.load() > 0)
+        robot->replyCondition.wakeAll();
 }
 
 } // namespace
@@ -68,6 +70,16 @@ ScopedWaitBound::~ScopedWaitBound()
 bool matchedReplies()
 {
     return g_matchedReplies.load();
+}
+
+void beginMatchedWait()
+{
+    ++g_matchedWaits;
+}
+
+void endMatchedWait()
+{
+    --g_matchedWaits;
 }
 
 void setLastCallTimedOut(bool timedOut)
