@@ -6,6 +6,7 @@
 #include "api/ApiState.h"
 #include "api/Extensions.h"
 #include "api/qrx_host.h"
+#include "common/Logging.h"
 #include "link/TcpConnectModule.h"
 #include "link/TcpConnectModulePrivate.h"
 
@@ -59,6 +60,18 @@ int dropReason(const TcpConnectModule *link)
     return QRX_LINK_REASON_CONNECTION_LOST;
 }
 
+const char *reasonText(int reason)
+{
+    switch (reason) {
+    case QRX_LINK_REASON_CLOSED_BY_HOST:
+        return "closed by the host";
+    case QRX_LINK_REASON_CONTROLLER_SILENT:
+        return "the controller fell silent";
+    default:
+        return "connection lost";
+    }
+}
+
 // The link repeats its status (several losses per drop, a status query): an
 // event goes out only when the state changes.
 class LinkEvents
@@ -73,10 +86,14 @@ public:
             if (was == LinkState::Up)
                 return;
             m_state.store(LinkState::Up);
-            notify(was == LinkState::Connecting ? QRX_LINK_UP : QRX_LINK_BACK, QRX_LINK_REASON_NONE);
+            const bool back = was != LinkState::Connecting;
+            qCInfo(lcApi) << (back ? "controller link back" : "controller link up");
+            notify(back ? QRX_LINK_BACK : QRX_LINK_UP, QRX_LINK_REASON_NONE);
         } else if (was == LinkState::Up) {
             m_state.store(LinkState::Down);
-            notify(QRX_LINK_DROPPED, dropReason(link));
+            const int reason = dropReason(link);
+            qCWarning(lcApi) << "controller link dropped:" << reasonText(reason);
+            notify(QRX_LINK_DROPPED, reason);
         }
     }
 

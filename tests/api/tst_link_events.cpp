@@ -45,6 +45,26 @@ QVector<Event> events()
 
 char g_user; // its address is the user pointer
 
+// The library's log lines with their level, "qrx.api" only.
+QStringList g_apiLines;
+QtMessageHandler g_previousHandler = nullptr;
+
+void keepApiLines(QtMsgType type, const QMessageLogContext &context, const QString &text)
+{
+    if (context.category && QByteArray(context.category) == "qrx.api") {
+        static const char *const levels[] = {"debug", "warning", "critical", "fatal", "info"};
+        QMutexLocker lock(&g_mutex);
+        g_apiLines << QStringLiteral("%1: %2").arg(QLatin1String(levels[type]), text);
+    }
+    g_previousHandler(type, context, text);
+}
+
+bool logged(const QString &line)
+{
+    QMutexLocker lock(&g_mutex);
+    return g_apiLines.contains(line);
+}
+
 char *bytes(const char *text)
 {
     return const_cast<char *>(text);
@@ -108,6 +128,7 @@ void TestLinkEvents::initTestCase()
     QVERIFY(m_port != 6001 && m_port != 0);
     qrx_set_link_event_handler(record, &g_user);
     setErrorHandle(hosterrors::collect);
+    g_previousHandler = qInstallMessageHandler(keepApiLines);
 }
 
 void TestLinkEvents::startSim()
@@ -181,6 +202,9 @@ void TestLinkEvents::droppedAndBack()
     // The link reconnects by itself: back, not up.
     QCOMPARE(nextEvent(), (Event{QRX_LINK_BACK, QRX_LINK_REASON_NONE, &g_user}));
     QTRY_COMPARE_WITH_TIMEOUT(connection_status(), 1, 10000);
+    // A host sees both in its log above debug level.
+    QVERIFY(logged(QStringLiteral("warning: controller link dropped: connection lost")));
+    QVERIFY(logged(QStringLiteral("info: controller link back")));
 }
 
 void TestLinkEvents::controllerRestarted()
