@@ -57,18 +57,6 @@ double positionFirst()
     return out[0];
 }
 
-Json::Value positionReport(double first)
-{
-    Json::Value report(Json::objectValue);
-    report["robot"] = 1;
-    report["coord"] = 0;
-    for (int i = 0; i < 7; ++i) {
-        report["pos"].append(first + i);
-        report["posDeg"].append(first + i);
-    }
-    return report;
-}
-
 QByteArray positionPayload(double first)
 {
     return qrx::api::payloadOf(positionReport(first));
