@@ -58,7 +58,7 @@ int main(int argc, char **argv)
 
     std::atomic<int> drops{0}; // outlives the Connection that reports to it
     try {
-        qrx::Connection robot(address, 2s, port);
+        qrx::Connection robot(address, 5s, port);
         robot.onLinkEvent([&drops](qrx::LinkEvent event, qrx::LinkReason) {
             if (event == qrx::LinkEvent::Dropped)
                 ++drops;
