@@ -2,6 +2,8 @@
 // that listens on a port of its own: the link comes up, drops when the
 // controller closes it, is stopped or falls silent, comes back by itself, and
 // the host learns each change once, with its reason and its user pointer.
+// Run whole, one link reconnects three times over (silent, dropped, closed
+// and connected again, restarted); ctest also runs two shorter sequences.
 
 #include "HostErrors.h"
 #include "api/ApiState.h"
