@@ -7,6 +7,10 @@
 //    same kind and reads the 0x2F08 frame back. The two alternate, one of
 //    each per iteration; the medians are "getter_median_us" and
 //    "raw_median_us", and "ratio" should stay at most 3.
+//  - BM_MatchedRoundTrip: the same getter with matched replies on (its wait
+//    ends only on the 0x2F08 answer) beside the default (any waking reply),
+//    alternating, one of each per iteration: "matched_median_us" and
+//    "default_median_us".
 //  - BM_StreamCpu: the peer streams 1000 position reports a second for a few
 //    seconds; "library_cpu_pct" is the process's CPU time minus the peer
 //    thread's own, as a share of one core. Its baseline, BM_IdleCpu, is the
@@ -266,6 +270,32 @@ void BM_RoundTrip(benchmark::State &state)
         state.SkipWithError("the getter did not return the peer's position");
 }
 
+// Matched replies beside the default, on the same connection and peer.
+void BM_MatchedRoundTrip(benchmark::State &state)
+{
+    libraryPeer();
+    if (!connection_status()) {
+        state.SkipWithError("library not connected");
+        return;
+    }
+    double pos[6] = {};
+    std::vector<double> plainSamples;
+    std::vector<double> matchedSamples;
+    for (auto _ : state) {
+        qrx_set_matched_replies(0);
+        plainSamples.push_back(microseconds([&] { get_current_position(pos, 0); }));
+        qrx_set_matched_replies(1);
+        matchedSamples.push_back(microseconds([&] { get_current_position(pos, 0); }));
+    }
+    qrx_set_matched_replies(0);
+    benchmark::DoNotOptimize(pos);
+    state.counters["default_median_us"] = median(plainSamples);
+    state.counters["matched_median_us"] = median(matchedSamples);
+    state.counters["ratio"] = median(matchedSamples) / median(plainSamples);
+    if (pos[0] != 100.0)
+        state.SkipWithError("the getter did not return the peer's position");
+}
+
 // The library's share of one core while the peer streams (or not).
 void measureCpu(benchmark::State &state, bool streaming)
 {
@@ -302,6 +332,7 @@ void BM_StreamCpu(benchmark::State &state) { measureCpu(state, true); }
 } // namespace
 
 BENCHMARK(BM_RoundTrip)->Iterations(20000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_MatchedRoundTrip)->Iterations(20000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_IdleCpu)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_StreamCpu)->Iterations(1)->Unit(benchmark::kMillisecond);
 

@@ -1,48 +1,19 @@
 #!/usr/bin/env python3
-"""Drive a robot controller (or qrx-sim) from Python through ctypes.
+"""Drive a robot controller (or qrx-sim) from Python with the qrx_host package.
 
-Loads libqrx_host.so, connects, powers the servo, moves the robot with a
-joint move while watching the position, sets and reads digital IO and a
-global variable, reads the state and disconnects. No Qt is needed on the
-Python side: the library runs its own.
+Connects with a bound on every call, powers the servo, moves the robot with a
+joint move and waits until it arrives, sets and reads digital IO and a global
+variable, reads the state and disconnects. No Qt is needed on the Python side:
+the library runs its own.
 
 Usage: demo.py [--lib path/to/libqrx_host.so] [controller-address]
 Exit status 0 when every step did what it should, 1 otherwise.
 """
 import argparse
-import ctypes
 import os
 import sys
 import time
-
-DOUBLE6 = ctypes.c_double * 6
-DOUBLE16 = ctypes.c_double * 16
-
-
-def load(path):
-    lib = ctypes.CDLL(path)
-    signatures = {
-        "connect_robot": ([ctypes.c_char_p], ctypes.c_int),
-        "disconnect_robot": ([], None),
-        "connection_status": ([], ctypes.c_int),
-        "servo_power_on": ([], ctypes.c_int),
-        "servo_power_off": ([], None),
-        "get_servo_state": ([], ctypes.c_int),
-        "set_current_mode": ([ctypes.c_int], None),
-        "get_current_mode": ([], ctypes.c_int),
-        "robot_movj": ([ctypes.POINTER(ctypes.c_double)] + [ctypes.c_int] * 4, None),
-        "get_current_position": ([ctypes.POINTER(ctypes.c_double), ctypes.c_int], None),
-        "set_dout": ([ctypes.c_int, ctypes.c_int], None),
-        "get_dout": ([ctypes.POINTER(ctypes.c_double)], None),
-        "set_global_variant": ([ctypes.c_char_p, ctypes.c_double], None),
-        "get_global_variant": ([ctypes.c_char_p], ctypes.c_double),
-        "get_robot_running_state": ([], ctypes.c_int),
-    }
-    for name, (args, result) in signatures.items():
-        function = getattr(lib, name)
-        function.argtypes = args
-        function.restype = result
-    return lib
+from pathlib import Path
 
 
 def wait_until(check, seconds):
@@ -57,63 +28,60 @@ def wait_until(check, seconds):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("address", nargs="?", default="127.0.0.1")
-    here = os.path.dirname(os.path.abspath(__file__))
-    parser.add_argument("--lib", default=os.environ.get(
-        "QRX_HOST_LIB", os.path.join(here, "..", "build", "src", "libqrx_host.so")))
+    parser.add_argument("--lib", help="the qrx_host library (default: QRX_HOST_LIBRARY, a build folder, "
+                                      "or where cmake --install put it)")
     args = parser.parse_args()
+    if args.lib:
+        os.environ["QRX_HOST_LIBRARY"] = args.lib
     os.environ.setdefault("QT_LOGGING_RULES", "qrx.*.debug=false")
+    try:
+        import qrx_host
+    except ImportError:  # not installed: the package beside this example
+        sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "python"))
+        import qrx_host
+    from qrx_host import Coord, Mode, ServoState
 
-    qrx = load(args.lib)
     print(f"demo.py: driving the controller at {args.address}")
+    qrx_host.Robot.on_link_event(lambda event, reason: print(f"link {event.name} ({reason.name})"))
+    try:
+        with qrx_host.Robot(args.address, timeout=2.0) as robot:
+            print("connected")
+            robot.mode = Mode.TEACH
+            robot.power_on()
+            if not wait_until(lambda: robot.servo_state is ServoState.RUNNING, 5):
+                print("    FAILED: the drives did not come up")
+                return 1
+            print(f"servo state {robot.servo_state.name}: drives running")
 
-    def fail(why):
-        print(f"    FAILED: {why}")
-        qrx.disconnect_robot()
+            target = (20.0, 10.0, -5.0, 0.0, 30.0, 45.0)
+            robot.movj(target, vel=50, coord=Coord.JOINT)
+            robot.wait_move_done(target, tolerance=1e-3, timeout=20)
+            print("position " + " ".join(f"{v:8.3f}" for v in robot.position()))
+
+            robot.set_dout(2, True)
+            outputs = robot.dout()
+            print("digital outputs " + " ".join("1" if on else "0" for on in outputs))
+            if not outputs[1]:
+                print("    FAILED: digital output 2 not set")
+                return 1
+
+            robot.set_global_variable("GI007", 42)
+            value = robot.global_variable("GI007")
+            print(f"GI007 reads {value}")
+            if value != 42.0:
+                print("    FAILED: the variable does not read back")
+                return 1
+
+            print(f"running state {robot.running_state}, mode {robot.mode.name}")
+            robot.power_off()
+    except qrx_host.ConnectionRefused as error:
+        print(f"    FAILED: {error}")
         return 1
-
-    if qrx.connect_robot(args.address.encode("ascii")) != 1:
-        return fail("no controller answers at that address")
-    print("connected")
-
-    if qrx.servo_power_on() != 1 or not wait_until(lambda: qrx.get_servo_state() == 3, 5):
-        return fail("the drives did not come up")
-    print(f"servo state {qrx.get_servo_state()}: drives running")
-
-    target = DOUBLE6(20.0, 10.0, -5.0, 0.0, 30.0, 45.0)
-    qrx.robot_movj(target, 50, 0, 50, 50)
-    position = DOUBLE6()
-
-    def arrived():
-        qrx.get_current_position(position, 0)
-        print("position " + " ".join(f"{v:8.3f}" for v in position))
-        return all(abs(position[i] - target[i]) < 1e-3 for i in range(6))
-
-    if not wait_until(arrived, 20):
-        return fail("the joint move did not arrive")
-
-    # A getter returns at the controller's next reply of any kind, so values
-    # are read back until the answer to this query is in.
-    qrx.set_dout(2, 1)
-    outputs = DOUBLE16()
-
-    def output_set():
-        qrx.get_dout(outputs)
-        return outputs[1] == 1.0
-
-    ok = wait_until(output_set, 3)
-    print("digital outputs " + " ".join(f"{v:.0f}" for v in outputs))
-    if not ok:
-        return fail("digital output 2 not set")
-
-    qrx.set_global_variant(b"GI007", 42)
-    ok = wait_until(lambda: qrx.get_global_variant(b"GI007") == 42.0, 3)
-    print(f"GI007 reads {qrx.get_global_variant(b'GI007')}")
-    if not ok:
-        return fail("the variable does not read back")
-
-    print(f"running state {qrx.get_robot_running_state()}, mode {qrx.get_current_mode()}")
-    qrx.servo_power_off()
-    qrx.disconnect_robot()
+    except qrx_host.CallTimedOut as error:
+        print(f"    FAILED: {error}")
+        return 1
+    finally:
+        qrx_host.Robot.on_link_event(None)
     print("demo.py: all steps done")
     return 0
 

@@ -1,11 +1,13 @@
 #include "api/ApiState.h"
 
+#include "api/Extensions.h"
 #include "common/CompactJson.h"
 #include "common/Logging.h"
 #include "link/FrameCodec.h"
 #include "link/TcpConnectModule.h"
 
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QThread>
 
@@ -119,6 +121,8 @@ Robot *apiRobot()
 
 void setApiRobot(Robot *robot)
 {
+    if (robot)
+        attachExtensions(robot);
     Robot *unheld = nullptr;
     {
         std::lock_guard<std::mutex> lock(g_robotMutex);
@@ -223,9 +227,40 @@ void copyOut(const double *from, int n, double *to)
     std::copy(from, from + n, to);
 }
 
+ReplyTicket replyTicket(const Robot *robot, quint16 query)
+{
+    ReplyTicket ticket;
+    if (query && matchedReplies()) {
+        ticket.reply = replyCodeFor(query);
+        ticket.seen = replyCount(robot, ticket.reply);
+    }
+    return ticket;
+}
+
+void awaitReply(Robot *robot, const ReplyTicket &ticket)
+{
+    const int bound = waitBoundMs();
+    if (bound <= 0 && !ticket.reply) {
+        robot->replyCondition.wait(&robot->replyMutex);
+        setLastCallTimedOut(false);
+        return;
+    }
+    const QDeadlineTimer deadline = bound > 0 ? QDeadlineTimer(bound, Qt::PreciseTimer)
+                                              : QDeadlineTimer(QDeadlineTimer::Forever);
+    if (ticket.reply)
+        beginMatchedWait();
+    bool timedOut = false;
+    do {
+        timedOut = !robot->replyCondition.wait(&robot->replyMutex, deadline);
+    } while (!timedOut && ticket.reply && replyCount(robot, ticket.reply) == ticket.seen);
+    if (ticket.reply)
+        endMatchedWait();
+    setLastCallTimedOut(timedOut);
+}
+
 void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload)
 {
-    requestAndWait(robot, [&] { robot->send(code, payload); });
+    requestAndWait(robot, [&] { robot->send(code, payload); }, code);
 }
 
 void setApplicationFactory(ApplicationFactory factory)

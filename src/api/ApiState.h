@@ -78,16 +78,34 @@ std::string latin1Name(const char *name);
 // they all come from one report; a null buffer is left alone.
 void copyOut(const double *from, int n, double *to);
 
+// Where a request-and-wait call starts counting the replies to its query:
+// taken under the reply mutex before the query goes out.
+struct ReplyTicket
+{
+    quint16 reply = 0;  // the code that answers the query (0: any reply)
+    quint64 seen = 0;   // replies of that code taken before the query
+};
+ReplyTicket replyTicket(const Robot *robot, quint16 query);
+
+// The wait of request-and-wait, with the reply mutex held: by default one
+// wait on the reply condition without a time-out, ended by any waking
+// reply. The host may bound it and may ask for the reply that answers the
+// query (see the qrx_ extensions); the calling thread then learns whether
+// the bound ran out.
+void awaitReply(Robot *robot, const ReplyTicket &ticket);
+
 // Request-and-wait: lock the reply mutex, run send() (which hands one or more
-// queries to the robot), wait on the reply condition without a time-out,
-// unlock. Any waking reply of the robot's handlers ends the wait, whatever it
-// answers; the caller then reads the cache as it stands.
+// queries to the robot), wait on the reply condition, unlock. Any waking
+// reply of the robot's handlers ends the wait, whatever it answers; the
+// caller then reads the cache as it stands. query names the code whose reply
+// ends the wait when the host asked for matched replies (0: any).
 template <class Send, class = std::enable_if_t<std::is_invocable_v<Send &>>>
-void requestAndWait(Robot *robot, Send &&send)
+void requestAndWait(Robot *robot, Send &&send, quint16 query = 0)
 {
     QMutexLocker lock(&robot->replyMutex);
+    const ReplyTicket ticket = replyTicket(robot, query);
     send();
-    robot->replyCondition.wait(&robot->replyMutex);
+    awaitReply(robot, ticket);
 }
 
 // The common case: one query with its code and payload.

@@ -46,7 +46,7 @@ void send_continuous_motion_queue(const qrx_motion_record *records, int count)
     QStringList outOfRange;
     if (!buildQueue(records, count, data, &outOfRange)) {
         for (int i = 0; i < outOfRange.size(); ++i)
-            qCDebug(lcApi).noquote() << QCoreApplication::translate("ContinuousMotion", "参数值超限");
+            qCWarning(lcApi).noquote() << QCoreApplication::translate("ContinuousMotion", "参数值超限");
         return;
     }
     if (data.empty())

@@ -96,7 +96,7 @@ int servo_power_on(void)
     requestAndWait(robot, [robot] {
         robot->link()->setServoStatus(ServoStatus(kServoPowerOnOk));
         robot->link()->sendDeadmanCommand(1);
-    });
+    }, code::SetServoStatus);
     if (robot->servoStatus == kServoPowerOnOk)
         return 1;
     const QString line = QStringLiteral("servo %1 deadman %2").arg(robot->servoStatus).arg(robot->deadman);
@@ -107,7 +107,7 @@ int servo_power_on(void)
 void servo_power_off(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    requestAndWait(robot, [robot] { robot->link()->sendDeadmanCommand(0); });
+    requestAndWait(robot, [robot] { robot->link()->sendDeadmanCommand(0); }, code::SetDeadman);
 }
 
 void set_servo_state(int state)

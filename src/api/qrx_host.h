@@ -490,12 +490,79 @@ QRX_HOST_API int QRX_HOST_CALL qrx_export_logs(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_export_eni(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_export_config(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_import_config(const char *path);
+
 /* ---- Extension: connect poll interval ---------------------------------------
  * connect_robot() checks the connection up to five times, pausing ms between
  * checks (1000 by default; values below 1 read as 1). Test hosts that connect
  * and disconnect many times set a short pause; a host that never calls this
  * sees the default. */
 QRX_HOST_API void QRX_HOST_CALL qrx_set_connect_poll_interval(int ms);
+
+/* ------------------------------------------------------------------------
+ * Extensions for host programs (qrx_ prefix)
+ *
+ * None of these changes a frame on the wire or a result of the functions
+ * above until the host calls it: without them every waiting function waits
+ * for ever and ends on any waking reply, as described above.
+ * ------------------------------------------------------------------------ */
+
+/* Bounds every waiting function ("waits" above) to ms milliseconds; 0 (the
+ * default) or less waits without a bound. Process-wide. A call that runs out
+ * returns what the library holds, like a call ended by a reply: buffers are
+ * filled from the cache, results are the cached values. connect_robot() is
+ * not affected. */
+QRX_HOST_API void QRX_HOST_CALL qrx_set_wait_timeout(int ms);
+/* The bound set by qrx_set_wait_timeout() (0: none). */
+QRX_HOST_API int QRX_HOST_CALL qrx_wait_timeout(void);
+/* 1 when the calling thread's last waiting call (or qrx_wait_move_done())
+ * ended because its bound ran out, 0 when a reply (or the target) ended it.
+ * Per thread; 0 before the thread's first waiting call. */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_call_timed_out(void);
+
+/* Matched replies, off (0) by default. With them on, a waiting function's
+ * wait ends only on the reply the controller sends for its own query (0x2F07
+ * is answered by 0x2F08, 0x2102 by 0x2103, ...), not on whatever reply comes
+ * first; other replies still update what the library holds. Process-wide;
+ * affects calls that start after it. */
+QRX_HOST_API void QRX_HOST_CALL qrx_set_matched_replies(int on);
+QRX_HOST_API int QRX_HOST_CALL qrx_matched_replies(void);
+
+/* Connection events. */
+#define QRX_LINK_UP 1      /* the link came up after connect_robot() */
+#define QRX_LINK_DROPPED 2 /* the link went down */
+#define QRX_LINK_BACK 3    /* the link came back by itself after a drop */
+/* Why the link went down (QRX_LINK_DROPPED); QRX_LINK_REASON_NONE otherwise. */
+#define QRX_LINK_REASON_NONE 0
+#define QRX_LINK_REASON_CLOSED_BY_HOST 1    /* disconnect_robot() */
+#define QRX_LINK_REASON_CONNECTION_LOST 2   /* the connection closed or failed */
+#define QRX_LINK_REASON_CONTROLLER_SILENT 3 /* nothing heard for 7 s: the link closed it */
+typedef void (*qrx_link_event_handler)(int event, int reason, void *user);
+/* Registers the function called with each connection event and the user
+ * pointer given here; null switches the events off. Each change of the link
+ * is reported once (the link repeats its status; repeats are not events).
+ * The function is called on the thread that runs the library's events: the
+ * library's own thread when the host runs no Qt application, the
+ * application's thread otherwise. It must not block that thread (no waiting
+ * function from inside it). */
+QRX_HOST_API void QRX_HOST_CALL qrx_set_link_event_handler(qrx_link_event_handler handler, void *user);
+
+/* connect_robot() to another port than 6001 (simulators, port forwarding):
+ * the same steps and result. 0 at once for a port outside 1..65535. */
+QRX_HOST_API int QRX_HOST_CALL qrx_connect_robot_port(const char *ip, int port);
+
+/* Copies the last error, warning or information text of the controller
+ * (UTF-8; "error" without a link, like show_log()) into buffer, at most
+ * size-1 bytes, never cutting a character, and a NUL. Returns the length of
+ * the whole text in bytes (more than size-1: it was shortened). A null buffer
+ * or size 0 copies nothing. */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_message(char *buffer, int size);
+
+/* Move completion: queries the position in coord (0x2F07) every 50 ms until
+ * every axis of target[6] is within tolerance, or, with a null target,
+ * queries the running state (0x3D02) until it is not 2 (nothing running).
+ * timeout_ms bounds the whole wait (0: none). Returns 1 when reached, 0 when
+ * the bound ran out (qrx_last_call_timed_out() is then 1), -1 without a link. */
+QRX_HOST_API int QRX_HOST_CALL qrx_wait_move_done(const double *target, int coord, double tolerance, int timeout_ms);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -143,7 +143,7 @@ void FramedConnection::closeSocket()
     if (!m_socket)
         return;
     m_socket->close();
-    qCDebug(lcLink).noquote() << QCoreApplication::translate("TcpConnectModulePrivate", "关闭网络连接");
+    qCInfo(lcLink).noquote() << QCoreApplication::translate("TcpConnectModulePrivate", "关闭网络连接");
 }
 
 void FramedConnection::closeSocketInItsThread()

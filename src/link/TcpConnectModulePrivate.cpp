@@ -111,14 +111,14 @@ void TcpConnectModulePrivate::resetIp(const QString &ip)
 
 void TcpConnectModulePrivate::stopConnect()
 {
-    qCDebug(lcLink).noquote() << QCoreApplication::translate("TcpConnectModule", "手动停止");
+    qCInfo(lcLink).noquote() << QCoreApplication::translate("TcpConnectModule", "手动停止");
     m_stopped = true;
     m_connection.drop(FramedConnection::DropReason::ManualStop);
 }
 
 void TcpConnectModulePrivate::startConnect()
 {
-    qCDebug(lcLink).noquote() << QCoreApplication::translate("TcpConnectModule", "手动开始");
+    qCInfo(lcLink).noquote() << QCoreApplication::translate("TcpConnectModule", "手动开始");
     m_stopped = false;
     m_connection.setState(State::WaitingToConnect);
     m_connection.runInContext([this] { onTcpSocketCheck(); });
@@ -182,7 +182,7 @@ void TcpConnectModulePrivate::onTcpSocketCheck()
     QMutexLocker lock(&m_connection.sendMutex());
     if (state() == State::WaitingToConnect) {
         const QString address = ip();
-        qCDebug(lcLink).noquote()
+        qCInfo(lcLink).noquote()
             << QStringLiteral("%1 %2 %3 %4 %5")
                    .arg(tr("重置网络连接 尝试连接IP"), address, tr("端口 :"))
                    .arg(m_port)
@@ -209,7 +209,7 @@ void TcpConnectModulePrivate::onCheckHeartBeat()
         return;
     if (lastReceiveTime().secsTo(QDateTime::currentDateTimeUtc()) < kReceiveTimeoutSecs)
         return;
-    qCDebug(lcLink).noquote() << tr("连接超时 主动断开");
+    qCWarning(lcLink).noquote() << tr("连接超时 主动断开");
     m_connection.drop(FramedConnection::DropReason::TimedOut);
 }
 

@@ -22,6 +22,7 @@ constexpr int kJogPeriodMs = 200;
 QMutex s_instanceMutex;
 Robot *s_instance = nullptr;
 std::atomic<int> s_linkTimeBase{300000};
+std::atomic<quint16> s_linkPort{kControllerPort};
 std::atomic<bool> s_forceModeNotification{false};
 
 } // namespace
@@ -60,6 +61,16 @@ int Robot::linkTimeBase()
     return s_linkTimeBase.load();
 }
 
+void Robot::setLinkPort(quint16 port)
+{
+    s_linkPort.store(port);
+}
+
+quint16 Robot::linkPort()
+{
+    return s_linkPort.load();
+}
+
 void Robot::setErrorCallback(ErrorCallback callback)
 {
     qrx::storeErrorCallback(callback);
@@ -83,7 +94,7 @@ Robot::Robot(const QString &ip, QObject *parent)
     qRegisterMetaType<QVector<double>>("QVector<double>");
     qRegisterMetaType<schar>("schar");
 
-    m_link = new TcpConnectModule(ip, kControllerPort, s_linkTimeBase.load());
+    m_link = new TcpConnectModule(ip, s_linkPort.load(), s_linkTimeBase.load());
     m_link->setParent(this);
     m_link->setCurrentRobotSource([this] { return currentRobot(); });
     qrx::wireRobot(m_link, this);

@@ -55,6 +55,10 @@ public:
     static void setLinkTimeBase(int timeBase);
     static int linkTimeBase();
 
+    // Controller port handed to each new link (6001 by default).
+    static void setLinkPort(quint16 port);
+    static quint16 linkPort();
+
     // The host's error callback: called on the link thread with each error,
     // warning and information text (NUL-terminated UTF-8, valid during the
     // call). Null switches delivery off.

@@ -48,6 +48,20 @@ inline QString frame(quint16 code, const QString &jsonText)
     return frameText(code, json(jsonText.toUtf8().constData()));
 }
 
+// A position report 0x2F08 for robot 1 in joint coordinates: "pos" and
+// "posDeg" both first, first+1, ... first+6.
+inline Json::Value positionReport(double first)
+{
+    Json::Value report(Json::objectValue);
+    report["robot"] = 1;
+    report["coord"] = 0;
+    for (int i = 0; i < 7; ++i) {
+        report["pos"].append(first + i);
+        report["posDeg"].append(first + i);
+    }
+    return report;
+}
+
 // The columns of a framesOnTheWire table: "call" and the "expected" frames
 // (Controller::compareRowFrames() runs a row).
 inline void frameColumns()

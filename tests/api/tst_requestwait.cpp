@@ -3,6 +3,7 @@
 // then returns what is cached, stale or not. The controller (qrx-sim) is
 // kept silent so that only the reports a case sends itself can end a wait.
 
+#include "FamilyFixture.h"
 #include "HostErrors.h"
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
@@ -15,19 +16,9 @@
 #include <array>
 #include <memory>
 
-namespace {
+using familytest::positionReport;
 
-Json::Value positionReport(double first)
-{
-    Json::Value report(Json::objectValue);
-    report["robot"] = 1;
-    report["coord"] = 0;
-    for (int i = 0; i < 7; ++i) {
-        report["pos"].append(first + i);
-        report["posDeg"].append(first + i);
-    }
-    return report;
-}
+namespace {
 
 // A host thread blocked in a getter.
 struct Waiter

@@ -1,0 +1,448 @@
+"""The Robot: one connection to the controller, with Pythonic calls."""
+from __future__ import annotations
+
+import ctypes
+import queue
+import threading
+import traceback
+from typing import Callable, Iterable, List, Optional, Sequence, Tuple, TypeVar
+
+from . import _library
+from ._records import MotionRecord
+from .types import (CallTimedOut, ConnectionRefused, Coord, DigitalOut, Instruction, LinkEvent, LinkReason,
+                    Mode, MotorFigures, Move, NotConnected, ServoState, Wait)
+
+T = TypeVar("T")
+Floats = Tuple[float, ...]
+MessageCallback = Callable[[str], None]
+LinkCallback = Callable[[LinkEvent, LinkReason], None]
+
+# A waiting call in the main thread runs in a worker and is joined in
+# slices this long, so that Ctrl-C interrupts the wait.
+_SLICE_S = 0.1
+
+
+class _Dispatcher:
+    """Hands the library's callbacks (on its own threads) to Python callbacks
+    on one thread of ours, so a slow or failing callback never holds the
+    library's thread and never takes the library down."""
+
+    def __init__(self) -> None:
+        self._queue: "queue.Queue[Tuple[Callable[..., None], tuple]]" = queue.Queue()
+        self._thread = threading.Thread(target=self._run, name="qrx_host callbacks", daemon=True)
+        self._thread.start()
+
+    def post(self, callback: Callable[..., None], *args: object) -> None:
+        self._queue.put((callback, args))
+
+    def _run(self) -> None:
+        while True:
+            callback, args = self._queue.get()
+            try:
+                callback(*args)
+            except Exception:  # a host callback's error is reported, not raised into the library
+                traceback.print_exc()
+
+
+_dispatcher: Optional[_Dispatcher] = None
+_callbacks_lock = threading.Lock()
+_message_callback: Optional[MessageCallback] = None
+_link_callback: Optional[LinkCallback] = None
+
+
+def _dispatch() -> _Dispatcher:
+    global _dispatcher
+    with _callbacks_lock:
+        if _dispatcher is None:
+            _dispatcher = _Dispatcher()
+        return _dispatcher
+
+
+@_library.ERROR_HANDLER
+def _on_message(text: bytes) -> None:
+    callback = _message_callback
+    if callback is not None:
+        _dispatch().post(callback, text.decode("utf-8", "replace"))
+
+
+@_library.LINK_EVENT_HANDLER
+def _on_link_event(event: int, reason: int, _user: object) -> None:
+    callback = _link_callback
+    if callback is not None:
+        _dispatch().post(callback, LinkEvent(event), LinkReason(reason))
+
+
+def _doubles(n: int) -> ctypes.Array:
+    return (ctypes.c_double * n)()
+
+
+def _text(name: str) -> bytes:
+    return name.encode("latin-1")
+
+
+class Robot:
+    """A connection to the controller at ``address``.
+
+    >>> with Robot("192.168.1.13", timeout=2.0) as robot:
+    ...     robot.mode = Mode.TEACH
+    ...     print(robot.position())
+
+    ``timeout`` (seconds) bounds every call that waits for the controller; a
+    call that runs out raises :class:`CallTimedOut`. ``None`` waits for ever.
+    ``matched_replies`` makes each call wait for the controller's answer to
+    its own query (on by default here; the C library's default is off).
+    The library drives one controller per process: use one Robot at a time.
+    """
+
+    def __init__(self, address: str, timeout: Optional[float] = 2.0, *, port: int = 6001,
+                 matched_replies: bool = True, connect: bool = True) -> None:
+        self._lib = _library.library()
+        self.address = address
+        self.port = port
+        self._open = False
+        self.timeout = timeout
+        self._lib.qrx_set_matched_replies(1 if matched_replies else 0)
+        if connect:
+            self.connect()
+
+    # ---- the connection --------------------------------------------------
+    def connect(self) -> None:
+        """Connects (about five seconds at most); raises ConnectionRefused."""
+        if self._lib.qrx_connect_robot_port(self.address.encode("ascii"), self.port) != 1:
+            raise ConnectionRefused(f"no controller answered at {self.address}:{self.port}")
+        self._open = True
+
+    def close(self) -> None:
+        """Disconnects; the Robot can connect() again."""
+        if self._open:
+            self._open = False
+            self._lib.disconnect_robot()
+
+    def __enter__(self) -> "Robot":
+        return self
+
+    def __exit__(self, *exc: object) -> None:
+        self.close()
+
+    @property
+    def connected(self) -> bool:
+        """True while the link to the controller is up."""
+        return self._open and self._lib.connection_status() == 1
+
+    @property
+    def timeout(self) -> Optional[float]:
+        """The bound of every waiting call in seconds (None: no bound)."""
+        ms = self._lib.qrx_wait_timeout()
+        return ms / 1000.0 if ms > 0 else None
+
+    @timeout.setter
+    def timeout(self, seconds: Optional[float]) -> None:
+        self._lib.qrx_set_wait_timeout(0 if not seconds else max(1, int(round(seconds * 1000))))
+
+    @property
+    def last_message(self) -> str:
+        """The controller's last error, warning or information text."""
+        size = 256
+        while True:
+            buffer = ctypes.create_string_buffer(size)
+            length = self._lib.qrx_last_message(buffer, size)
+            if length < size:
+                return buffer.value.decode("utf-8", "replace")
+            size = length + 1
+
+    @staticmethod
+    def on_message(callback: Optional[MessageCallback]) -> None:
+        """Calls callback(text) with each controller error, warning and
+        information text ("错误： ...", "警告： ...", "消息： ..."), on a
+        thread of qrx_host's Python layer; None switches it off."""
+        global _message_callback
+        _message_callback = callback
+        Robot._library().setErrorHandle(_on_message if callback else _library.ERROR_HANDLER())
+
+    @staticmethod
+    def on_link_event(callback: Optional[LinkCallback]) -> None:
+        """Calls callback(event, reason) when the link comes up, drops and
+        comes back, on a thread of qrx_host's Python layer; None: off."""
+        global _link_callback
+        _link_callback = callback
+        lib = Robot._library()
+        lib.qrx_set_link_event_handler(_on_link_event if callback else _library.LINK_EVENT_HANDLER(), None)
+
+    @staticmethod
+    def _library() -> ctypes.CDLL:
+        return _library.library()
+
+    # ---- waiting calls ---------------------------------------------------
+    def _wait(self, call: Callable[[], T], name: str) -> T:
+        """Runs a waiting C call; raises CallTimedOut when its bound ran out.
+        In the main thread the call runs in a worker so Ctrl-C stays live."""
+        if not self._open:
+            raise NotConnected(f"{name}: the robot is not connected")
+        if threading.current_thread() is not threading.main_thread():
+            return self._checked(call(), self._lib.qrx_last_call_timed_out(), name)
+        outcome: List[object] = []
+
+        def work() -> None:
+            try:
+                value = call()
+                outcome.extend([value, self._lib.qrx_last_call_timed_out(), None])
+            except BaseException as error:  # handed to the caller's thread
+                outcome.extend([None, 0, error])
+
+        worker = threading.Thread(target=work, name=f"qrx_host {name}", daemon=True)
+        worker.start()
+        while worker.is_alive():
+            worker.join(_SLICE_S)
+        value, timed_out, error = outcome
+        if error is not None:
+            raise error  # type: ignore[misc]
+        return self._checked(value, int(timed_out), name)  # type: ignore[arg-type]
+
+    @staticmethod
+    def _checked(value: T, timed_out: int, name: str) -> T:
+        if timed_out:
+            raise CallTimedOut(f"{name}: no reply from the controller in time")
+        return value
+
+    def _read(self, function: Callable[..., None], n: int, name: str, before: Sequence[object] = (),
+              after: Sequence[object] = ()) -> Floats:
+        """A waiting call that fills n doubles: function(*before, out, *after)."""
+
+        def call() -> Floats:
+            out = _doubles(n)
+            function(*before, out, *after)
+            return tuple(out)
+
+        return self._wait(call, name)
+
+    # ---- servo, mode, coordinate system, speed ----------------------------
+    @property
+    def servo_state(self) -> ServoState:
+        """The servo state last reported (sends nothing)."""
+        return ServoState(self._lib.get_servo_state())
+
+    def power_on(self) -> bool:
+        """Servo on and deadman; True when the servo state is then ready."""
+        return self._wait(self._lib.servo_power_on, "servo_power_on") == 1
+
+    def power_off(self) -> None:
+        """Deadman off."""
+        self._wait(self._lib.servo_power_off, "servo_power_off")
+
+    def clear_servo_error(self) -> None:
+        self._lib.clear_servo_error()
+
+    @property
+    def mode(self) -> Mode:
+        """The operation mode (asks the controller)."""
+        return Mode(self._wait(self._lib.get_current_mode, "get_current_mode"))
+
+    @mode.setter
+    def mode(self, mode: Mode) -> None:
+        self._lib.set_current_mode(int(mode))
+
+    @property
+    def coord(self) -> Coord:
+        """The coordinate system (asks the controller)."""
+        return Coord(self._wait(self._lib.get_current_coord, "get_current_coord"))
+
+    @coord.setter
+    def coord(self, coord: Coord) -> None:
+        self._lib.set_current_coord(int(coord))
+
+    @property
+    def jog_speed(self) -> int:
+        """The jog speed in percent (asks the controller)."""
+        return int(self._wait(self._lib.get_jogging_speed, "get_jogging_speed"))
+
+    @jog_speed.setter
+    def jog_speed(self, percent: int) -> None:
+        self._lib.set_jogging_speed(int(percent))
+
+    @property
+    def running_state(self) -> int:
+        """The running state (2: a job runs)."""
+        return int(self._wait(self._lib.get_robot_running_state, "get_robot_running_state"))
+
+    @property
+    def job_running(self) -> bool:
+        return self.running_state == 2
+
+    def start_jogging(self, axis: int, positive: bool = True) -> None:
+        self._lib.start_jogging(axis, positive)
+
+    def stop_jogging(self, axis: int) -> None:
+        self._lib.stop_jogging(axis)
+
+    # ---- motion ----------------------------------------------------------
+    def movj(self, target: Sequence[float], vel: int = 50, coord: Coord = Coord.JOINT, acc: int = 50,
+             dec: int = 50) -> None:
+        """Joint move to target (6 values); does not wait."""
+        self._lib.robot_movj((ctypes.c_double * 6)(*target[:6]), vel, int(coord), acc, dec)
+
+    def movl(self, target: Sequence[float], vel: int = 50, coord: Coord = Coord.JOINT, acc: int = 50,
+             dec: int = 50) -> None:
+        """Linear move to target (6 values); does not wait."""
+        self._lib.robot_movl((ctypes.c_double * 6)(*target[:6]), vel, int(coord), acc, dec)
+
+    def wait_move_done(self, target: Optional[Sequence[float]] = None, coord: Coord = Coord.JOINT,
+                       tolerance: float = 1e-3, timeout: Optional[float] = 30.0) -> None:
+        """Waits until every axis is within tolerance of target (or, without
+        a target, until nothing runs); raises CallTimedOut after timeout."""
+        goal = (ctypes.c_double * 6)(*target[:6]) if target is not None else None
+        ms = 0 if not timeout else max(1, int(timeout * 1000))
+        done = self._wait(lambda: self._lib.qrx_wait_move_done(goal, int(coord), tolerance, ms), "wait_move_done")
+        if done != 1:
+            raise CallTimedOut("wait_move_done: the robot did not get there in time")
+
+    # ---- IO, positions, variables ------------------------------------------
+    def position(self, coord: Coord = Coord.JOINT) -> Floats:
+        """The current position (6 values) in coord."""
+        return self._read(self._lib.get_current_position, 6, "get_current_position", after=(int(coord),))
+
+    def sync_position(self) -> Floats:
+        """The external-axis position (5 values)."""
+        return self._read(self._lib.get_current_sync_position, 5, "get_current_sync_position")
+
+    def dout(self) -> Tuple[bool, ...]:
+        """Digital outputs 1..16 (index 0 is port 1)."""
+        return tuple(v != 0 for v in self._read(self._lib.get_dout, 16, "get_dout"))
+
+    def din(self) -> Tuple[bool, ...]:
+        """Digital inputs 1..16."""
+        return tuple(v != 0 for v in self._read(self._lib.get_din, 16, "get_din"))
+
+    def aout(self) -> Floats:
+        return self._read(self._lib.get_aout, 16, "get_aout")
+
+    def ain(self) -> Floats:
+        return self._read(self._lib.get_ain, 16, "get_ain")
+
+    def set_dout(self, port: int, on: bool) -> None:
+        self._lib.set_dout(port, 1 if on else 0)
+
+    def set_aout(self, port: int, value: float) -> None:
+        self._lib.set_aout(port, value)
+
+    def global_variable(self, name: str) -> float:
+        """A global variable ("GI001", "GD002", "GB003")."""
+        return float(self._wait(lambda: self._lib.get_global_variant(_text(name)), "get_global_variant"))
+
+    def set_global_variable(self, name: str, value: float) -> None:
+        self._lib.set_global_variant(_text(name), value)
+
+    def global_position(self, name: str) -> Floats:
+        """A global position: 7 robot axes then 7 synchronous axes."""
+        return self._read(self._lib.get_GPosition, 14, "get_GPosition", before=(_text(name),))
+
+    def motor_torque(self) -> MotorFigures:
+        return self._motor(self._lib.get_motor_torque, "get_motor_torque")
+
+    def motor_speed(self) -> MotorFigures:
+        return self._motor(self._lib.get_motor_vel, "get_motor_vel")
+
+    def _motor(self, function: Callable[..., None], name: str) -> MotorFigures:
+        def call() -> MotorFigures:
+            rows = [_doubles(7), _doubles(7), _doubles(5), _doubles(5)]
+            function(*rows)
+            return MotorFigures(robot=(tuple(rows[0]), tuple(rows[1])), external=(tuple(rows[2]), tuple(rows[3])))
+
+        return self._wait(call, name)
+
+    # ---- jobs ------------------------------------------------------------
+    def open_job(self, name: str) -> None:
+        self._lib.open_job(_text(name))
+
+    def run_job(self, name: str) -> None:
+        self._lib.run_job(_text(name))
+
+    def step_job(self, name: str, line: int) -> None:
+        self._lib.step_job(_text(name), line)
+
+    def pause_job(self) -> None:
+        self._lib.pause_job()
+
+    def stop_job(self) -> None:
+        self._lib.stop_job()
+
+    def continue_job(self) -> int:
+        """0 when continued; 1 not in run mode; 2 servo not ready."""
+        return int(self._wait(self._lib.continue_job, "continue_job"))
+
+    def set_runs(self, count: int) -> None:
+        self._lib.set_runs(count)
+
+    def single_cycle(self) -> Floats:
+        return self._read(self._lib.get_single_cycle, 7, "get_single_cycle")
+
+    # ---- tools -----------------------------------------------------------
+    @property
+    def tool(self) -> int:
+        """The current tool number (0: none)."""
+        return int(self._wait(self._lib.get_current_tool_hand, "get_current_tool_hand"))
+
+    @tool.setter
+    def tool(self, number: int) -> None:
+        self._lib.switch_tool_hand(number)
+
+    def tool_parameters(self, number: int) -> Floats:
+        """x, y, z, A, B, C of a tool (0..31)."""
+        return self._read(self._lib.query_tool_hand_param, 6, "query_tool_hand_param", before=(number,))
+
+    def set_tool_parameters(self, number: int, values: Sequence[float]) -> None:
+        self._lib.set_tool_hand_param(number, (ctypes.c_double * 6)(*values[:6]))
+
+    # ---- continuous motion -------------------------------------------------
+    def continuous_mode(self, on: bool) -> None:
+        self._lib.continuous_motion_mode(1 if on else 0)
+
+    def continuous_start(self) -> None:
+        self._lib.continuous_motion_start()
+
+    def continuous_suspend(self) -> None:
+        self._lib.continuous_motion_suspend()
+
+    def continuous_stop(self) -> None:
+        self._lib.continuous_motion_stop()
+
+    def send_queue(self, instructions: Iterable[Instruction]) -> None:
+        """Sends the instructions as one continuous-motion queue. A value out
+        of range refuses the whole queue (nothing is sent; the library logs
+        it)."""
+        records = [_record(i) for i in instructions]
+        array = (MotionRecord * len(records))(*records)
+        self._lib.send_continuous_motion_queue(array, len(records))
+
+
+def _put(struct: ctypes.Structure, field: str, text: str) -> None:
+    """Sets a fixed-size text field (NUL included), shortened to fit."""
+    size = getattr(type(struct), field).size
+    setattr(struct, field, text.encode("latin-1")[: size - 1])
+
+
+def _record(instruction: Instruction) -> MotionRecord:
+    record = MotionRecord()
+    if isinstance(instruction, Move):
+        record.type = int(instruction.kind)
+        move = record.u.move
+        move.velocity.value = instruction.velocity
+        move.vUnit = int(instruction.unit)
+        move.acc.value = instruction.acc
+        move.dec.value = instruction.dec
+        move.pl.value = instruction.blending
+        move.ctype = int(instruction.coord)
+        _put(move, "positionId", instruction.name)
+        _put(move.pos, "name", instruction.name)
+        move.pos.ctype = int(instruction.coord)
+        for i, value in enumerate(instruction.target[:21]):
+            move.pos.data[i] = value
+    elif isinstance(instruction, Wait):
+        record.type = 7
+        record.u.timer.duration.value = instruction.seconds
+    elif isinstance(instruction, DigitalOut):
+        record.type = 16
+        record.u.io.portId = instruction.port
+        record.u.io.portValue = 1 if instruction.on else 0
+    else:
+        raise TypeError(f"not a queue instruction: {instruction!r}")
+    return record

@@ -1,0 +1,63 @@
+#pragma once
+// What the host API's extensions (the qrx_ functions) share with the rest of
+// the API: the wait policy that requestAndWait() follows, the table of which
+// reply answers which query, and the hooks each new Robot gets.
+//
+// With nothing set the policy is the plain request-and-wait: no bound, any
+// waking reply ends the wait.
+
+#include <QVector>
+#include <QtGlobal>
+
+class Robot;
+
+namespace qrx::api {
+
+// The bound of the calling thread's request-and-wait calls, in ms (0:
+// none): the host's bound for every call unless a ScopedWaitBound is active.
+int waitBoundMs();
+
+// Bounds the calling thread's request-and-wait calls while it lives (ms,
+// at least 1), whatever the host's own bound is.
+class ScopedWaitBound
+{
+public:
+    explicit ScopedWaitBound(int ms);
+    ~ScopedWaitBound();
+    ScopedWaitBound(const ScopedWaitBound &) = delete;
+    ScopedWaitBound &operator=(const ScopedWaitBound &) = delete;
+
+private:
+    int m_previous;
+};
+
+// Whether a getter's wait ends only on the reply that answers its query.
+bool matchedReplies();
+
+// The reply code that answers a query code (0 when the table has none).
+quint16 replyCodeFor(quint16 query);
+
+// Every reply code of that table, once each.
+QVector<quint16> answeringReplyCodes();
+
+// How many replies of that code the Robot has taken so far. Read and
+// counted under the Robot's replyMutex; codes outside the table stay 0.
+quint64 replyCount(const Robot *robot, quint16 reply);
+
+// Brackets a wait for a matched reply. Only while one runs does a counted
+// reply wake the waiters itself: without one, the threads waiting see
+// exactly the wakes of the Robot's handlers. Called under the replyMutex.
+void beginMatchedWait();
+void endMatchedWait();
+
+// Records how the calling thread's last request-and-wait call ended.
+void setLastCallTimedOut(bool timedOut);
+
+// Counts the table's replies as the Robot's link takes them.
+void attachReplyCounters(Robot *robot);
+
+// Called once a Robot becomes the API's robot (before its link starts):
+// hooks the reply counters and the connection events to its link.
+void attachExtensions(Robot *robot);
+
+} // namespace qrx::api
