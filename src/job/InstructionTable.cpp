@@ -1,5 +1,7 @@
 #include "job/InstructionTable.h"
 
+#include "job/LineForms.h"
+
 #include <array>
 #include <string>
 #include <unordered_map>
@@ -275,6 +277,17 @@ const std::vector<int> &typesOfKeyword(std::string_view keyword)
     static const std::vector<int> none;
     const auto it = byKeyword.find(std::string(keyword));
     return it == byKeyword.end() ? none : it->second;
+}
+
+const std::vector<int> &typesOfLine(std::string_view line)
+{
+    std::string_view word = leadingKeyword(line);
+    for (; !word.empty(); word.remove_suffix(1)) {
+        const std::vector<int> &types = typesOfKeyword(word);
+        if (!types.empty())
+            return types;
+    }
+    return typesOfKeyword(word);
 }
 
 const char *instructionKeyword(int type)

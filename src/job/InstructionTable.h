@@ -22,6 +22,11 @@ const std::vector<InstructionEntry> &instructionTable();
 // is not one of the job language.
 const std::vector<int> &typesOfKeyword(std::string_view keyword);
 
+// The types of an instruction line: those of the longest start of its
+// leading word that is a keyword ("#" for a note "#text", "AIN" for
+// "AIN5"); empty when none is.
+const std::vector<int> &typesOfLine(std::string_view line);
+
 // The leading word of a type's line, or null.
 const char *instructionKeyword(int type);
 

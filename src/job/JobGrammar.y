@@ -39,7 +39,7 @@ declarations
     ;
 
 declaration
-    : T_IDENT '=' values                { if (!driver.addRecord($1.view())) YYABORT; }
+    : T_IDENT '=' values                { if (!driver.addRecord($1.view(), $1.line)) YYABORT; }
     | T_INTV T_IDENT '=' T_NUMBER       { if (!driver.addVariable(0, $2.view(), $4.view())) YYABORT; }
     | T_FLOATV T_IDENT '=' T_NUMBER     { if (!driver.addVariable(1, $2.view(), $4.view())) YYABORT; }
     | T_BOOLV T_IDENT '=' T_NUMBER      { if (!driver.addVariable(2, $2.view(), $4.view())) YYABORT; }
@@ -57,9 +57,9 @@ value
 
 instructionSection
     : T_INSTRUCTION T_EOL headerKeys
-      T_NOP T_EOL                       { driver.addInstruction("NOP"); }
+      T_NOP T_EOL                       { driver.addInstruction("NOP", $4.line); }
       instructions
-      T_END                             { driver.addInstruction("END"); }
+      T_END                             { driver.addInstruction("END", $8.line); }
       lineEnds
     ;
 
@@ -69,7 +69,7 @@ headerKeys
     ;
 
 headerKey
-    : T_DATE
+    : T_DATE                            { driver.setHeader(3, $1.view()); }
     | T_ROBOTTYPE                       { driver.setHeader(0, $1.view()); }
     | T_DOUBLEROBOT                     { driver.setHeader(1, $1.view()); }
     | T_PROVERSION                      { driver.setHeader(2, $1.view()); }
@@ -77,7 +77,7 @@ headerKey
 
 instructions
     : %empty
-    | instructions T_LINE               { if (!driver.addInstruction($2.view())) YYABORT; }
+    | instructions T_LINE               { if (!driver.addInstruction($2.view(), $2.line)) YYABORT; }
       T_EOL
     ;
 

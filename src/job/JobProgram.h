@@ -36,6 +36,7 @@ public:
     std::string version;     // "PROVERSION = [...]"; empty writes "1.0.5"
     std::string robotType;   // "ROBOTTYPE = [...]"
     std::string doubleRobot; // "DOUBLEROBOT = [...]"
+    std::string date;        // "///DATE ..." of the file read; the writer takes its own
 
     // Puts an instruction just before END and returns it.
     Command *insert(std::unique_ptr<Command> command);

@@ -72,12 +72,17 @@ std::unique_ptr<JobProgram> JobReadDriver::read(std::string_view text)
 
 void JobReadDriver::error(const char *message)
 {
-    m_errorLine = lineNo;
+    error(message, lineNo);
+}
+
+void JobReadDriver::error(const char *message, int line)
+{
+    m_errorLine = line;
     m_errorMessage = message ? message : "";
     m_out << "[KVRSM]Parse error:";
     if (message)
         m_out << message;
-    m_out << " at line no: " << lineNo << '\n';
+    m_out << " at line no: " << line << '\n';
     if (!token.empty())
         m_out << "text : " << token << '\n';
     m_out.flush();
@@ -88,7 +93,7 @@ void JobReadDriver::setName(std::string_view name)
     m_program->name = std::string(name);
 }
 
-bool JobReadDriver::addRecord(std::string_view name)
+bool JobReadDriver::addRecord(std::string_view name, int line)
 {
     std::vector<Value> values;
     values.swap(m_values);
@@ -99,7 +104,7 @@ bool JobReadDriver::addRecord(std::string_view name)
     if (values.size() != std::size_t(RobotPos::kCoordinates)) {
         const std::string message = "position " + std::string(name) + " has " + std::to_string(values.size())
             + " coordinates, not " + std::to_string(RobotPos::kCoordinates);
-        error(message.c_str());
+        error(message.c_str(), line);
         return false;
     }
     auto position = std::make_unique<RobotPos>();
@@ -135,11 +140,14 @@ bool JobReadDriver::addVariable(int kind, std::string_view name, std::string_vie
 
 void JobReadDriver::setHeader(int key, std::string_view value)
 {
-    std::string &target = key == 0 ? m_program->robotType : key == 1 ? m_program->doubleRobot : m_program->version;
+    std::string &target = key == 0 ? m_program->robotType
+        : key == 1                 ? m_program->doubleRobot
+        : key == 2                 ? m_program->version
+                                   : m_program->date;
     target = std::string(value);
 }
 
-bool JobReadDriver::addInstruction(std::string_view line)
+bool JobReadDriver::addInstruction(std::string_view line, int lineNumber)
 {
     if (line == "NOP" || line == "END") {
         m_program->instructions.push_back(std::make_unique<DummyCommand>(31, std::string(line)));
@@ -152,14 +160,14 @@ bool JobReadDriver::addInstruction(std::string_view line)
         return true;
     }
     std::string missing;
-    auto command = parseInstructionLine(line, typesOfKeyword(leadingKeyword(line)), &m_program->positions, &missing);
+    auto command = parseInstructionLine(line, typesOfLine(line), &m_program->positions, &missing);
     if (!command) {
-        error("syntax error");
+        error("syntax error", lineNumber);
         return false;
     }
     if (!missing.empty()) {
         m_out << missing << "] NOT FOUND!" << '\n';
-        m_missing.emplace_back(lineNo, missing);
+        m_missing.emplace_back(lineNumber, missing);
     }
     m_program->instructions.push_back(std::move(command));
     return true;

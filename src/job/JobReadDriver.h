@@ -18,6 +18,7 @@ struct JobTokenValue
 {
     const char *text;
     int length;
+    int line; // the line counter when the token was scanned
     std::string_view view() const { return std::string_view(text, std::size_t(length)); }
 };
 
@@ -42,12 +43,13 @@ public:
     int lineNo = 0;
     std::string_view token; // the current token, for the error report
     void error(const char *message);
+    void error(const char *message, int line); // a line other than the counter's
     void setName(std::string_view name);
     void addValue(std::string_view text, bool number) { m_values.push_back({text, number}); }
-    bool addRecord(std::string_view name);
+    bool addRecord(std::string_view name, int line);
     bool addVariable(int kind, std::string_view name, std::string_view value); // 0 int, 1 float, 2 bool
-    void setHeader(int key, std::string_view value); // 0 robot type, 1 double robot, 2 version
-    bool addInstruction(std::string_view line);
+    void setHeader(int key, std::string_view value); // 0 robot type, 1 double robot, 2 version, 3 date
+    bool addInstruction(std::string_view text, int line);
 
 private:
     struct Value

@@ -235,6 +235,15 @@ bool parseNumber(std::string_view text, int &value)
     return result.ec == std::errc() && result.ptr == text.data() + text.size();
 }
 
+// A variable name: no spaces, and not the start of a number.
+bool isVariableName(std::string_view text)
+{
+    if (text.empty() || text.find(' ') != std::string_view::npos)
+        return false;
+    const char c = text.front();
+    return !((c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.');
+}
+
 bool assign(Command &command, const FieldAtom &atom, std::string_view text)
 {
     void *member = atom.get(command);
@@ -244,8 +253,11 @@ bool assign(Command &command, const FieldAtom &atom, std::string_view text)
     case FieldAtom::Double:
     case FieldAtom::SpeedData:
         return parseNumber(text, *static_cast<double *>(member));
-    case FieldAtom::String:
     case FieldAtom::SpeedName:
+        if (!isVariableName(text))
+            return false;
+        [[fallthrough]];
+    case FieldAtom::String:
         *static_cast<std::string *>(member) = std::string(text);
         return true;
     case FieldAtom::Parameter: {
@@ -256,7 +268,7 @@ bool assign(Command &command, const FieldAtom &atom, std::string_view text)
         }
         parameter->value = 1;
         parameter->varname = std::string(text);
-        return !text.empty();
+        return isVariableName(text);
     }
     case FieldAtom::Condition:
         return parseConditionText(text, *static_cast<CommandConditionFINAL *>(member));
