@@ -2,6 +2,7 @@
 
 #include "job/LineForms.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <unordered_map>
@@ -281,7 +282,13 @@ const std::vector<int> &typesOfKeyword(std::string_view keyword)
 
 const std::vector<int> &typesOfLine(std::string_view line)
 {
-    std::string_view word = leadingKeyword(line);
+    static const std::size_t longest = [] {
+        std::size_t n = 0;
+        for (const InstructionEntry &entry : kEntries)
+            n = std::max(n, std::char_traits<char>::length(entry.keyword));
+        return n;
+    }();
+    std::string_view word = leadingKeyword(line.substr(0, longest)); // a long line costs no more
     for (; !word.empty(); word.remove_suffix(1)) {
         const std::vector<int> &types = typesOfKeyword(word);
         if (!types.empty())

@@ -215,6 +215,18 @@ struct Builder
             if (s == selectors.size())
                 break;
         }
+        // The form with more literal text is the more specific one: tried
+        // first, a speed "VJ = 50 %" is read as a speed, not as part of the
+        // target's name of a form without speed.
+        const auto literalLength = [](const LineForm &form) {
+            std::size_t n = 0;
+            for (const LineForm::Piece &piece : form.pieces)
+                n += piece.literal.size();
+            return n;
+        };
+        std::stable_sort(forms.begin(), forms.end(), [&](const LineForm &a, const LineForm &b) {
+            return literalLength(a) > literalLength(b);
+        });
         return forms;
     }
 };
