@@ -267,7 +267,7 @@ const std::vector<InstructionEntry> &instructionTable()
 const std::vector<int> &typesOfKeyword(std::string_view keyword)
 {
     static const auto byKeyword = [] {
-        std::unordered_map<std::string, std::vector<int>> map;
+        std::unordered_map<std::string_view, std::vector<int>> map;
         for (const InstructionEntry &entry : kEntries) {
             auto &types = map[entry.keyword];
             if (types.empty() || types.back() != entry.type)
@@ -276,7 +276,7 @@ const std::vector<int> &typesOfKeyword(std::string_view keyword)
         return map;
     }();
     static const std::vector<int> none;
-    const auto it = byKeyword.find(std::string(keyword));
+    const auto it = byKeyword.find(keyword);
     return it == byKeyword.end() ? none : it->second;
 }
 

@@ -289,19 +289,17 @@ bool assign(Command &command, const FieldAtom &atom, std::string_view text)
     }
 }
 
-std::unique_ptr<Command> tryForm(const LineForm &form, const FieldAtoms &atoms, std::string_view line)
+// The slot texts of `line` under `form`, in piece order; false when the
+// literals do not match. Allocates nothing: most forms tried fail here.
+bool cutLine(const LineForm &form, std::string_view line, std::vector<std::string_view> &values)
 {
-    auto command = newCommand(form.type);
-    if (!command)
-        return nullptr;
-    for (const LineForm::Choice &choice : form.choices)
-        setSelector(*command, atoms[std::size_t(choice.atom)], choice.value);
+    values.clear();
     std::size_t pos = 0;
     for (std::size_t i = 0; i < form.pieces.size(); ++i) {
         const LineForm::Piece &piece = form.pieces[i];
         if (piece.atom < 0) {
             if (line.substr(pos, piece.literal.size()) != piece.literal)
-                return nullptr;
+                return false;
             pos += piece.literal.size();
             continue;
         }
@@ -310,14 +308,29 @@ std::unique_ptr<Command> tryForm(const LineForm &form, const FieldAtoms &atoms, 
             const LineForm::Piece &next = form.pieces[i + 1];
             end = next.atom < 0 ? line.find(next.literal, pos) : line.find(' ', pos);
             if (end == std::string_view::npos)
-                return nullptr;
+                return false;
         }
-        if (!assign(*command, atoms[std::size_t(piece.atom)], line.substr(pos, end - pos)))
-            return nullptr;
+        values.push_back(line.substr(pos, end - pos));
         pos = end;
     }
-    if (pos != line.size())
+    return pos == line.size();
+}
+
+std::unique_ptr<Command> tryForm(const LineForm &form, const FieldAtoms &atoms, std::string_view line)
+{
+    thread_local std::vector<std::string_view> values;
+    if (!cutLine(form, line, values))
         return nullptr;
+    auto command = newCommand(form.type);
+    if (!command)
+        return nullptr;
+    for (const LineForm::Choice &choice : form.choices)
+        setSelector(*command, atoms[std::size_t(choice.atom)], choice.value);
+    std::size_t slot = 0;
+    for (const LineForm::Piece &piece : form.pieces) {
+        if (piece.atom >= 0 && !assign(*command, atoms[std::size_t(piece.atom)], values[slot++]))
+            return nullptr;
+    }
     return command;
 }
 
