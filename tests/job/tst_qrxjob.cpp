@@ -25,7 +25,9 @@ Run run(const QStringList &arguments)
 {
     QProcess process;
     process.start(QStringLiteral(QRX_JOB_TOOL), arguments);
-    if (!process.waitForFinished(60000))
+    if (!process.waitForStarted(60000))
+        qFatal("qrx-job did not start: %s", qPrintable(process.errorString()));
+    if (!process.waitForFinished(120000))
         qFatal("qrx-job did not finish");
     return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
             QString::fromUtf8(process.readAllStandardError())};
