@@ -6,6 +6,7 @@
 
 #include <json/value.h>
 #include <memory>
+#include <vector>
 
 namespace qrx {
 
@@ -18,6 +19,10 @@ std::unique_ptr<Command> newCommand(int type);
 // then the object reads itself with fromJson(json, table). Null for the
 // codes that create nothing (the caller skips them).
 std::unique_ptr<Command> createCommand(const Json::Value &json, PositionTable *table);
+
+struct FieldAtom;
+// The fields of the class of a type code as the reader fills them, or null.
+const std::vector<FieldAtom> *commandFieldAtoms(int type);
 
 // The class name of a type code ("MoveCommand"), or null.
 const char *commandClassName(int type);

@@ -1,6 +1,9 @@
 #include "job/MoveCommand.h"
 
+#include "job/InstructionTable.h"
 #include "job/RenderHelpers.h"
+
+#include <cstring>
 
 namespace qrx {
 
@@ -8,20 +11,16 @@ using namespace render;
 
 namespace {
 
-const Keywords kKeywords = {
-    {1, "MOVJ "},           {2, "MOVL "},           {3, "MOVC "},
-    {4, "MOVCA "},          {5, "IMOV "},           {6, "MOVS "},
-    {28, "CIL "},           {32, "MOVJEXT "},       {33, "MOVLEXT "},
-    {34, "MOVCEXT "},       {54, "CILEXT_BEGIN "},  {55, "CILEXT_MOVE "},
-    {56, "MOVJDOUBLE "},    {57, "MOVLDOUBLE "},    {58, "MOVCDOUBLE "},
-    {59, "MOVCADOUBLE "},   {60, "SAMOV "},         {63, "LASER_CIRCLE "},
-    {64, "LASER_RECTANGLE "}, {65, "LASER_MIDDLEHOLE "}, {66, "LASER_HEX "},
-    {109, "POLISH_EDGE "},
-};
 
 bool between(int type, int low, int high)
 {
     return type >= low && type <= high;
+}
+
+bool isMotionType(int type)
+{
+    return between(type, 1, 6) || type == 28 || between(type, 32, 34) || between(type, 54, 60)
+        || between(type, 63, 66) || type == 109;
 }
 
 // The types that carry the time parameter: 1-6, 28, 32-34, 56-60, 63, 109.
@@ -69,7 +68,12 @@ const FieldList<MoveCommand> &MoveCommand::fields()
 
 const char *MoveCommand::keyword(int type)
 {
-    return pick(type, kKeywords);
+    // The motion keywords are the instruction table's (the word the reader
+    // scans), written with the space that follows them.
+    if (!isMotionType(type))
+        return nullptr;
+    const char *word = instructionKeyword(type);
+    return word && std::strcmp(word, "///") != 0 ? word : nullptr;
 }
 
 void MoveCommand::fromJson(const Json::Value &json, PositionTable *table)
@@ -109,6 +113,7 @@ std::string MoveCommand::body() const
     std::string line;
     if (word && (posidtype == 0 || posidtype == 1)) {
         line = word;
+        line += ' ';
         line += target(posidtype, posidname, m_positionId);
         if (type == 63) {
             line += " R = " + num(radius);

@@ -29,7 +29,8 @@ public:
     virtual Json::Value positionJson() const;
 
     static const FieldList<MoveCommand> &fields();
-    // The keyword of a motion type code, or null when it has none.
+    // The keyword of a motion type code (without its trailing space), or
+    // null when it has none.
     static const char *keyword(int type);
 
     double velocity = 0.0;
