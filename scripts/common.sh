@@ -5,7 +5,8 @@ ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD="${QRX_BUILD_DIR:-$ROOT/build}"
 
 QRX_PACKAGES=(cmake ninja-build g++ pkg-config qtbase5-dev qtbase5-dev-tools
-  libjsoncpp-dev zlib1g-dev libbenchmark-dev flex bison python3)
+  libjsoncpp-dev zlib1g-dev libbenchmark-dev flex bison python3
+  clang libclang-rt-14-dev)
 
 qrx_install_missing() {
   local missing=()
