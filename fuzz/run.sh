@@ -33,7 +33,7 @@ for target in "${targets[@]}"; do
   echo "== $target: ${SECONDS_EACH}s"
   status=0
   (cd "$BUILD" && "./fuzz/$target" "${options[@]}" "${dirs[@]}") >"$BUILD/$target.log" 2>&1 || status=$?
-  grep -E '^(#[0-9]+ +DONE|stat::number_of_executed_units|stat::average_exec_per_sec)' "$BUILD/$target.log" || true
+  grep -E '^(#[0-9]+[[:space:]]+DONE|stat::number_of_executed_units|stat::average_exec_per_sec)' "$BUILD/$target.log" || true
   if [ "$status" -ne 0 ]; then
     tail -n 60 "$BUILD/$target.log"
     echo "$target failed (exit $status)"

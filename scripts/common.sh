@@ -6,7 +6,8 @@ BUILD="${QRX_BUILD_DIR:-$ROOT/build}"
 
 QRX_PACKAGES=(cmake ninja-build g++ pkg-config qtbase5-dev qtbase5-dev-tools
   libjsoncpp-dev zlib1g-dev libbenchmark-dev flex bison python3
-  qttools5-dev qttools5-dev-tools xvfb xauth x11-utils fonts-wqy-microhei)
+  qttools5-dev qttools5-dev-tools xvfb xauth x11-utils fonts-wqy-microhei
+  clang libclang-rt-14-dev)
 QRX_PACKAGES+=(tshark) # the dissector's test reads captures with it
 QRX_PACKAGES+=(python3-pytest python3-setuptools python3-wheel python3-pip)
 

@@ -128,6 +128,10 @@ void applyEnvironmentLanguage();
 
 } // namespace qrx::api
 
+// Names an exported function that leaves the link test to a shared helper,
+// so that the helper's log lines name the exported function.
+#define QRX_API_FUNCTION() const ::qrx::api::ApiCall qrxApiFunction(__func__)
+
 // Early return of every exported function without a link:
 //   QRX_ROBOT_OR_RETURN(robot);          in a void function
 //   QRX_ROBOT_OR_RETURN(robot, 0);       in a function with a result

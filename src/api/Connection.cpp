@@ -46,10 +46,13 @@ Robot *robotFor(const QString &ip)
     QObject *context = libraryContext();
     if (!context || context->thread() == QThread::currentThread())
         return Robot::instance(ip);
-    Robot *robot = nullptr;
+    // Handed over through an atomic: what the other thread built is seen
+    // here in full (also by ThreadSanitizer, which cannot see Qt's wait).
+    std::atomic<Robot *> robot{nullptr};
     QMetaObject::invokeMethod(
-        context, [&] { robot = Robot::instance(ip); }, Qt::BlockingQueuedConnection);
-    return robot;
+        context, [&] { robot.store(Robot::instance(ip), std::memory_order_release); },
+        Qt::BlockingQueuedConnection);
+    return robot.load(std::memory_order_acquire);
 }
 
 } // namespace

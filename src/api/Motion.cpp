@@ -76,21 +76,25 @@ extern "C" {
 
 void robot_movj(double *pos, int vel, int coord, int acc, int dec)
 {
+    QRX_API_FUNCTION();
     sendMove(code::MoveJoint, pos, kRobotPos, vel, coord, acc, dec);
 }
 
 void robot_movl(double *pos, int vel, int coord, int acc, int dec)
 {
+    QRX_API_FUNCTION();
     sendMove(code::MoveLinear, pos, kRobotPos, vel, coord, acc, dec);
 }
 
 void robot_movc(double *posOne, double *posTwo, double *posThree, int vel, int coord, int acc, int dec)
 {
+    QRX_API_FUNCTION();
     sendCircle(code::MoveCircle, posOne, posTwo, posThree, kRobotPos, vel, coord, acc, dec, Circle::Arc);
 }
 
 void robot_movca(double *posOne, double *posTwo, double *posThree, int vel, int coord, int acc, int dec)
 {
+    QRX_API_FUNCTION();
     sendCircle(code::MoveCircle, posOne, posTwo, posThree, kRobotPos, vel, coord, acc, dec, Circle::Full);
 }
 
@@ -115,6 +119,7 @@ void robot_movs(int count, double **pos, int vel, int coord, int acc, int dec)
 
 void robot_extra_movj(double *pos, int vel, int coord, int acc, int dec)
 {
+    QRX_API_FUNCTION();
     sendMove(code::MoveJointExtra, pos, kExtraPos, vel, coord, acc, dec);
 }
 
@@ -130,6 +135,7 @@ void robot_extra_movl(double *pos, int vel, int coord)
 
 void robot_extra_movc(double *posOne, double *posTwo, double *posThree, int vel, int coord, int acc, int dec)
 {
+    QRX_API_FUNCTION();
     sendCircle(code::MoveCircleExtra, posOne, posTwo, posThree, kExtraPos, vel, coord, acc, dec, Circle::NoFlag);
 }
 

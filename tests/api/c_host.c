@@ -7,6 +7,7 @@
  * Usage: c_host [address]   (exit status 0 when every check held)
  */
 #include "qrx_host.h"
+#include "wire_frame.h"
 
 #include <arpa/inet.h>
 #include <math.h>
@@ -18,7 +19,6 @@
 #include <sys/socket.h>
 #include <time.h>
 #include <unistd.h>
-#include <zlib.h>
 
 #define MAX_FRAMES 512
 #define MAX_PAYLOAD 1024
@@ -53,29 +53,10 @@ static double nowSeconds(void)
     return (double)ts.tv_sec + ts.tv_nsec / 1e9;
 }
 
-static size_t encode(unsigned code, const char *payload, unsigned char *out)
-{
-    size_t length = strlen(payload);
-    uLong crc;
-    out[0] = 0x4E;
-    out[1] = 0x66;
-    out[2] = (unsigned char)(length >> 8);
-    out[3] = (unsigned char)length;
-    out[4] = (unsigned char)(code >> 8);
-    out[5] = (unsigned char)code;
-    memcpy(out + 6, payload, length);
-    crc = crc32(0L, out + 2, (uInt)(length + 4));
-    out[6 + length] = (unsigned char)(crc >> 24);
-    out[7 + length] = (unsigned char)(crc >> 16);
-    out[8 + length] = (unsigned char)(crc >> 8);
-    out[9 + length] = (unsigned char)crc;
-    return length + 10;
-}
-
 static void sendFrame(unsigned code, const char *payload)
 {
     unsigned char bytes[MAX_PAYLOAD + 10];
-    size_t size = encode(code, payload, bytes);
+    size_t size = wire_encode(code, payload, bytes);
     pthread_mutex_lock(&lock);
     if (client >= 0 && write(client, bytes, size) != (ssize_t)size)
         fprintf(stderr, "short write\n");

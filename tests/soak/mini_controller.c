@@ -1,4 +1,5 @@
 #include "mini_controller.h"
+#include "wire_frame.h"
 
 #include <arpa/inet.h>
 #include <dirent.h>
@@ -10,7 +11,6 @@
 #include <time.h>
 #include <sys/socket.h>
 #include <unistd.h>
-#include <zlib.h>
 
 static pthread_t thread;
 static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
@@ -38,21 +38,8 @@ static void count(unsigned code)
 static void sendFrame(int fd, unsigned code, const char *payload)
 {
     unsigned char out[512];
-    size_t length = strlen(payload);
-    uLong crc;
-    out[0] = 0x4E;
-    out[1] = 0x66;
-    out[2] = (unsigned char)(length >> 8);
-    out[3] = (unsigned char)length;
-    out[4] = (unsigned char)(code >> 8);
-    out[5] = (unsigned char)code;
-    memcpy(out + 6, payload, length);
-    crc = crc32(0L, out + 2, (uInt)(length + 4));
-    out[6 + length] = (unsigned char)(crc >> 24);
-    out[7 + length] = (unsigned char)(crc >> 16);
-    out[8 + length] = (unsigned char)(crc >> 8);
-    out[9 + length] = (unsigned char)crc;
-    if (write(fd, out, length + 10) < 0)
+    size_t size = wire_encode(code, payload, out);
+    if (write(fd, out, size) < 0)
         perror("write");
 }
 
