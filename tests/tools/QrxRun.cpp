@@ -8,6 +8,8 @@ void startQrx(QProcess &process, const QString &host, const QStringList &args)
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QRX_HOST"), host);
     env.remove(QStringLiteral("QT_LOGGING_RULES"));
+    // qrx is a terminal program: it runs without the test's offscreen platform.
+    env.remove(QStringLiteral("QT_QPA_PLATFORM"));
     process.setProcessEnvironment(env);
     process.setProgram(QStringLiteral(QRX_CLI_PATH));
     process.setArguments(args);
