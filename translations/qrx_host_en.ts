@@ -569,4 +569,139 @@
         <translation>Connection timed out, disconnecting</translation>
     </message>
 </context>
+<context>
+    <name>TcpUpDownFile</name>
+    <message>
+        <source>socket连接失败.....</source>
+        <translation>Socket connection failed.....</translation>
+    </message>
+    <message>
+        <source> 上传失败！</source>
+        <translation> upload failed!</translation>
+    </message>
+    <message>
+        <source>上传文件中，不允许上传文件</source>
+        <translation>An upload is in progress; no other upload is allowed</translation>
+    </message>
+    <message>
+        <source>无法读取上传程序：</source>
+        <translation>Cannot read the program to upload: </translation>
+    </message>
+    <message>
+        <source>控制器拒绝上传程序：</source>
+        <translation>The controller refused the program upload: </translation>
+    </message>
+    <message>
+        <source>文件【</source>
+        <translation>File [</translation>
+    </message>
+    <message>
+        <source>】无法打开</source>
+        <translation>] cannot be opened</translation>
+    </message>
+    <message>
+        <source>上传控制器软件失败</source>
+        <translation>Uploading the controller software failed</translation>
+    </message>
+    <message>
+        <source>导入配置文件失败</source>
+        <translation>Importing the configuration file failed</translation>
+    </message>
+    <message>
+        <source>导入配置参数文件-%1</source>
+        <translation>Importing configuration parameter file - %1</translation>
+    </message>
+    <message>
+        <source>导入程序-%1</source>
+        <translation>Importing program - %1</translation>
+    </message>
+    <message>
+        <source>控制器发送数据有误</source>
+        <translation>The controller sent invalid data</translation>
+    </message>
+    <message>
+        <source>程序发送数目不正确</source>
+        <translation>The controller sent the wrong number of programs</translation>
+    </message>
+    <message>
+        <source>控制器发送的文件名不安全，已中止传输：</source>
+        <translation>The controller sent an unsafe file name, transfer aborted: </translation>
+    </message>
+    <message>
+        <source>控制器发送文件名个数不符</source>
+        <translation>The number of file names sent by the controller does not match</translation>
+    </message>
+    <message>
+        <source>下载日志文件出现问题，请重新下载</source>
+        <translation>Downloading the log files went wrong, please download again</translation>
+    </message>
+    <message>
+        <source>下载文件出现问题，请重新下载</source>
+        <translation>Downloading the files went wrong, please download again</translation>
+    </message>
+    <message>
+        <source>控制器拒绝下载配置文件</source>
+        <translation>The controller refused the configuration file download</translation>
+    </message>
+    <message>
+        <source>控制器拒绝下载日志文件</source>
+        <translation>The controller refused the log file download</translation>
+    </message>
+    <message>
+        <source>控制器拒绝下载程序</source>
+        <translation>The controller refused the program download</translation>
+    </message>
+    <message>
+        <source>文件名有误：</source>
+        <translation>Wrong file name: </translation>
+    </message>
+    <message>
+        <source>程序下载失败：</source>
+        <translation>Program download failed: </translation>
+    </message>
+    <message>
+        <source>无法创建配置文件路径，无法继续下载</source>
+        <translation>Cannot create the configuration file folder, the download cannot continue</translation>
+    </message>
+    <message>
+        <source>无法创建日志文件路径，无法继续下载</source>
+        <translation>Cannot create the log file folder, the download cannot continue</translation>
+    </message>
+    <message>
+        <source>无法创建ENI文件路径，无法继续下载</source>
+        <translation>Cannot create the ENI file folder, the download cannot continue</translation>
+    </message>
+    <message>
+        <source>无法创建配置文件【</source>
+        <translation>Cannot create configuration file [</translation>
+    </message>
+    <message>
+        <source>】失败</source>
+        <translation>]</translation>
+    </message>
+    <message>
+        <source>无法创建日志文件【</source>
+        <translation>Cannot create log file [</translation>
+    </message>
+    <message>
+        <source>】</source>
+        <translation>]</translation>
+    </message>
+    <message>
+        <source>无法创建ENI文件【</source>
+        <translation>Cannot create ENI file [</translation>
+    </message>
+    <message>
+        <source>创建文件失败</source>
+        <translation>Creating the file failed</translation>
+    </message>
+    <message>
+        <source>控制器发送的日志列表为空，无法导出控制器日志</source>
+        <translation>The log list sent by the controller is empty, the controller logs cannot be exported</translation>
+    </message>
+    <message>
+        <source>控制器发送的ENI列表为空，无法导出控制器ENI</source>
+        <translation>The ENI list sent by the controller is empty, the controller ENI files cannot be exported</translation>
+    </message>
+</context>
 </TS>
