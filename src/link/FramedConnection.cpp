@@ -207,9 +207,13 @@ void FramedConnection::onStateChanged(QAbstractSocket::SocketState socketState)
 
 void FramedConnection::onReadyRead()
 {
-    if (!m_socket)
+    // A listener may spin an event loop (the mode report's pause) in which
+    // the socket is replaced and its deferred delete runs: this reference
+    // keeps the socket whose readyRead we are in alive until we return.
+    const QSharedPointer<TcpSocket> socket = m_socket;
+    if (!socket)
         return;
-    m_unread.append(m_socket->readAll());
+    m_unread.append(socket->readAll());
     // A listener that spins an event loop may bring us back here while
     // frames are being handed out: the bytes then wait for the outer loop.
     if (m_decoding)
