@@ -92,7 +92,11 @@ public:
         } else if (was == LinkState::Up) {
             m_state.store(LinkState::Down);
             const int reason = dropReason(link);
-            qCWarning(lcApi) << "controller link dropped:" << reasonText(reason);
+            // A close the host asked for is no fault: an information line only.
+            if (reason == QRX_LINK_REASON_CLOSED_BY_HOST)
+                qCInfo(lcApi) << "controller link dropped:" << reasonText(reason);
+            else
+                qCWarning(lcApi) << "controller link dropped:" << reasonText(reason);
             notify(QRX_LINK_DROPPED, reason);
         }
     }
