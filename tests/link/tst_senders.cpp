@@ -107,10 +107,15 @@ void TestSenders::cleanupTestCase()
     m_sim.reset();
 }
 
+// Connected on both ends: the link says so, and the simulator counts this
+// link as its one client (the last row's link has gone), so what the
+// simulator sends next reaches it.
 void TestSenders::connectModule(TcpConnectModule &module)
 {
+    QTRY_COMPARE_WITH_TIMEOUT(m_sim->clientCount(), 0, kWaitMs);
     module.start();
     QTRY_VERIFY_WITH_TIMEOUT(module.connectStatus(), kWaitMs);
+    QTRY_COMPARE_WITH_TIMEOUT(m_sim->clientCount(), 1, kWaitMs);
 }
 
 // Every send slot: what it is called with, the robot the state model
