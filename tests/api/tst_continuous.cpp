@@ -3,6 +3,7 @@
 // under "data" (0x50B4), the variable classes, the range report, and what
 // the simulated controller makes of it all.
 
+#include "QueueRecords.h"
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 #include "sim/SimHandle.h"
@@ -27,35 +28,10 @@ namespace {
 
 const QString kOutOfRange = QStringLiteral("参数值超限");
 
-qrx_motion_record record(int type)
-{
-    qrx_motion_record r;
-    std::memset(&r, 0, sizeof r);
-    r.type = type;
-    return r;
-}
-
-template <std::size_t N>
-void put(char (&field)[N], const char *text)
-{
-    qstrncpy(field, text, N);
-}
-
-qrx_param constant(double value)
-{
-    qrx_param p;
-    std::memset(&p, 0, sizeof p);
-    p.value = value;
-    return p;
-}
-
-qrx_param variable(const char *word, const char *name)
-{
-    qrx_param p = constant(0.0);
-    put(p.varType, word);
-    put(p.varName, name);
-    return p;
-}
+using queuerecords::constant;
+using queuerecords::put;
+using queuerecords::record;
+using queuerecords::variable;
 
 // MOVJ/MOVL to a position given with the record, speed in percent.
 qrx_motion_record move(int type, double speed, const char *target)
