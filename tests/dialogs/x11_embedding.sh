@@ -6,22 +6,21 @@
 #   x11_embedding.sh <qrx-sim> <address> <dialog_host> <x11_screenshot> <output folder>
 # Exit 77 (skipped) where Xvfb or the X11 utilities are missing.
 set -u
-if [ "${1:-}" != "--inside" ]; then
-    for tool in xvfb-run Xvfb xwininfo xmessage; do
-        if ! command -v "$tool" >/dev/null 2>&1; then
-            echo "SKIP: $tool is missing (install xvfb, xauth and x11-utils)"
-            exit 77
-        fi
-    done
-    exec xvfb-run -a -s "-screen 0 1024x768x24" "$0" --inside "$@"
-fi
-shift
+for tool in Xvfb xwininfo xmessage; do
+    if ! command -v "$tool" >/dev/null 2>&1; then
+        echo "SKIP: $tool is missing (install xvfb and x11-utils)"
+        exit 77
+    fi
+done
 SIM="$1" ADDRESS="$2" HOST="$3" SHOT="$4" OUT="$5"
 mkdir -p "$OUT"
 WORK="$(mktemp -d)"
 PIDS=()
+# Stops the programs in the reverse order of their start, the X server last.
 cleanup() {
-    for pid in "${PIDS[@]}"; do kill "$pid" 2>/dev/null; wait "$pid" 2>/dev/null; done
+    for ((i = ${#PIDS[@]} - 1; i >= 0; i--)); do
+        kill "${PIDS[i]}" 2>/dev/null; wait "${PIDS[i]}" 2>/dev/null
+    done
     rm -rf "$WORK"
 }
 trap cleanup EXIT
@@ -34,6 +33,15 @@ wait_for() {
     done
     return 1
 }
+
+# Xvfb picks a free display itself and writes its number once it accepts
+# clients (-displayfd): two servers started at once never share a number, as
+# they can when a display is chosen before the server owns it.
+Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$WORK/display" 2>"$WORK/xvfb.log" &
+PIDS+=($!)
+wait_for test -s "$WORK/display" || { echo "Xvfb did not start"; cat "$WORK/xvfb.log"; exit 1; }
+export DISPLAY=":$(head -n1 "$WORK/display")"
+echo "display $DISPLAY"
 
 "$SIM" --address "$ADDRESS" >"$WORK/sim.log" 2>&1 &
 PIDS+=($!)
