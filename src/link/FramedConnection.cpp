@@ -219,7 +219,14 @@ void FramedConnection::onReadyRead()
     if (m_decoding)
         return;
     m_decoding = true;
-    while (!m_unread.isEmpty()) {
+    for (;;) {
+        // Bytes that came while a listener's event loop ran are in the
+        // socket without a readyRead of their own (the socket does not
+        // announce them while this announcement is being handled).
+        if (m_unread.isEmpty() && socket == m_socket && socket->bytesAvailable() > 0)
+            m_unread = socket->readAll();
+        if (m_unread.isEmpty())
+            break;
         QByteArray bytes;
         bytes.swap(m_unread);
         m_receiveBuffer.feed(bytes, [this](quint16 command, const QByteArray &payload) {

@@ -225,6 +225,32 @@ private Q_SLOTS:
         QCOMPARE(frames.at(0).at(0).value<quint16>(), quint16(0x2F08));
     }
 
+    // A listener that spins an event loop for a while (as the mode report's
+    // pause does) while the controller sends its next frame: that frame is
+    // handed out once the listener returns, without waiting for more bytes
+    // to come (the socket does not announce bytes that arrived while its
+    // announcement was being handled).
+    void frameArrivingDuringAListenersEventLoop()
+    {
+        QVERIFY(openConnection(FramedConnection::mainLinkOptions()));
+        QSignalSpy frames(connection.get(), &FramedConnection::frameReceived);
+        const QByteArray second = qrx::encodeFrame(0x2F08, "{\"pos\":[2]}\n");
+        bool paused = false;
+        connect(connection.get(), &FramedConnection::frameReceived, &context, [&](quint16 command) {
+            if (command != 0x2103 || paused)
+                return;
+            paused = true;
+            peer->write(second);
+            peer->flush();
+            QTest::qWait(200);
+        });
+        peer->write(qrx::encodeFrame(0x2103, "{\"mode\":1}\n"));
+        peer->flush();
+        QTRY_COMPARE_WITH_TIMEOUT(frames.count(), 2, 5000);
+        QVERIFY(paused);
+        QCOMPARE(frames.at(1).at(0).value<quint16>(), quint16(0x2F08));
+    }
+
     // Closing is final: neither a drop nor the socket brings it back.
     void closingIsFinal()
     {
