@@ -136,5 +136,10 @@ def library() -> ctypes.CDLL:
     return _library
 
 
+def loaded() -> Optional[ctypes.CDLL]:
+    """The library if this process has loaded it, without loading it."""
+    return _library
+
+
 ERROR_HANDLER = _ERROR_HANDLER
 LINK_EVENT_HANDLER = _LINK_EVENT_HANDLER

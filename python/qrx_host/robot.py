@@ -1,6 +1,7 @@
 """The Robot: one connection to the controller, with Pythonic calls."""
 from __future__ import annotations
 
+import atexit
 import ctypes
 import queue
 import threading
@@ -70,6 +71,21 @@ def _on_link_event(event: int, reason: int, _user: object) -> None:
     callback = _link_callback
     if callback is not None:
         _dispatch().post(callback, LinkEvent(event), LinkReason(reason))
+
+
+@atexit.register
+def _release_handlers() -> None:
+    """At interpreter exit, before Python stops its threads: the library's
+    threads must not enter Python any more (a callback entering a finalising
+    interpreter ends that thread inside the library and takes the process
+    down). The library's setters return only after a call under way has
+    ended, so nothing of ours runs on its threads after this."""
+    global _message_callback, _link_callback
+    _message_callback = _link_callback = None
+    lib = _library.loaded()
+    if lib is not None:
+        lib.setErrorHandle(_library.ERROR_HANDLER())
+        lib.qrx_set_link_event_handler(_library.LINK_EVENT_HANDLER(), None)
 
 
 def _doubles(n: int) -> ctypes.Array:

@@ -30,7 +30,11 @@ struct EventHandler
     void *user = nullptr;
 };
 
-std::mutex g_handlerMutex;
+// Held while the handler runs: a new handler takes over only after a call of
+// the old one has returned, so a host may free what its handler uses (or a
+// Python host finalise its interpreter) once the setter has returned. A
+// handler may set another handler from inside a call.
+std::recursive_mutex g_handlerMutex;
 EventHandler g_handler;
 
 // Where a Robot's link stands for the events: Connecting from connect_robot()
@@ -39,13 +43,9 @@ enum class LinkState { Connecting, Up, Down };
 
 void notify(int event, int reason)
 {
-    EventHandler current;
-    {
-        std::lock_guard<std::mutex> lock(g_handlerMutex);
-        current = g_handler;
-    }
-    if (current.handler)
-        current.handler(event, reason, current.user);
+    std::lock_guard<std::recursive_mutex> lock(g_handlerMutex);
+    if (g_handler.handler)
+        g_handler.handler(event, reason, g_handler.user);
 }
 
 // Why the link went down: the host closed it, the controller fell silent
@@ -148,7 +148,7 @@ extern "C" {
 
 void qrx_set_link_event_handler(qrx_link_event_handler handler, void *user)
 {
-    std::lock_guard<std::mutex> lock(g_handlerMutex);
+    std::lock_guard<std::recursive_mutex> lock(g_handlerMutex);
     g_handler = EventHandler{handler, user};
 }
 

@@ -236,7 +236,9 @@ QRX_HOST_API int QRX_HOST_CALL connection_status(void);
 /* Registers the function that receives every error, warning and information
  * text of the controller as NUL-terminated UTF-8 ("错误： ...", "警告： ...",
  * "消息： ..."). It is called on the library's link thread; the text is valid
- * during the call only. Null switches delivery off. */
+ * during the call only. Null switches delivery off. When this function
+ * returns, a call of the previous handler that was under way has ended and
+ * the previous handler is not called again. */
 QRX_HOST_API void QRX_HOST_CALL setErrorHandle(void (*handler)(const char *text));
 
 /* ------------------------------------------------------------------------
@@ -543,7 +545,9 @@ typedef void (*qrx_link_event_handler)(int event, int reason, void *user);
  * The function is called on the thread that runs the library's events: the
  * library's own thread when the host runs no Qt application, the
  * application's thread otherwise. It must not block that thread (no waiting
- * function from inside it). */
+ * function from inside it). When this function returns, a call of the
+ * previous handler that was under way has ended and the previous handler is
+ * not called again: the host may free what it used. */
 QRX_HOST_API void QRX_HOST_CALL qrx_set_link_event_handler(qrx_link_event_handler handler, void *user);
 
 /* connect_robot() to another port than 6001 (simulators, port forwarding):

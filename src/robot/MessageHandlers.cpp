@@ -17,11 +17,15 @@
 #include <QCoreApplication>
 #include <QDateTime>
 
-#include <atomic>
+#include <mutex>
 
 namespace {
 
-std::atomic<Robot::ErrorCallback> s_errorCallback{nullptr};
+// Held while the host's handler runs: setErrorHandle() returns only after a
+// call of the old handler has ended, so a host can free what the handler
+// uses once it has set another (or none).
+std::recursive_mutex s_errorCallbackMutex;
+Robot::ErrorCallback s_errorCallback = nullptr;
 
 constexpr int kServoErrorType = 0x6010;
 
@@ -54,7 +58,8 @@ namespace qrx {
 
 void storeErrorCallback(Robot::ErrorCallback callback)
 {
-    s_errorCallback.store(callback);
+    std::lock_guard<std::recursive_mutex> lock(s_errorCallbackMutex);
+    s_errorCallback = callback;
 }
 
 } // namespace qrx
@@ -71,9 +76,12 @@ Robot::DeliveredMessage Robot::deliverMessage(const char *prefix, const QByteArr
     message.type = qrx::jsonInt(root, "type");
 
     const QString text = QCoreApplication::translate("Robot", prefix) + message.data;
-    if (const ErrorCallback callback = s_errorCallback.load()) {
-        const QByteArray utf8 = text.toUtf8(); // NUL-terminated, alive during the call
-        callback(utf8.constData());
+    {
+        std::lock_guard<std::recursive_mutex> lock(s_errorCallbackMutex);
+        if (s_errorCallback) {
+            const QByteArray utf8 = text.toUtf8(); // NUL-terminated, alive during the call
+            s_errorCallback(utf8.constData());
+        }
     }
     storeMessage(message.data.toStdString());
     return message;
