@@ -20,7 +20,7 @@
 
 namespace {
 
-// Nothing listens on port 6001 here (test addresses are 127.1.x.y, the demo
+// Nothing listens on port 6001 here (test addresses are 127.100.x.y and up, the demo
 // runs on 127.0.0.1).
 const char kSilentAddress[] = "127.2.0.1";
 
