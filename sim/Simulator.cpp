@@ -17,7 +17,7 @@ namespace qrxsim {
 namespace {
 
 constexpr int kTickIntervalMs = 20;
-constexpr quint16 kHeartbeatRequest = 0x7266;
+constexpr quint16 kHeartbeatRequest = qrx::protocol::code::Heartbeat;
 constexpr int kTracedPayloadChars = 240;
 
 // Runs one piece of family behaviour. One that chokes (a jsoncpp conversion

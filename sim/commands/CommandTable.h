@@ -11,6 +11,7 @@
 // Families.h. A new family is one file commands/<Family>Commands.cpp, one
 // declaration in Families.h and one line per table in CommandTable.cpp.
 
+#include "protocol/Catalogue.h"
 #include "sim/ControllerModel.h"
 #include "sim/ReceivedFrame.h"
 
@@ -19,6 +20,12 @@
 #include <vector>
 
 namespace qrxsim {
+
+// The codes by their names in the protocol catalogue; a query's answer is
+// the reply the catalogue pairs with it (replyTo).
+namespace code = qrx::protocol::code;
+namespace report = qrx::protocol::report;
+using qrx::protocol::replyTo;
 
 class Session;
 class Simulator;

@@ -52,12 +52,12 @@ void setRunStatus(Simulator &sim, int status)
     if (m.runStatus == status)
         return;
     m.runStatus = status;
-    sim.broadcastJson(0x3D03, runStatusReport(m));
+    sim.broadcastJson(replyTo(code::GetRunStatus), runStatusReport(m));
 }
 
 void refuseAll(Simulator &sim, Refusal code, const std::string &text)
 {
-    sim.broadcastJson(0x2B03, refusalMessage(code, text));
+    sim.broadcastJson(report::Error, refusalMessage(code, text));
 }
 
 void stopQueue(Simulator &sim)
@@ -132,7 +132,7 @@ void answerModeReport(Session &session)
     Json::Value report(Json::objectValue);
     report["open"] = session.model().continuous.open;
     report["robot"] = session.model().currentRobot;
-    session.replyJson(0x50B3, report);
+    session.replyJson(report::ContinuousModeState, report);
 }
 
 void openMode(Session &session, const ReceivedFrame &frame)
@@ -239,15 +239,15 @@ void tick(Simulator &sim, qint64)
 std::vector<CommandEntry> continuousCommands()
 {
     return {
-        {0x50B1, openMode},
-        {0x50B4, takeQueue},
-        {0x50B7,
+        {code::ContinuousMode, openMode},
+        {code::ContinuousQueue, takeQueue},
+        {code::ContinuousSuspend,
          [](Session &session, const ReceivedFrame &) {
              if (session.model().continuous.state == ContinuousMotion::Running)
                  suspendQueue(session.simulator());
          }},
-        {0x50B8, start},
-        {0x50B9, [](Session &session, const ReceivedFrame &) { stopQueue(session.simulator()); }},
+        {code::ContinuousStart, start},
+        {code::ContinuousStop, [](Session &session, const ReceivedFrame &) { stopQueue(session.simulator()); }},
     };
 }
 

@@ -10,10 +10,10 @@ namespace qrxsim {
 std::vector<CommandEntry> heartbeatCommands()
 {
     return {
-        {0x7266,
+        {code::Heartbeat,
          [](Session &session, const ReceivedFrame &frame) {
              if (session.simulator().answersHeartbeats())
-                 session.reply(0x7267, frame.payload);
+                 session.reply(replyTo(code::Heartbeat), frame.payload);
          }},
     };
 }

@@ -189,11 +189,14 @@ Json::Value motorLoadReport(const ControllerModel &m, const Json::Value &request
     return v;
 }
 
-Handler answer(quint16 reply, Report report)
+// A query answered to the asking client with the reply the protocol
+// catalogue pairs with it.
+CommandEntry answer(quint16 query, Report report)
 {
-    return [reply, report](Session &s, const ReceivedFrame &frame) {
-        s.replyJson(reply, report(s.model(), requestObject(frame.payload)));
-    };
+    const quint16 reply = replyTo(query);
+    return {query, [reply, report](Session &s, const ReceivedFrame &frame) {
+                s.replyJson(reply, report(s.model(), requestObject(frame.payload)));
+            }};
 }
 
 // Port 1..16 of an output array; null (and a refusal) for any other port.
@@ -282,21 +285,21 @@ int globalVariableType(const std::string &name)
 std::vector<CommandEntry> ioCommands()
 {
     return {
-        {0x3601, setDout},
-        {0x3607, setAout},
-        {0x5604, setGlobalPosition},
-        {0x5607, setGlobalVariable},
-        {0x3602, answer(0x3603, doutReport)},
-        {0x3605, answer(0x3606, dinReport)},
-        {0x3608, answer(0x3609, aoutReport)},
-        {0x360A, answer(0x360B, ainReport)},
-        {0x2F07, answer(0x2F08, positionReport)},
-        {0x7012, answer(0x7013, syncPositionReport)},
-        {0x5605, answer(0x5606, globalPositionReport)},
-        {0x560B, answer(0x560C, variableReport)},
-        {0x2A04, answer(0x2A05, motorSpeedReport)},
-        {0x2A06, answer(0x2A07, motorTorqueReport)},
-        {0x2A0A, answer(0x2A0B, motorLoadReport)},
+        {code::SetDout, setDout},
+        {code::SetAout, setAout},
+        {code::SetGlobalPosition, setGlobalPosition},
+        {code::SetGlobalVariable, setGlobalVariable},
+        answer(code::GetDout, doutReport),
+        answer(code::GetDin, dinReport),
+        answer(code::GetAout, aoutReport),
+        answer(code::GetAin, ainReport),
+        answer(code::GetCurrentPosition, positionReport),
+        answer(code::GetSyncPosition, syncPositionReport),
+        answer(code::GetGlobalPosition, globalPositionReport),
+        answer(code::GetGlobalVariable, variableReport),
+        answer(code::GetMotorSpeed, motorSpeedReport),
+        answer(code::GetMotorTorque, motorTorqueReport),
+        answer(code::GetMotorLoad, motorLoadReport),
     };
 }
 

@@ -55,7 +55,7 @@ bool drivesComingUp(const ControllerModel &m)
 
 void reportRunStatus(ControllerModel &m, const std::function<void(quint16, const Json::Value &)> &send)
 {
-    send(0x3D03, runStatusReport(m));
+    send(replyTo(code::GetRunStatus), runStatusReport(m));
 }
 
 void setRunStatus(Session &s, int status)
@@ -181,7 +181,7 @@ void runningLine(Session &s, const ReceivedFrame &)
     const ControllerModel &m = s.model();
     Json::Value v(Json::objectValue);
     v["num"] = m.lastRunner == ControllerModel::QueueRunner ? m.continuous.line : m.job.line;
-    s.replyJson(0x3504, v);
+    s.replyJson(report::JobLine, v);
 }
 
 void singleCycle(Session &s, const ReceivedFrame &)
@@ -196,7 +196,7 @@ void singleCycle(Session &s, const ReceivedFrame &)
         list.append(value);
     Json::Value v(Json::objectValue);
     v["value"] = list;
-    s.replyJson(0x330A, v);
+    s.replyJson(replyTo(code::GetSingleCycle), v);
 }
 
 // Advances the running job one line per SimJobRunner::lineMs.
@@ -245,16 +245,16 @@ void tickJob(Simulator &sim, qint64 elapsedMs)
 std::vector<CommandEntry> jobCommands()
 {
     return {
-        {0x3114, openJob},
-        {0x2501, runRequest},
-        {0x2401, pause},
-        {0x2503, stop},
-        {0x3111, deleteJob},
-        {0x5011, [](Session &s, const ReceivedFrame &frame) {
+        {code::OpenJob, openJob},
+        {code::RunJob, runRequest},
+        {code::PauseJob, pause},
+        {code::StopJob, stop},
+        {code::DeleteJob, deleteJob},
+        {code::SetCycleCount, [](Session &s, const ReceivedFrame &frame) {
              s.model().job.runsWanted = requestInt(requestObject(frame.payload), "index", 1);
          }},
-        {0x3503, runningLine},
-        {0x3309, singleCycle},
+        {code::GetRunningLine, runningLine},
+        {code::GetSingleCycle, singleCycle},
     };
 }
 

@@ -58,7 +58,7 @@ bool readPoint(const Json::Value &array, int n, const SimWaypoint &from, SimWayp
 // The points of one move request, in travel order.
 bool pointsOf(quint16 code, const Json::Value &request, const SimWaypoint &start, std::vector<SimWaypoint> &points)
 {
-    const bool extra = code >= 0x4507;
+    const bool extra = code >= code::MoveJointExtra;
     const int n = extra ? 12 : 6;
     SimWaypoint last = start;
     auto add = [&](const Json::Value &array) {
@@ -70,15 +70,15 @@ bool pointsOf(quint16 code, const Json::Value &request, const SimWaypoint &start
         return true;
     };
     switch (code) {
-    case 0x4501: case 0x4502: case 0x4507: case 0x4508:
+    case code::MoveJoint: case code::MoveLinear: case code::MoveJointExtra: case code::MoveLinearExtra:
         return add(request["pos"]);
-    case 0x4503: case 0x4509:
+    case code::MoveCircle: case code::MoveCircleExtra:
         if (!add(request["posOne"]) || !add(request["posTwo"]) || !add(request["posThree"]))
             return false;
         if (request.get("isFull", false).asBool())
             points.push_back(points.front());
         return true;
-    case 0x4504:
+    case code::MoveSpline:
         if (!request["pos"].isArray())
             return false;
         for (const Json::Value &p : request["pos"])
@@ -207,7 +207,7 @@ void takeJogStep(Session &s, const ReceivedFrame &frame)
 void reportServo(Simulator &sim)
 {
     const ControllerModel &m = sim.model();
-    sim.broadcastJson(0x2003, servoReport(m, m.currentRobot));
+    sim.broadcastJson(replyTo(code::GetServoStatus), servoReport(m, m.currentRobot));
 }
 
 void stopMotion(SimMotion &motion)
@@ -327,10 +327,11 @@ std::string outsideLimits(const SimWaypoint &point)
 std::vector<CommandEntry> motionCommands()
 {
     std::vector<CommandEntry> table;
-    for (quint16 code : {0x4501, 0x4502, 0x4503, 0x4504, 0x4507, 0x4508, 0x4509})
-        table.push_back({code, takeMove});
-    table.push_back({0x2901, takeJogStep});
-    table.push_back({0x2902, [](Session &s, const ReceivedFrame &) { s.model().motion.jogAxis = 0; }});
+    for (quint16 move : {code::MoveJoint, code::MoveLinear, code::MoveCircle, code::MoveSpline, //
+                         code::MoveJointExtra, code::MoveLinearExtra, code::MoveCircleExtra})
+        table.push_back({move, takeMove});
+    table.push_back({code::JogStep, takeJogStep});
+    table.push_back({code::StopMove, [](Session &s, const ReceivedFrame &) { s.model().motion.jogAxis = 0; }});
     return table;
 }
 

@@ -9,6 +9,7 @@
 
 #include "common/JsonRead.h"
 #include "common/Payload.h"
+#include "protocol/Codes.h"
 #include "sim/Ranges.h"
 #include "sim/Session.h"
 
@@ -58,7 +59,7 @@ inline Json::Value refusalMessage(Refusal code, const std::string &text)
 // To the client whose command is refused.
 inline void refuse(Session &session, Refusal code, const std::string &text)
 {
-    session.replyJson(0x2B03, refusalMessage(code, text));
+    session.replyJson(qrx::protocol::report::Error, refusalMessage(code, text));
 }
 
 // The JSON object of a request; an empty object when it is none.

@@ -104,9 +104,12 @@ Json::Value fourPointReport(const ControllerModel &m)
     return v;
 }
 
-Handler answer(quint16 code, Json::Value (*report)(const ControllerModel &))
+// A query answered to the asking client with the reply the protocol
+// catalogue pairs with it.
+CommandEntry answer(quint16 query, Json::Value (*report)(const ControllerModel &))
 {
-    return [code, report](Session &s, const ReceivedFrame &) { s.replyJson(code, report(s.model())); };
+    const quint16 reply = replyTo(query);
+    return {query, [reply, report](Session &s, const ReceivedFrame &) { s.replyJson(reply, report(s.model())); }};
 }
 
 } // namespace
@@ -121,8 +124,8 @@ Json::Value robotTypeReportPayload(const ControllerModel &m)
 std::vector<CommandEntry> robotParamCommands()
 {
     return {
-        {0x2E02, answer(0x2E03, robotTypeReportPayload)},
-        {0x3805,
+        answer(code::GetRobotType, robotTypeReportPayload),
+        {code::SetToolData,
          [](Session &s, const ReceivedFrame &frame) {
              const Json::Value request = requestObject(frame.payload);
              const Json::Value values = request.get("tool", Json::Value());
@@ -133,52 +136,52 @@ std::vector<CommandEntry> robotParamCommands()
              for (int i = 0; i < 6; ++i)
                  tool.deg[i] = requestReal(values, keys[i]);
          }},
-        {0x3806,
+        {code::GetToolData,
          [](Session &s, const ReceivedFrame &frame) {
-             s.replyJson(0x3807, toolReport(s.model(), intOf(requestObject(frame.payload), "toolNum")));
+             s.replyJson(replyTo(code::GetToolData), toolReport(s.model(), intOf(requestObject(frame.payload), "toolNum")));
          }},
-        {0x3C08,
+        {code::SetCurrentUserFrame,
          [](Session &s, const ReceivedFrame &frame) {
              s.model().currentUserFrame = intOf(requestObject(frame.payload), "userNum", s.model().currentUserFrame);
-             s.broadcastJson(0x3C0C, currentUserFrameReport(s.model()));
+             s.broadcastJson(replyTo(code::SetCurrentUserFrame), currentUserFrameReport(s.model()));
          }},
-        {0x3C0A,
+        {code::GetUserFrame,
          [](Session &s, const ReceivedFrame &frame) {
-             s.replyJson(0x3C09, userFrameReport(s.model(), intOf(requestObject(frame.payload), "userNum")));
+             s.replyJson(replyTo(code::GetUserFrame), userFrameReport(s.model(), intOf(requestObject(frame.payload), "userNum")));
          }},
-        {0x3C0B, answer(0x3C0C, currentUserFrameReport)},
-        {0x7202,
+        answer(code::GetCurrentUserFrame, currentUserFrameReport),
+        {code::MarkFourPoint,
          [](Session &s, const ReceivedFrame &frame) {
              const Json::Value request = requestObject(frame.payload);
              const int point = intOf(request, "pointNum");
              if (point >= 1 && point <= 4)
                  s.model().fourPointStatus[point - 1] = intOf(request, "status");
          }},
-        {0x7207, answer(0x7208, fourPointReport)},
-        {0x7201,
+        answer(code::GetFourPoint, fourPointReport),
+        {code::SetFourPointParams,
          [](Session &s, const ReceivedFrame &frame) {
              const Json::Value params = requestObject(frame.payload).get("ParamOf4Points", Json::Value());
              s.model().fourPointParams.clear();
              if (params.isArray())
                  for (const Json::Value &p : params)
                      s.model().fourPointParams.push_back(p.isNumeric() ? p.asDouble() : 0.0);
-             s.replyJson(0x7204, fourPointResult(s.model()));
+             s.replyJson(replyTo(code::SetFourPointParams), fourPointResult(s.model()));
          }},
-        {0x7205,
+        {code::ApplyFourPointDh,
          [](Session &s, const ReceivedFrame &) {
              Json::Value v(Json::objectValue);
              v["apply"] = s.model().dhApply;
-             s.replyJson(0x7206, v);
+             s.replyJson(replyTo(code::ApplyFourPointDh), v);
          }},
-        {0x3301,
+        {code::CalibrateZero,
          [](Session &s, const ReceivedFrame &frame) {
              const int axis = intOf(requestObject(frame.payload), "axis");
              s.model().zeroedAxes.push_back(axis);
              Json::Value v(Json::objectValue);
              v["axis"] = axis;
-             s.replyJson(0x3303, v);
+             s.replyJson(replyTo(code::CalibrateZero), v);
          }},
-        {0x3307,
+        {code::SetZeroShift,
          [](Session &s, const ReceivedFrame &frame) {
              const Json::Value request = requestObject(frame.payload);
              const int axis = intOf(request, "axis");

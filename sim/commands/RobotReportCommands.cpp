@@ -22,6 +22,10 @@ namespace qrxsim {
 
 namespace {
 
+// A pendant's change of the current robot: the controller's own command,
+// which the library never sends.
+constexpr quint16 kSelectRobot = 0x5001;
+
 Json::Value robotCountReport(const ControllerModel &m)
 {
     Json::Value v(Json::objectValue);
@@ -43,20 +47,23 @@ Json::Value currentRobotReport(const ControllerModel &m)
 std::vector<ConnectEntry> robotReportsOnConnect()
 {
     return {
-        {"robot type", [](Session &s) { s.replyJson(0x2E03, robotTypeReportPayload(s.model())); }},
-        {"robot count", [](Session &s) { s.replyJson(0x2E06, robotCountReport(s.model())); }},
-        {"current robot", [](Session &s) { s.replyJson(0x5003, currentRobotReport(s.model())); }},
-        {"servo state", [](Session &s) { s.replyJson(0x2003, servoReport(s.model(), s.model().currentRobot)); }},
-        {"operating mode", [](Session &s) { s.replyJson(0x2103, modeReport(s.model())); }},
+        {"robot type", [](Session &s) { s.replyJson(replyTo(code::GetRobotType), robotTypeReportPayload(s.model())); }},
+        {"robot count", [](Session &s) { s.replyJson(replyTo(code::GetRobotCount), robotCountReport(s.model())); }},
+        {"current robot", [](Session &s) { s.replyJson(replyTo(code::GetCurrentRobot), currentRobotReport(s.model())); }},
+        {"servo state",
+         [](Session &s) { s.replyJson(replyTo(code::GetServoStatus), servoReport(s.model(), s.model().currentRobot)); }},
+        {"operating mode", [](Session &s) { s.replyJson(replyTo(code::GetOperationMode), modeReport(s.model())); }},
     };
 }
 
 std::vector<CommandEntry> robotReportCommands()
 {
     return {
-        {0x2E05, [](Session &s, const ReceivedFrame &) { s.replyJson(0x2E06, robotCountReport(s.model())); }},
-        {0x5002, [](Session &s, const ReceivedFrame &) { s.replyJson(0x5003, currentRobotReport(s.model())); }},
-        {0x5001,
+        {code::GetRobotCount,
+         [](Session &s, const ReceivedFrame &) { s.replyJson(replyTo(code::GetRobotCount), robotCountReport(s.model())); }},
+        {code::GetCurrentRobot,
+         [](Session &s, const ReceivedFrame &) { s.replyJson(replyTo(code::GetCurrentRobot), currentRobotReport(s.model())); }},
+        {kSelectRobot,
          [](Session &s, const ReceivedFrame &frame) {
              Json::Value request;
              if (!qrx::parsePayload(frame.payload, request) || !request.isObject())
@@ -65,7 +72,7 @@ std::vector<CommandEntry> robotReportCommands()
              if (!robot.isIntegral() || robot.asInt() < 1 || robot.asInt() > s.model().robotCount)
                  return;
              s.model().currentRobot = robot.asInt();
-             s.broadcastJson(0x5003, currentRobotReport(s.model()));
+             s.broadcastJson(replyTo(code::GetCurrentRobot), currentRobotReport(s.model()));
          }},
     };
 }

@@ -13,15 +13,15 @@ namespace qrxsim {
 std::vector<CommandEntry> sessionCommands()
 {
     return {
-        {0x5052,
+        {code::PostConnection,
          [](Session &session, const ReceivedFrame &) {
              ++session.model().postConnectionRequests;
              Json::Value report(Json::objectValue);
              report["controlNumber"] = "QRX-SIM-0001";
              report["robot"] = session.model().currentRobot;
-             session.replyJson(0x5053, report);
+             session.replyJson(report::ControlNumber, report);
          }},
-        {0x7277, [](Session &session, const ReceivedFrame &) { ++session.model().farewells; }},
+        {code::Farewell, [](Session &session, const ReceivedFrame &) { ++session.model().farewells; }},
     };
 }
 

@@ -54,16 +54,16 @@ struct NumberReport
     Member members[3];
 };
 
-const NumberReport kServo = {0x2003,
+const NumberReport kServo = {replyTo(code::GetServoStatus),
                              {{"mode", &ControllerModel::operationMode},
                               {"robot", nullptr},
                               {"status", &ControllerModel::servoStatus}}};
-const NumberReport kMode = {0x2103, {{"mode", &ControllerModel::operationMode}}};
-const NumberReport kCoordinate = {0x2203, {{"coord", &ControllerModel::coordinate}, {"robot", nullptr}}};
-const NumberReport kDeadman = {0x2303, {{"deadman", &ControllerModel::deadman}}};
-const NumberReport kSpeed = {0x2603, {{"robot", nullptr}, {"speed", &ControllerModel::speed}}};
-const NumberReport kTool = {0x380C, {{"curToolNum", &ControllerModel::currentTool}, {"robot", nullptr}}};
-const NumberReport kRunStatus = {0x3D03, {{"robot", nullptr}, {"status", &ControllerModel::runStatus}}};
+const NumberReport kMode = {replyTo(code::GetOperationMode), {{"mode", &ControllerModel::operationMode}}};
+const NumberReport kCoordinate = {replyTo(code::GetCoordinationMode), {{"coord", &ControllerModel::coordinate}, {"robot", nullptr}}};
+const NumberReport kDeadman = {replyTo(code::SetDeadman), {{"deadman", &ControllerModel::deadman}}};
+const NumberReport kSpeed = {replyTo(code::GetSpeed), {{"robot", nullptr}, {"speed", &ControllerModel::speed}}};
+const NumberReport kTool = {replyTo(code::GetCurrentTool), {{"curToolNum", &ControllerModel::currentTool}, {"robot", nullptr}}};
+const NumberReport kRunStatus = {replyTo(code::GetRunStatus), {{"robot", nullptr}, {"status", &ControllerModel::runStatus}}};
 
 Json::Value payloadOf(const NumberReport &report, const ControllerModel &m, int robot)
 {
@@ -84,7 +84,7 @@ Report numbers(const NumberReport &report)
 // The test mode is the one raw byte of the status family.
 void reportTestMode(Session &s, int, bool toAll)
 {
-    out(s, toAll, 0x2703, QByteArray(1, static_cast<char>(s.model().testMode)));
+    out(s, toAll, replyTo(code::GetTestMode), QByteArray(1, static_cast<char>(s.model().testMode)));
 }
 
 void reportPosition(Session &s, int robot, bool toAll)
@@ -97,7 +97,7 @@ void reportPosition(Session &s, int robot, bool toAll)
     v["coord"] = s.model().coordinate;
     v["robot"] = robot;
     v["configuration"] = s.model().configuration;
-    out(s, toAll, 0x2A03, qrx::jsonPayload(v));
+    out(s, toAll, replyTo(code::GetPosition), qrx::jsonPayload(v));
 }
 
 // A query: the report, to the asking client.
@@ -149,12 +149,12 @@ Json::Value runStatusReport(const ControllerModel &model)
 std::vector<CommandEntry> statusCommands()
 {
     return {
-        {0x2001, set("status", &ControllerModel::servoStatus, numbers(kServo))},
-        {0x2101, set("mode", &ControllerModel::operationMode, numbers(kMode), &ranges::kMode)},
-        {0x2201, set("coord", &ControllerModel::coordinate, numbers(kCoordinate), &ranges::kCoordinate)},
-        {0x2301, set("deadman", &ControllerModel::deadman, numbers(kDeadman), &ranges::kDeadman)},
-        {0x2601, set("speed", &ControllerModel::speed, numbers(kSpeed), &ranges::kJogSpeed)},
-        {0x2701,
+        {code::SetServoStatus, set("status", &ControllerModel::servoStatus, numbers(kServo))},
+        {code::SetOperationMode, set("mode", &ControllerModel::operationMode, numbers(kMode), &ranges::kMode)},
+        {code::SetCoordinationMode, set("coord", &ControllerModel::coordinate, numbers(kCoordinate), &ranges::kCoordinate)},
+        {code::SetDeadman, set("deadman", &ControllerModel::deadman, numbers(kDeadman), &ranges::kDeadman)},
+        {code::SetSpeed, set("speed", &ControllerModel::speed, numbers(kSpeed), &ranges::kJogSpeed)},
+        {code::SetTestMode,
          [](Session &session, const ReceivedFrame &frame) {
              if (frame.payload.size() != 1)
                  return;
@@ -162,14 +162,14 @@ std::vector<CommandEntry> statusCommands()
              reportTestMode(session, session.model().currentRobot, true);
          }},
 
-        {0x2002, query(numbers(kServo))},
-        {0x2102, query(numbers(kMode))},
-        {0x2202, query(numbers(kCoordinate))},
-        {0x2602, query(numbers(kSpeed))},
-        {0x2702, query(reportTestMode)},
-        {0x2A02, query(reportPosition)},
-        {0x380B, query(numbers(kTool))},
-        {0x3D02, query(numbers(kRunStatus))},
+        {code::GetServoStatus, query(numbers(kServo))},
+        {code::GetOperationMode, query(numbers(kMode))},
+        {code::GetCoordinationMode, query(numbers(kCoordinate))},
+        {code::GetSpeed, query(numbers(kSpeed))},
+        {code::GetTestMode, query(reportTestMode)},
+        {code::GetPosition, query(reportPosition)},
+        {code::GetCurrentTool, query(numbers(kTool))},
+        {code::GetRunStatus, query(numbers(kRunStatus))},
     };
 }
 

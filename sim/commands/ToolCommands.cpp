@@ -12,7 +12,7 @@ namespace qrxsim {
 std::vector<CommandEntry> toolCommands()
 {
     return {
-        {0x380A,
+        {code::SetCurrentTool,
          [](Session &s, const ReceivedFrame &frame) {
              const Json::Value request = requestObject(frame.payload);
              if (!request.isMember("curToolNum"))
@@ -21,7 +21,7 @@ std::vector<CommandEntry> toolCommands()
              Json::Value v(Json::objectValue);
              v["curToolNum"] = s.model().currentTool;
              v["robot"] = requestInt(request, "robot", s.model().currentRobot);
-             s.broadcastJson(0x380C, v);
+             s.broadcastJson(replyTo(code::GetCurrentTool), v);
          }},
     };
 }

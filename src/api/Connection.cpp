@@ -1,6 +1,7 @@
 // connect_robot, disconnect_robot, connection_status, setErrorHandle, show_log.
 
 #include "api/ApiState.h"
+#include "api/JogDriver.h"
 #include "api/qrx_host.h"
 #include "common/Logging.h"
 #include "protocol/Codes.h"
@@ -39,18 +40,25 @@ void pauseWithEvents(int ms)
     }
 }
 
+// The Robot with its jog driver, made in the Robot's thread.
+Robot *attachJogDriver(Robot *robot)
+{
+    JogDriver::attach(robot);
+    return robot;
+}
+
 // The Robot for ip: created on the library's own application thread when the
 // host runs no Qt application, so that its timers have an event loop.
 Robot *robotFor(const QString &ip)
 {
     QObject *context = libraryContext();
     if (!context || context->thread() == QThread::currentThread())
-        return Robot::instance(ip);
+        return attachJogDriver(Robot::instance(ip));
     // Handed over through an atomic: what the other thread built is seen
     // here in full (also by ThreadSanitizer, which cannot see Qt's wait).
     std::atomic<Robot *> robot{nullptr};
     QMetaObject::invokeMethod(
-        context, [&] { robot.store(Robot::instance(ip), std::memory_order_release); },
+        context, [&] { robot.store(attachJogDriver(Robot::instance(ip)), std::memory_order_release); },
         Qt::BlockingQueuedConnection);
     return robot.load(std::memory_order_acquire);
 }

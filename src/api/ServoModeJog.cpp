@@ -2,19 +2,15 @@
 //
 // Setters hand one frame to the Robot and return; getters send their query,
 // wait for any waking reply and return the value the Robot then holds.
-// Jogging runs on the Robot's 200 ms jog timer: each tick sends the same jog
-// step again, so the axis moves for as long as steps keep coming.
+// Jogging runs on the Robot's JogDriver (JogDriver.h): a 200 ms timer whose
+// every tick sends the same jog step again.
 
 #include "api/ApiState.h"
+#include "api/JogDriver.h"
 #include "api/qrx_host.h"
 #include "common/Logging.h"
 #include "link/TcpConnectModule.h"
 #include "protocol/Codes.h"
-
-#include <QCoreApplication>
-#include <QMetaObject>
-#include <QThread>
-#include <QTimer>
 
 using namespace qrx::api;
 
@@ -22,69 +18,8 @@ namespace code = qrx::protocol::code;
 
 namespace {
 
-constexpr int kServoRunning = 3;
 constexpr int kServoPowerOnOk = 1;
-constexpr int kTeachMode = 0;
 constexpr int kJogSpeedMax = 103; // 101..103 are the jog-step sizes, so not 100
-constexpr int kRobotAxes = 7;
-constexpr int kFirstExternalAxis = 8; // external axes 1..5 jog as axes 8..12
-constexpr int kExternalAxes = 5;
-constexpr char kJogStepsName[] = "qrx_jog_steps";
-
-// The servo refusal of the jog start and of every jog step.
-void logServoNotRunning()
-{
-    const QString line = QCoreApplication::translate("Robot", "伺服不在运行状态,无法执行点动操作!");
-    qCDebug(lcRobot).noquote() << line;
-}
-
-// Runs fn on the thread of the Robot's jog timer (timers are started and
-// stopped only there), blocking until it is done.
-template <class F>
-void onJogTimerThread(Robot *robot, F &&fn)
-{
-    QObject *timer = robot->jogTimer;
-    if (!timer || timer->thread() == QThread::currentThread() || !timer->thread()->isRunning()) {
-        fn();
-        return;
-    }
-    QMetaObject::invokeMethod(timer, std::forward<F>(fn), Qt::BlockingQueuedConnection);
-}
-
-// One jog step, as sent at the start and on every timer tick. The step goes
-// straight to the link, not through the Robot's send operation.
-void jogStep(Robot *robot, int axis, int direction)
-{
-    if (robot->operationMode != kTeachMode && robot->jogTimer)
-        robot->jogTimer->stop();
-    if (robot->servoStatus != kServoRunning) {
-        logServoNotRunning();
-        return;
-    }
-    if (robot->externalAxisJog == 1) {
-        if (axis < 1 || axis > kExternalAxes)
-            return;
-        axis += kFirstExternalAxis - 1;
-    }
-    robot->link()->sendData(code::JogStep, payloadOf(object({{"axis", axis}, {"direction", direction}})));
-}
-
-// The per-axis jog steps hang on one context object under the timer, so
-// that dropping it disconnects every one of them at once.
-void disconnectJogSteps(QTimer *timer)
-{
-    const auto contexts = timer->findChildren<QObject *>(QLatin1String(kJogStepsName), Qt::FindDirectChildrenOnly);
-    for (QObject *context : contexts)
-        delete context;
-}
-
-void connectJogStep(Robot *robot, int axis, int direction)
-{
-    auto *context = new QObject(robot->jogTimer);
-    context->setObjectName(QLatin1String(kJogStepsName));
-    QObject::connect(robot->jogTimer, &QTimer::timeout, context,
-                     [robot, axis, direction] { jogStep(robot, axis, direction); });
-}
 
 } // namespace
 
@@ -171,34 +106,16 @@ int get_jogging_speed(void)
 void start_jogging(int axis, bool direction)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    onJogTimerThread(robot, [robot, axis, direction] {
-        if (robot->servoStatus != kServoRunning) {
-            logServoNotRunning();
-            return;
-        }
-        QTimer *timer = robot->jogTimer;
-        if (!timer)
-            return;
-        robot->jogging.store(1);
-        timer->stop();
-        disconnectJogSteps(timer);
-        if (axis < 1 || axis > kRobotAxes)
-            return;
-        const int step = direction ? 1 : -1;
-        jogStep(robot, axis, step);
-        connectJogStep(robot, axis, step);
-        timer->start(200);
-    });
+    if (JogDriver *driver = JogDriver::of(robot))
+        driver->start(axis, direction);
 }
 
 void stop_jogging(int axis)
 {
     QRX_ROBOT_OR_RETURN(robot);
     robot->jogging.store(0);
-    onJogTimerThread(robot, [robot] {
-        if (robot->jogTimer)
-            robot->jogTimer->stop();
-    });
+    if (JogDriver *driver = JogDriver::of(robot))
+        driver->stop();
     // The axis goes out as the host passed it: no external-axis mapping here.
     robot->link()->sendData(code::StopMove, payloadOf(object({{"axis", axis}})));
 }

@@ -524,6 +524,15 @@ constexpr bool pairsAgree()
 }
 static_assert(pairsAgree(), "every reply's request is answered by that reply");
 
+constexpr bool reportsKnown()
+{
+    for (quint16 c : {report::Error, report::JobLine, report::ControlNumber, report::ContinuousModeState})
+        if (!lookup(kIncoming, std::size(kIncoming), c))
+            return false;
+    return true;
+}
+static_assert(reportsKnown(), "every named report has its incoming row");
+
 } // namespace
 
 const Message *find(quint16 code, Direction direction)

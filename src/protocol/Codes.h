@@ -1,7 +1,9 @@
 #pragma once
 // The named command codes the library sends. Every one of them has its row
 // in the catalogue (Catalogue.cpp), which also says the reply the controller
-// answers it with. Incoming codes are named by their notification there.
+// answers it with. Incoming codes are named by their notification there; the
+// few reports that answer no request are also named below, for the
+// simulated controller that sends them.
 
 #include <QtGlobal>
 
@@ -93,3 +95,17 @@ enum : quint16 {
 };
 
 } // namespace qrx::protocol::code
+
+// Reports the controller sends that answer no request of the library's (an
+// answered query names its reply through replyTo() instead). Each has its
+// incoming row in the catalogue.
+namespace qrx::protocol::report {
+
+enum : quint16 {
+    Error = 0x2B03,               // {"data","type"}: the controller refused or failed something
+    JobLine = 0x3504,             // {"num"}: the line the running job is at
+    ControlNumber = 0x5053,       // {"controlNumber","robot"}: after the post-connection request
+    ContinuousModeState = 0x50B3, // {"open","robot"}: continuous motion open or closed
+};
+
+} // namespace qrx::protocol::report

@@ -17,7 +17,6 @@ namespace code = qrx::protocol::code;
 namespace {
 
 constexpr quint16 kControllerPort = 6001;
-constexpr int kJogPeriodMs = 200;
 
 QMutex s_instanceMutex;
 Robot *s_instance = nullptr;
@@ -98,9 +97,6 @@ Robot::Robot(const QString &ip, QObject *parent)
     m_link->setParent(this);
     m_link->setCurrentRobotSource([this] { return currentRobot(); });
     qrx::wireRobot(m_link, this);
-
-    jogTimer = new QTimer(this);
-    jogTimer->setInterval(kJogPeriodMs);
 }
 
 Robot::~Robot()

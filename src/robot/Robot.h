@@ -35,7 +35,6 @@
 #include "robot/RobotState.h"
 #include "robot/RobotTypes.h"
 
-class QTimer;
 class TcpConnectModule;
 
 class Robot : public RobotSignals, public qrx::RobotState
@@ -115,10 +114,6 @@ public:
     std::atomic<quint8> connected{0};
     QMutex replyMutex;
     QWaitCondition replyCondition;
-
-    // Jogging (driven by the host API's jog functions): a 200 ms repeating
-    // timer owned by the Robot, so that it runs in the Robot's thread.
-    QTimer *jogTimer = nullptr;
 
     // The configuration-file catalogue, filled once at construction.
     const qrx::ConfigCatalogue configCatalogue;

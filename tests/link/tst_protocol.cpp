@@ -109,40 +109,64 @@ private Q_SLOTS:
         QVERIFY(incoming().count > 300);
     }
 
+    // The reports named for the simulated controller are the codes of their
+    // notifications.
+    void namedReports_data()
+    {
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("error") << int(report::Error) << "receivedError";
+        QTest::newRow("job line") << int(report::JobLine) << "receivedJobfileLine";
+        QTest::newRow("control number") << int(report::ControlNumber) << "recvControlNumber";
+        QTest::newRow("continuous mode") << int(report::ContinuousModeState) << "receivedSocketState";
+    }
+
+    void namedReports()
+    {
+        QFETCH(int, code);
+        QFETCH(QString, name);
+        const Message *row = find(quint16(code));
+        QVERIFY(row);
+        QCOMPARE(QString::fromLatin1(row->name), name);
+    }
+
     // Every paired request the simulated controller serves is answered with
     // the reply the catalogue names.
     void simulatorAnswersTheNamedReply_data()
     {
         QTest::addColumn<int>("request");
         QTest::addColumn<QByteArray>("payload");
+        QTest::addColumn<int>("expectedReply"); // written out here, not read from the catalogue
         const QByteArray robot("{\"robot\":1}\n");
-        QTest::newRow("servo") << 0x2002 << robot;
-        QTest::newRow("mode") << 0x2102 << QByteArray();
-        QTest::newRow("coordinate") << 0x2202 << robot;
-        QTest::newRow("speed") << 0x2602 << robot;
-        QTest::newRow("position") << 0x2F07 << QByteArray("{\"coord\":0,\"robot\":1}\n");
-        QTest::newRow("douts") << 0x3602 << QByteArray();
-        QTest::newRow("ains") << 0x360A << QByteArray();
-        QTest::newRow("tool") << 0x380B << robot;
-        QTest::newRow("tool data") << 0x3806 << QByteArray("{\"toolNum\":1}\n");
-        QTest::newRow("user frame") << 0x3C0B << robot;
-        QTest::newRow("run status") << 0x3D02 << robot;
-        QTest::newRow("robot type") << 0x2E02 << robot;
-        QTest::newRow("robot count") << 0x2E05 << QByteArray();
-        QTest::newRow("current robot") << 0x5002 << QByteArray();
-        QTest::newRow("global variable") << 0x560B << QByteArray("{\"varName\":\"GI001\",\"varType\":2}\n");
-        QTest::newRow("sync position") << 0x7012 << QByteArray("{\"coord\":0,\"robot\":1}\n");
-        QTest::newRow("motor load") << 0x2A0A << robot;
-        QTest::newRow("four point") << 0x7207 << QByteArray();
-        QTest::newRow("single cycle") << 0x3309 << robot;
-        QTest::newRow("zero axis") << 0x3301 << QByteArray("{\"axis\":1,\"clearEncoder\":false}\n");
+        QTest::newRow("servo") << 0x2002 << robot << 0x2003;
+        QTest::newRow("mode") << 0x2102 << QByteArray() << 0x2103;
+        QTest::newRow("coordinate") << 0x2202 << robot << 0x2203;
+        QTest::newRow("speed") << 0x2602 << robot << 0x2603;
+        QTest::newRow("position") << 0x2F07 << QByteArray("{\"coord\":0,\"robot\":1}\n") << 0x2F08;
+        QTest::newRow("douts") << 0x3602 << QByteArray() << 0x3603;
+        QTest::newRow("ains") << 0x360A << QByteArray() << 0x360B;
+        QTest::newRow("tool") << 0x380B << robot << 0x380C;
+        QTest::newRow("tool data") << 0x3806 << QByteArray("{\"toolNum\":1}\n") << 0x3807;
+        QTest::newRow("user frame") << 0x3C0B << robot << 0x3C0C;
+        QTest::newRow("run status") << 0x3D02 << robot << 0x3D03;
+        QTest::newRow("robot type") << 0x2E02 << robot << 0x2E03;
+        QTest::newRow("robot count") << 0x2E05 << QByteArray() << 0x2E06;
+        QTest::newRow("current robot") << 0x5002 << QByteArray() << 0x5003;
+        QTest::newRow("global variable") << 0x560B << QByteArray("{\"varName\":\"GI001\",\"varType\":2}\n") << 0x560C;
+        QTest::newRow("sync position") << 0x7012 << QByteArray("{\"coord\":0,\"robot\":1}\n") << 0x7013;
+        QTest::newRow("motor load") << 0x2A0A << robot << 0x2A0B;
+        QTest::newRow("four point") << 0x7207 << QByteArray() << 0x7208;
+        QTest::newRow("single cycle") << 0x3309 << robot << 0x330A;
+        QTest::newRow("zero axis") << 0x3301 << QByteArray("{\"axis\":1,\"clearEncoder\":false}\n") << 0x3303;
     }
 
     void simulatorAnswersTheNamedReply()
     {
         QFETCH(int, request);
         QFETCH(QByteArray, payload);
+        QFETCH(int, expectedReply);
         const quint16 reply = replyTo(quint16(request));
+        QCOMPARE(int(reply), expectedReply);
         QVERIFY2(reply != 0, "the request has a reply in the catalogue");
         QVERIFY(find(reply)->isReply());
 
