@@ -393,8 +393,6 @@ std::unique_ptr<Command> parseInstructionLine(std::string_view line, const std::
                 if (!command)
                     continue;
                 command->logout = pass == 0;
-                if (command->toString() != line)
-                    continue;
                 resolvePositions(*command, *atoms, table, missingPosition);
                 return command;
             }

@@ -222,6 +222,30 @@ private slots:
         QCOMPARE(text, value);
     }
 
+    // A line the writer would not produce but whose slots convert is read,
+    // and written again in the writer's form.
+    void otherNumberTextsAreWrittenCanonically_data()
+    {
+        QTest::addColumn<QString>("line");
+        QTest::addColumn<QString>("written");
+        QTest::newRow("trailing zero") << "TIMER T = 2.50" << "TIMER T = 2.5";
+        QTest::newRow("leading zero speed") << "MOVJ P0001 VJ = 050 % PL = 0 ACC = 0 DEC = 0 0"
+                                            << "MOVJ P0001 VJ = 50 % PL = 0 ACC = 0 DEC = 0 0";
+        QTest::newRow("exponent") << "TIMER T = 1e1" << "TIMER T = 10";
+    }
+
+    void otherNumberTextsAreWrittenCanonically()
+    {
+        QFETCH(QString, line);
+        QFETCH(QString, written);
+        auto command = parse(line.toStdString());
+        QVERIFY(command);
+        QCOMPARE(QString::fromStdString(command->toString()), written);
+        auto again = parse(written.toStdString());
+        QVERIFY(again);
+        QCOMPARE(QString::fromStdString(again->toString()), written);
+    }
+
     void unknownLinesDoNotParse_data()
     {
         QTest::addColumn<QString>("line");
