@@ -104,6 +104,7 @@ int main(int argc, char *argv[])
         return 1;
     simulator.setControllerHeartbeat(heartbeat);
     qrxsim::startFileService(simulator, parser, address);
+    simulator.model().job.folder = parser.value(QStringLiteral("job-dir")).toStdString(); // jobs run from there
     quitOnSignals(app);
 
     QTextStream out(stdout);
