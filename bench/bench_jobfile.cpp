@@ -44,7 +44,7 @@ std::unique_ptr<qrx::JobProgram> makeProgram()
     job->positions.insert(std::move(pos));
     std::vector<int> types;
     for (int type = 0; type <= 219; ++type) {
-        if (!qrx::lineForms(type).empty() && type != 208 && type != 209)
+        if (!qrx::lineForms(type).empty())
             types.push_back(type);
     }
     for (int i = 0; i < kLines - 2; ++i) {
@@ -55,7 +55,7 @@ std::unique_ptr<qrx::JobProgram> makeProgram()
             move->paraPl->data = i % 5;
             job->insert(std::move(move));
         } else {
-            job->insert(qrx::newCommand(types[std::size_t(i / 2) % types.size()]));
+            job->insert(qrx::newLineCommand(types[std::size_t(i / 2) % types.size()]));
         }
     }
     return job;

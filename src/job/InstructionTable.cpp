@@ -122,6 +122,7 @@ const InstructionEntry kEntries[] = {
     {89, "CRAFTLINE", "CRAFTLINECommand"},
     {90, "PTHREAD_START", "PTHREADCommand"},
     {91, "PTHREAD_END", "PTHREADCommand"},
+    {114, "PTHREAD_ENDALL", "PTHREADCommand"},
     {92, "READPOS", "READPOSCommand"},
     {93, "POSADD", "POSCALCommand"},
     {93, "POSSUB", "POSCALCommand"},

@@ -50,6 +50,11 @@ struct LineForm
     std::vector<Piece> pieces;
 };
 
+struct FieldAtom;
+// Gives the instruction the field value a form chooses (an int or bool
+// selector, or an empty text).
+void applyChoice(Command &command, const std::vector<FieldAtom> &atoms, const LineForm::Choice &choice);
+
 // The forms of a type code (empty for the codes that create nothing).
 // Built once, safe to call from several threads.
 const std::vector<LineForm> &lineForms(int type);
