@@ -7,11 +7,13 @@
 
 #include <QString>
 #include <QtGlobal>
+#include <json/value.h>
 
 #include <array>
 #include <deque>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace qrxsim {
 
@@ -87,10 +89,16 @@ struct SimMotion
 // Running state: 0 stopped, 1 paused, 2 running. While running, the line
 // advances every lineMs; after the last line the job starts again until the
 // runs set with 0x5011 are done (0 or 1: once).
+// Jobs in the job folder (commands/JobFiles.h) are read when they are run:
+// their lines execute their instructions, each taking lineMs or as long as
+// its move or wait takes, whichever is longer.
 struct SimJobRunner
 {
     static constexpr qint64 lineMs = 100;
     std::map<std::string, int> jobs{{"DEMO", 8}, {"WELD01", 20}, {"PICK", 12}};
+    std::string folder;        // job files, one sub-folder per robot (--job-dir); empty: none
+    std::vector<Json::Value> steps; // the running job's instructions, when read from its file
+    bool fromFile = false;     // the running job was read from its file
     std::string opened;        // 0x3114 "jobName"
     std::string running;       // the job of the current run
     int line = 0;              // line being executed (0x3504 "num")

@@ -64,6 +64,8 @@ int main(int argc, char *argv[])
             "    variables and positions, motor figures, tool and user frames,\n"
             "    four-point and zero-point calibration;\n"
             "  - job programs: open, run, step, pause, continue, stop, the running line;\n"
+            "    a job in the --job-dir folder (R1..R4, where uploads land) runs its own\n"
+            "    instructions as the queue below runs them;\n"
             "  - the continuous-motion queue: its instructions run in order; the running\n"
             "    state (0x3D03) and running line (0x3503) show how far it has got.\n\n") +
         qrxsim::controllerDescription() + QStringLiteral("\n\nStop it with Ctrl-C."));
@@ -104,6 +106,7 @@ int main(int argc, char *argv[])
         return 1;
     simulator.setControllerHeartbeat(heartbeat);
     qrxsim::startFileService(simulator, parser, address);
+    simulator.model().job.folder = parser.value(QStringLiteral("job-dir")).toStdString(); // jobs run from there
     quitOnSignals(app);
 
     QTextStream out(stdout);

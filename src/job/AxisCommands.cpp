@@ -19,7 +19,7 @@ const FieldList<EXTMOVCommand> &EXTMOVCommand::fields()
 
 std::string EXTMOVCommand::blockText() const
 {
-    return "ENDEXTMOV";
+    return lead(145);
 }
 
 std::string EXTMOVCommand::body() const
@@ -29,7 +29,7 @@ std::string EXTMOVCommand::body() const
         const char *mode = pick(movtype, {{0, " CONST "}, {1, " FOLLOW "}});
         if (!mode)
             return {};
-        return "EXTMOV " + num(extaxle) + mode + (speedtype == 0 ? num(handvalue) : varname) + " "
+        return lead(144, " ") + num(extaxle) + mode + (speedtype == 0 ? num(handvalue) : varname) + " "
             + num(speedproportionfactor);
     }
     case 145: return blockText();
@@ -48,8 +48,8 @@ const FieldList<GEARINCommand> &GEARINCommand::fields()
 std::string GEARINCommand::body() const
 {
     switch (type) {
-    case 148: return "GEARIN " + num(mainAxle) + " " + num(followAxle) + " " + num(proportionfactor);
-    case 150: return "ENDGEARIN";
+    case 148: return lead(148, " ") + num(mainAxle) + " " + num(followAxle) + " " + num(proportionfactor);
+    case 150: return lead(150);
     default: return {};
     }
 }
@@ -64,8 +64,8 @@ const FieldList<READLINEARCommand> &READLINEARCommand::fields()
 std::string READLINEARCommand::body() const
 {
     switch (type) {
-    case 146: return "READLINEAR " + varname;
-    case 147: return "ENDREADLINEAR";
+    case 146: return lead(146, " ") + varname;
+    case 147: return lead(147);
     default: return {};
     }
 }
@@ -83,7 +83,7 @@ std::string MOVCOMMCommand::body() const
     const char *move = moveText(moveType, 4);
     if (type != 101 || !move)
         return {};
-    return "MOVCOMM " + std::string(move) + motionText();
+    return lead(101, " ") + std::string(move) + motionText();
 }
 
 } // namespace qrx

@@ -114,34 +114,51 @@ const InstructionClass kClasses[] = {
     {"SWICHPAYLOADCommand", make<SWICHPAYLOADCommand>, atomsOf<SWICHPAYLOADCommand>, "216"},
 };
 
+// Codes the job-file reader builds from their line although the factory
+// creates nothing for them from JSON: a PTHREADCommand of 114 renders
+// "PTHREAD_ENDALL".
+const InstructionClass kLineOnlyClasses[] = {
+    {"PTHREADCommand", make<PTHREADCommand>, atomsOf<PTHREADCommand>, "114"},
+};
+
 constexpr int kLastType = 219;
 
-// Type code -> class, built once from kClasses.
-const std::array<const InstructionClass *, kLastType + 1> &classByType()
+using ClassByType = std::array<const InstructionClass *, kLastType + 1>;
+
+void addCodes(ClassByType &byType, const InstructionClass *begin, const InstructionClass *end)
 {
-    static const auto table = [] {
-        std::array<const InstructionClass *, kLastType + 1> byType{};
-        for (const InstructionClass &entry : kClasses) {
-            const char *p = entry.codes;
-            while (*p) {
-                char *end = nullptr;
-                const long first = std::strtol(p, &end, 10);
-                long last = first;
-                if (*end == '-')
-                    last = std::strtol(end + 1, &end, 10);
-                for (long code = first; code <= last && code <= kLastType; ++code)
-                    byType[std::size_t(code)] = &entry;
-                p = *end == ',' ? end + 1 : end;
-            }
+    for (const InstructionClass *entry = begin; entry != end; ++entry) {
+        const char *p = entry->codes;
+        while (*p) {
+            char *next = nullptr;
+            const long first = std::strtol(p, &next, 10);
+            long last = first;
+            if (*next == '-')
+                last = std::strtol(next + 1, &next, 10);
+            for (long code = first; code <= last && code <= kLastType; ++code)
+                byType[std::size_t(code)] = entry;
+            p = *next == ',' ? next + 1 : next;
         }
-        return byType;
-    }();
-    return table;
+    }
 }
 
-const InstructionClass *lookup(int type)
+// Type code -> class, built once from kClasses (and kLineOnlyClasses for
+// the reader).
+const ClassByType &classByType(bool lineOnlyToo)
 {
-    return type >= 0 && type <= kLastType ? classByType()[std::size_t(type)] : nullptr;
+    static const auto tables = [] {
+        std::array<ClassByType, 2> byType{};
+        addCodes(byType[0], std::begin(kClasses), std::end(kClasses));
+        byType[1] = byType[0];
+        addCodes(byType[1], std::begin(kLineOnlyClasses), std::end(kLineOnlyClasses));
+        return byType;
+    }();
+    return tables[lineOnlyToo ? 1 : 0];
+}
+
+const InstructionClass *lookup(int type, bool lineOnlyToo = false)
+{
+    return type >= 0 && type <= kLastType ? classByType(lineOnlyToo)[std::size_t(type)] : nullptr;
 }
 
 } // namespace
@@ -149,6 +166,12 @@ const InstructionClass *lookup(int type)
 std::unique_ptr<Command> newCommand(int type)
 {
     const InstructionClass *entry = lookup(type);
+    return entry ? entry->make(type) : nullptr;
+}
+
+std::unique_ptr<Command> newLineCommand(int type)
+{
+    const InstructionClass *entry = lookup(type, true);
     return entry ? entry->make(type) : nullptr;
 }
 
@@ -162,13 +185,13 @@ std::unique_ptr<Command> createCommand(const Json::Value &json, PositionTable *t
 
 const FieldAtoms *commandFieldAtoms(int type)
 {
-    const InstructionClass *entry = lookup(type);
+    const InstructionClass *entry = lookup(type, true);
     return entry ? &entry->atoms() : nullptr;
 }
 
 const char *commandClassName(int type)
 {
-    const InstructionClass *entry = lookup(type);
+    const InstructionClass *entry = lookup(type, true);
     return entry ? entry->name : nullptr;
 }
 

@@ -15,16 +15,21 @@ namespace qrx {
 // 100, 114 and every code outside 1-219.
 std::unique_ptr<Command> newCommand(int type);
 
+// newCommand, and also the codes that the job-file reader builds from
+// their line although the factory creates nothing for them (114).
+std::unique_ptr<Command> newLineCommand(int type);
+
 // The instruction that a JSON object describes: "type" selects the class,
 // then the object reads itself with fromJson(json, table). Null for the
 // codes that create nothing (the caller skips them).
 std::unique_ptr<Command> createCommand(const Json::Value &json, PositionTable *table);
 
 struct FieldAtom;
-// The fields of the class of a type code as the reader fills them, or null.
+// The fields of the class of a type code as the reader fills them (codes of
+// newLineCommand), or null.
 const std::vector<FieldAtom> *commandFieldAtoms(int type);
 
-// The class name of a type code ("MoveCommand"), or null.
+// The class name of a type code of newLineCommand ("MoveCommand"), or null.
 const char *commandClassName(int type);
 
 } // namespace qrx

@@ -32,7 +32,7 @@ std::string TimerCommand::body() const
 {
     if (type != 7)
         return {};
-    return "TIMER T = " + durationText();
+    return lead(7, " T = ") + durationText();
 }
 
 const FieldList<WaitCommand> &WaitCommand::fields()
@@ -49,7 +49,7 @@ std::string WaitCommand::body() const
 {
     if (type != 8)
         return {};
-    return "WAIT " + waitConditionFinal.toString() + "  T = " + durationText() + "  F = "
+    return lead(8, " ") + waitConditionFinal.toString() + "  T = " + durationText() + "  F = "
         + num(m_filterTime) + " NOW = " + num(now);
 }
 
@@ -64,10 +64,10 @@ const FieldList<IFCommand> &IFCommand::fields()
 std::string IFCommand::body() const
 {
     switch (type) {
-    case 9: return "IF " + ifconditionArrayFINAL.toString();
-    case 10: return "ELSE";
-    case 11: return "ELSEIF " + ifconditionArrayFINAL.toString();
-    case 12: return "ENDIF";
+    case 9: return lead(9, " ") + ifconditionArrayFINAL.toString();
+    case 10: return lead(10);
+    case 11: return lead(11, " ") + ifconditionArrayFINAL.toString();
+    case 12: return lead(12);
     default: return {};
     }
 }
@@ -82,8 +82,8 @@ const FieldList<WHILECommand> &WHILECommand::fields()
 std::string WHILECommand::body() const
 {
     switch (type) {
-    case 13: return "WHILE " + whileconditionArrayFINAL.toString();
-    case 14: return "ENDWHILE";
+    case 13: return lead(13, " ") + whileconditionArrayFINAL.toString();
+    case 14: return lead(14);
     default: return {};
     }
 }
@@ -98,8 +98,8 @@ const FieldList<UNTILCommand> &UNTILCommand::fields()
 std::string UNTILCommand::body() const
 {
     switch (type) {
-    case 87: return "UNTIL " + untilconditionArrayFINAL.toString();
-    case 88: return "ENDUNTIL";
+    case 87: return lead(87, " ") + untilconditionArrayFINAL.toString();
+    case 88: return lead(88);
     default: return {};
     }
 }
@@ -118,12 +118,12 @@ std::string JUMPCommand::body() const
 {
     switch (type) {
     case 52: {
-        std::string line = "JUMP " + label;
+        std::string line = lead(52, " ") + label;
         if (jumpConditionFlag)
             line += "  WHEN " + jumpCondition.toString();
         return line;
     }
-    case 53: return "LABEL " + label;
+    case 53: return lead(53, " ") + label;
     default: return {};
     }
 }
@@ -141,7 +141,7 @@ std::string CallCommand::body() const
 {
     if (type != 15)
         return {};
-    return "CALL [$" + jobName + "$]";
+    return lead(15, " [$") + jobName + "$]";
 }
 
 const FieldList<Call_luafileCommand> &Call_luafileCommand::fields()
@@ -155,7 +155,7 @@ std::string Call_luafileCommand::body() const
 {
     if (type != 215)
         return {};
-    return "CALL_LUAFILE [$" + luafileName + "$]";
+    return lead(215, " [$") + luafileName + "$]";
 }
 
 const FieldList<PTHREADCommand> &PTHREADCommand::fields()
@@ -172,13 +172,13 @@ std::string PTHREADCommand::body() const
 {
     const bool global = localOrGlobal != 0;
     switch (type) {
-    case 90: return "PTHREAD_START [$" + jobName + (global ? "$] GLOBAL" : "$] LOCAL");
-    case 91: return "PTHREAD_END [$" + jobName + (global ? "$] GLOBAL" : "$] LOCAL");
-    case 114: return "PTHREAD_ENDALL";
+    case 90: return lead(90, " [$") + jobName + (global ? "$] GLOBAL" : "$] LOCAL");
+    case 91: return lead(91, " [$") + jobName + (global ? "$] GLOBAL" : "$] LOCAL");
+    case 114: return lead(114);
     case 209:
         if (jobName.empty())
-            return std::string("PTHREAD_STATE ") + " MainProgram " + m_VariableValue;
-        return "PTHREAD_STATE [$" + jobName + (global ? "$] GLOBAL " : "$] LOCAL ") + m_VariableValue;
+            return lead(209, " ") + " MainProgram " + m_VariableValue;
+        return lead(209, " [$") + jobName + (global ? "$] GLOBAL " : "$] LOCAL ") + m_VariableValue;
     default: return {};
     }
 }
@@ -193,18 +193,18 @@ const FieldList<PROGRAMRUNCommand> &PROGRAMRUNCommand::fields()
 std::string PROGRAMRUNCommand::body() const
 {
     switch (type) {
-    case 111: return "STOPRUN";
-    case 112: return "RESTARTRUN";
+    case 111: return lead(111);
+    case 112: return lead(112);
     case 113:
         if (programtype == 1)
-            return "PAUSERUN ALL";
+            return lead(113, " ALL");
         if (programtype == 2)
-            return "PAUSERUN MAIN";
-        return "PAUSERUN " + jobname;
+            return lead(113, " MAIN");
+        return lead(113, " ") + jobname;
     case 119:
         if (programtype == 2)
-            return "CONTINUERUN MAIN";
-        return "CONTINUERUN " + jobname;
+            return lead(119, " MAIN");
+        return lead(119, " ") + jobname;
     default: return {};
     }
 }
@@ -225,7 +225,7 @@ std::string SysSettingCommand::body() const
 {
     if (type != 30)
         return {};
-    return "SPEED = " + num(speedType == 0 ? D_speed : S_speed) + speedUnitText(sUnit);
+    return lead(30, " = ") + num(speedType == 0 ? D_speed : S_speed) + speedUnitText(sUnit);
 }
 
 const FieldList<CRAFTLINECommand> &CRAFTLINECommand::fields()
@@ -238,7 +238,7 @@ std::string CRAFTLINECommand::body() const
 {
     if (type != 89)
         return {};
-    return "CRAFTLINE " + num(line);
+    return lead(89, " ") + num(line);
 }
 
 const FieldList<CMDNOTECommand> &CMDNOTECommand::fields()
@@ -264,7 +264,7 @@ std::string USERDEFINECommand::body() const
 {
     if (type != 171)
         return {};
-    return std::string("USERDEFINE ") + "ID = " + num(id);
+    return lead(171, " ") + "ID = " + num(id);
 }
 
 const FieldList<WINDOWCommand> &WINDOWCommand::fields()
@@ -282,7 +282,7 @@ std::string WINDOWCommand::body() const
 {
     if (type != 208)
         return {};
-    std::string line = "WINDOW [$" + text1 + "$] " + variable + " " + num(count);
+    std::string line = lead(208, " [$") + text1 + "$] " + variable + " " + num(count);
     const std::string *texts[] = {&text2, &text3, &text4};
     const int values[] = {value1, value2, value3};
     for (int i = 0; i < count && i < 3; ++i)
@@ -299,10 +299,9 @@ const FieldList<PRINTMSGCommand> &PRINTMSGCommand::fields()
 
 std::string PRINTMSGCommand::body() const
 {
-    const char *word = pick(printType, {{0, "PRINTMSG 0 "}, {1, "PRINTMSG 1 "}, {2, "PRINTMSG 2 "}});
-    if (type != 120 || !word)
+    if (type != 120 || printType < 0 || printType > 2)
         return {};
-    return word + printChar;
+    return lead(type, " ") + num(printType) + " " + printChar;
 }
 
 } // namespace qrx

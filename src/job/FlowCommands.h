@@ -23,6 +23,9 @@
 //   127 #<note>
 //   171 USERDEFINE ID = <id>
 //   208 WINDOW [$<text1>$] <variable> <count>[ [$<text2>$] <value1>]...
+//       (as many texts as count says, at most three)
+//   114 renders and is read back from a job file, but the factory creates
+//       nothing for it from JSON.
 //   120 PRINTMSG <printType 0|1|2> <printChar>
 
 #include "job/FieldTable.h"

@@ -29,18 +29,18 @@ std::string PALCommand::body() const
     const std::string id = num(ID);
     const char *move = moveText(moveType, 3);
     switch (type) {
-    case 71: return "PALON ID = " + id + " MULTI = " + num(MULTIPAL);
-    case 72: return "PALOFF " + id;
-    case 73: return "PALLET " + id + " TYPE = " + num(STACKTYPE) + " NUM = " + num(NUM);
-    case 74: return move ? "PALENTER " + id + move + motionText() : std::string();
-    case 75: return "PALSHIFT " + id;
-    case 76: return move ? "PALREAL " + id + move + motionText() : std::string();
-    case 77: return "PALCLEAR " + id;
-    case 78: return "PALLET_POS " + id + " " + pointVariableName;
-    case 203: return "PAL_SET_EXAMPLE " + id + " " + variableData;
-    case 204: return "PALGRIPPER ID = " + id + " GRIPPERS = " + num(NUM) + " " + (tool ? "ON " : "OFF ");
-    case 218: return "PH_PALON ID = " + id;
-    case 219: return "PH_PALOFF " + id;
+    case 71: return lead(71, " ID = ") + id + " MULTI = " + num(MULTIPAL);
+    case 72: return lead(72, " ") + id;
+    case 73: return lead(73, " ") + id + " TYPE = " + num(STACKTYPE) + " NUM = " + num(NUM);
+    case 74: return move ? lead(74, " ") + id + move + motionText() : std::string();
+    case 75: return lead(75, " ") + id;
+    case 76: return move ? lead(76, " ") + id + move + motionText() : std::string();
+    case 77: return lead(77, " ") + id;
+    case 78: return lead(78, " ") + id + " " + pointVariableName;
+    case 203: return lead(203, " ") + id + " " + variableData;
+    case 204: return lead(204, " ID = ") + id + " GRIPPERS = " + num(NUM) + " " + (tool ? "ON " : "OFF ");
+    case 218: return lead(218, " ID = ") + id;
+    case 219: return lead(219, " ") + id;
     default: return {};
     }
 }
@@ -64,13 +64,13 @@ std::string SPRAYCommand::body() const
 {
     const std::string gun = num(gunID);
     switch (type) {
-    case 122: return "SPRAY_ON G = " + gun;
-    case 123: return "SPRAY_OFF G = " + gun;
+    case 122: return lead(122, " G = ") + gun;
+    case 123: return lead(123, " G = ") + gun;
     case 124:
-        return "SPRAY_CHANGE G = " + gun + " T = " + num(traID) + " AO = " + num(anaID) + " COLOR = "
+        return lead(124, " G = ") + gun + " T = " + num(traID) + " AO = " + num(anaID) + " COLOR = "
             + num(colorID);
-    case 125: return "SPRAY_MOVE ID = " + num(seqID) + motionText();
-    case 126: return "SPRAY_STARTPOS ID = " + num(seqID) + " POINT = " + num(point);
+    case 125: return lead(125, " ID = ") + num(seqID) + motionText();
+    case 126: return lead(126, " ID = ") + num(seqID) + " POINT = " + num(point);
     default: return {};
     }
 }
@@ -91,14 +91,11 @@ std::string PUNCHCommand::body() const
 {
     // Keywords that end in a space take the position directly; the others
     // name the movement first.
-    const char *word = pick(type, {{160, "PUNCH "}, {161, "PUNCH_MOVE"}, {162, "PUNCH_PICK "},
-                                   {163, "PUNCH_PICKSAFEPOS"}, {164, "PUNCH_PICKUPPERPOS"}, {165, "PUNCH_PICKPOS"},
-                                   {166, "PUNCH_LAY "}, {167, "PUNCH_LAYSAFEPOS"}, {168, "PUNCH_LAYUPPERPOS"},
-                                   {169, "PUNCH_LAYPOS"}});
-    if (!word)
+    if (type < 160 || type > 169)
         return {};
     if (type == 160 || type == 162 || type == 166)
-        return word + m_positionId;
+        return lead(type, " ") + m_positionId;
+    const std::string word = lead(type);
     const char *move = moveText(moveType, 2);
     if (!move)
         return {};
@@ -120,12 +117,8 @@ const FieldList<NEWPUNCHCommand> &NEWPUNCHCommand::fields()
 
 std::string NEWPUNCHCommand::body() const
 {
-    const char *moveWord = pick(type, {{183, "PH_TOPREVSAFEPOS "}, {184, "PH_REPREVSAFEPOS "},
-                                       {185, "PH_TOLOCALSAFEPOS "}, {186, "PH_RELOCALSAFEPOS "},
-                                       {187, "PH_TOPREVUPPOS "}, {188, "PH_REPREVUPPOS "},
-                                       {189, "PH_TOLOCALUPPOS "}, {190, "PH_RELOCALUPPOS "},
-                                       {191, "PH_REACHPICKPOS "}, {192, "PH_REACHDROPPOS "}});
-    if (moveWord) {
+    if (type >= 183 && type <= 192) { // the moves to the safe, upper and pick/drop positions
+        const std::string moveWord = lead(type, " ");
         const char *move = pick(moveType, {{0, " MovJ VJ = "}, {1, " MovL V = "}});
         if (!move)
             return {};
@@ -133,18 +126,18 @@ std::string NEWPUNCHCommand::body() const
             + (notice ? " NOTICE" : " UNNOTICE") + (workstation == 0 ? " PREV" : " LOCAL");
     }
     switch (type) {
-    case 193: return "PH_DEALBEFOREPICK";
-    case 194: return "PH_DEALBEFOREDROP";
-    case 195: return "PH_DEALAFTERPICK";
-    case 196: return "PH_DEALAFTERDROP";
-    case 197: return "PH_FIXTUREOPEN FIXTURE_ID = " + num(fixture);
-    case 198: return "PH_FIXTURECLOSE FIXTURE_ID = " + num(fixture);
-    case 199: return "PH_STARTPUNCH";
-    case 200: return "PH_WAITPUNCHDONE";
-    case 201: return "PH_WAITDIN " + num(waitInValue) + " " + num(waitInState);
-    case 202: return "PH_DOUT " + num(outValue) + " " + num(outState);
-    case 205: return "PH_MULTIPLEPUNON ID = " + num(ID);
-    case 206: return "PH_MULTIPLEPUNOFF ID = " + num(ID);
+    case 193: return lead(193);
+    case 194: return lead(194);
+    case 195: return lead(195);
+    case 196: return lead(196);
+    case 197: return lead(197, " FIXTURE_ID = ") + num(fixture);
+    case 198: return lead(198, " FIXTURE_ID = ") + num(fixture);
+    case 199: return lead(199);
+    case 200: return lead(200);
+    case 201: return lead(201, " ") + num(waitInValue) + " " + num(waitInState);
+    case 202: return lead(202, " ") + num(outValue) + " " + num(outState);
+    case 205: return lead(205, " ID = ") + num(ID);
+    case 206: return lead(206, " ID = ") + num(ID);
     default: return {};
     }
 }
@@ -163,11 +156,9 @@ const FieldList<VisionCommand> &VisionCommand::fields()
 
 std::string VisionCommand::body() const
 {
-    const char *word = pick(type, {{79, "VISION_RUN "}, {80, "VISION_TRG "}, {81, "VISION_POS "},
-                                   {82, "VISION_POSNUM "}, {83, "VISION_END "}, {84, "VISION_CLEAR "}});
-    if (!word)
+    if (type < 79 || type > 84)
         return {};
-    std::string line = word + std::string("ID = ") + num(ID);
+    std::string line = lead(type, " ID = ") + num(ID);
     if (type == 81)
         line += " " + m_positionId;
     else if (type == 82)
@@ -196,13 +187,13 @@ std::string CONYTRACKCommand::body() const
     const std::string id = num(ID);
     const std::string &where = target(posidtype, posidname, m_positionId);
     switch (type) {
-    case 105: return "CONVEYOR_ON " + id;
-    case 106: return "CONVEYOR_OFF " + id;
-    case 107: return "CONVEYOR_CHECKPOS " + id;
-    case 108: return "CONVEYOR_CHECKEND " + id;
-    case 174: return "CONVEYOR_POS " + where + " ID = " + id + textOf(paraV) + textOf(paraAcc);
+    case 105: return lead(105, " ") + id;
+    case 106: return lead(106, " ") + id;
+    case 107: return lead(107, " ") + id;
+    case 108: return lead(108, " ") + id;
+    case 174: return lead(174, " ") + where + " ID = " + id + textOf(paraV) + textOf(paraAcc);
     case 217:
-        return "CONVEYOR_REMOVE " + (removeType ? std::string("OUTP") : where) + " ID = " + id
+        return lead(217, " ") + (removeType ? std::string("OUTP") : where) + " ID = " + id
             + textOf(paraV) + textOf(paraAcc);
     default: return {};
     }

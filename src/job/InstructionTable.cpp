@@ -11,6 +11,8 @@ namespace qrx {
 
 namespace {
 
+constexpr int kLastType = 219;
+
 // One row per (type code, leading word); a type that starts with different
 // words by its fields (PRINTMSG 0/1/2 share a word, POSADD/POSSUB/POSSET do
 // not) has a row per word, the word of its default form first.
@@ -122,6 +124,7 @@ const InstructionEntry kEntries[] = {
     {89, "CRAFTLINE", "CRAFTLINECommand"},
     {90, "PTHREAD_START", "PTHREADCommand"},
     {91, "PTHREAD_END", "PTHREADCommand"},
+    {114, "PTHREAD_ENDALL", "PTHREADCommand"},
     {92, "READPOS", "READPOSCommand"},
     {93, "POSADD", "POSCALCommand"},
     {93, "POSSUB", "POSCALCommand"},
@@ -297,18 +300,26 @@ const std::vector<int> &typesOfLine(std::string_view line)
     return typesOfKeyword(word);
 }
 
-const char *instructionKeyword(int type)
+const char *instructionKeyword(int type, std::size_t variant)
 {
-    constexpr int kLastType = 219;
-    static const auto byType = [] {
-        std::array<const char *, kLastType + 1> keywords{};
-        for (const InstructionEntry &entry : kEntries) {
-            if (entry.type >= 0 && entry.type <= kLastType && !keywords[std::size_t(entry.type)])
-                keywords[std::size_t(entry.type)] = entry.keyword;
-        }
-        return keywords;
-    }();
-    return type >= 0 && type <= 219 ? byType[std::size_t(type)] : nullptr;
+    if (variant == 0) {
+        // The first word of every type, looked up once: renderers ask for
+        // it for every line they write.
+        static const auto byType = [] {
+            std::array<const char *, kLastType + 1> keywords{};
+            for (const InstructionEntry &entry : kEntries) {
+                if (entry.type >= 0 && entry.type <= kLastType && !keywords[std::size_t(entry.type)])
+                    keywords[std::size_t(entry.type)] = entry.keyword;
+            }
+            return keywords;
+        }();
+        return type >= 0 && type <= kLastType ? byType[std::size_t(type)] : nullptr;
+    }
+    for (const InstructionEntry &entry : kEntries) {
+        if (entry.type == type && std::string_view(entry.keyword) != "///" && variant-- == 0)
+            return entry.keyword;
+    }
+    return nullptr;
 }
 
 } // namespace qrx

@@ -1,9 +1,10 @@
 #pragma once
 // The instruction table: every keyword that starts an instruction line, the
 // type codes it stands for and their class. The scanner of the job-file
-// reader recognises instruction lines by these keywords, and the motion
-// family renders its keyword from here.
+// reader recognises instruction lines by these keywords, and every family
+// renders its keywords from here (render::lead in RenderHelpers.h).
 
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -27,7 +28,9 @@ const std::vector<int> &typesOfKeyword(std::string_view keyword);
 // "AIN5"); empty when none is.
 const std::vector<int> &typesOfLine(std::string_view line);
 
-// The leading word of a type's line, or null.
-const char *instructionKeyword(int type);
+// The leading word of a type's line, or null; `variant` picks among the
+// words of a type that starts with different words by its fields (in the
+// table's order, "///" left out).
+const char *instructionKeyword(int type, std::size_t variant = 0);
 
 } // namespace qrx

@@ -23,13 +23,13 @@ std::string IOCommand::body() const
     const std::string port = group != 0 ? "(" + num(portId) + ")" : num(portId);
     const std::string value = valueIsVariant ? varName : num(group != 0 ? groupValue : portValue);
     switch (type) {
-    case 16: return "DOUT " + port + " " + value;
-    case 17: return "DIN " + varName + " " + port;
-    case 99: return "READ_DOUT " + varName + " " + port;
-    case 20: return "AIN " + varName + " AIN" + num(portId);
-    case 21: return "AOUT AOUT" + num(portId) + " " + value;
+    case 16: return lead(16, " ") + port + " " + value;
+    case 17: return lead(17, " ") + varName + " " + port;
+    case 99: return lead(99, " ") + varName + " " + port;
+    case 20: return lead(20, " ") + varName + " AIN" + num(portId);
+    case 21: return lead(21, " AOUT") + num(portId) + " " + value;
     case 22:
-        return "PULSEOUT RATE = " + num(rate) + " SUM = " + num(sum) + " T = " + num(time) + " " + port;
+        return lead(22, " RATE = ") + num(rate) + " SUM = " + num(sum) + " T = " + num(time) + " " + port;
     default: return {};
     }
 }
@@ -48,9 +48,9 @@ std::string AITOCommand::body() const
 {
     switch (type) {
     case 18:
-        return "AITOON AIN" + num(ain) + " AOUT" + num(aout) + " " + num(para1) + " " + num(para2)
+        return lead(18, " AIN") + num(ain) + " AOUT" + num(aout) + " " + num(para1) + " " + num(para2)
             + " " + num(para3);
-    case 19: return "AITOOFF";
+    case 19: return lead(19);
     default: return {};
     }
 }
@@ -72,11 +72,9 @@ bool VARCommand::isDeclaration() const
 
 std::string VARCommand::body() const
 {
-    const char *word = pick(type, {{35, "INT "}, {37, "DOUBLE "}, {39, "BOOLEAN "}, {40, "SETINT "},
-                                   {41, "SETDOUBLE "}, {42, "SETBOOL "}});
-    if (!word)
+    if (type != 35 && type != 37 && (type < 39 || type > 42))
         return {};
-    return word + key + " = " + strValue;
+    return lead(type, " ") + key + " = " + strValue;
 }
 
 const FieldList<FORCESETCommand> &FORCESETCommand::fields()
@@ -90,7 +88,7 @@ std::string FORCESETCommand::body() const
 {
     if (type != 43)
         return {};
-    return "FORCESET " + gVarName;
+    return lead(43, " ") + gVarName;
 }
 
 const FieldList<OPCommand> &OPCommand::fields()
@@ -105,11 +103,9 @@ const FieldList<OPCommand> &OPCommand::fields()
 
 std::string OPCommand::body() const
 {
-    const char *word = pick(type, {{44, "ADD "}, {45, "SUB "}, {46, "MUL "}, {47, "DIV "}, {48, "MOD "},
-                                   {102, "SIN "}, {103, "COS "}, {104, "ATAN "}});
-    if (!word)
+    if ((type < 44 || type > 48) && (type < 102 || type > 104))
         return {};
-    return word + key + " " + desValue;
+    return lead(type, " ") + key + " " + desValue;
 }
 
 const FieldList<LOGICAL_OPCommand> &LOGICAL_OPCommand::fields()
@@ -127,7 +123,7 @@ std::string LOGICAL_OPCommand::body() const
 {
     if (type != 121)
         return {};
-    std::string line = "LOGICAL_OP " + answerName + " ";
+    std::string line = lead(121, " ") + answerName + " ";
     switch (logicalType) {
     case 0: line += firstName + " AND " + secondName; break;
     case 1: line += firstName + " OR " + secondName; break;
@@ -150,14 +146,14 @@ const FieldList<MODBUSCommand> &MODBUSCommand::fields()
 std::string MODBUSCommand::body() const
 {
     switch (type) {
-    case 210: return "MODBUS_OPEN";
-    case 211: return "MODBUS_CLOSE";
-    case 212: return std::string("MODBUS_CONNECTION_STATUS") + " ID = " + num(ID);
+    case 210: return lead(210);
+    case 211: return lead(211);
+    case 212: return lead(212) + " ID = " + num(ID);
     case 213:
-        return std::string("MODBUS_READ") + " ID = " + num(ID) + " " + num(m_addressType) + " "
+        return lead(213) + " ID = " + num(ID) + " " + num(m_addressType) + " "
             + num(m_firstAddress) + " " + m_variableValue;
     case 214:
-        return std::string("MODBUS_WRITE") + " ID = " + num(ID) + " " + num(m_addressType) + " "
+        return lead(214) + " ID = " + num(ID) + " " + num(m_addressType) + " "
             + num(m_firstAddress) + " " + num(m_addressNum) + " " + m_variableValue;
     default: return {};
     }
@@ -174,7 +170,7 @@ std::string SENDMSGCommand::body() const
 {
     if (type != 94)
         return {};
-    return "SENDMSG ID = " + num(ID) + " " + sendChar;
+    return lead(94, " ID = ") + num(ID) + " " + sendChar;
 }
 
 const FieldList<MSG_CONN_STCommand> &MSG_CONN_STCommand::fields()
@@ -189,7 +185,7 @@ std::string MSG_CONN_STCommand::body() const
 {
     if (type != 95)
         return {};
-    return "MSG_CONN_ST " + num(ID) + " " + m_valueName;
+    return lead(95, " ") + num(ID) + " " + m_valueName;
 }
 
 const FieldList<PARSEMSGCommand> &PARSEMSGCommand::fields()
@@ -206,7 +202,7 @@ std::string PARSEMSGCommand::body() const
 {
     if (type != 96)
         return {};
-    return "PARSEMSG ID = " + num(ID) + " " + explainValue + " CLEARCACHE = " + num(clearCache);
+    return lead(96, " ID = ") + num(ID) + " " + explainValue + " CLEARCACHE = " + num(clearCache);
 }
 
 const FieldList<OPENCLOSEMSGCommand> &OPENCLOSEMSGCommand::fields()
@@ -217,10 +213,9 @@ const FieldList<OPENCLOSEMSGCommand> &OPENCLOSEMSGCommand::fields()
 
 std::string OPENCLOSEMSGCommand::body() const
 {
-    const char *word = pick(type, {{115, "OPENMSG "}, {116, "CLOSEMSG "}});
-    if (!word)
+    if (type != 115 && type != 116)
         return {};
-    return word + std::string("ID = ") + num(ID);
+    return lead(type, " ID = ") + num(ID);
 }
 
 const FieldList<READCOMMCommand> &READCOMMCommand::fields()
@@ -237,7 +232,7 @@ std::string READCOMMCommand::body() const
 {
     if (type != 110)
         return {};
-    return "READCOMM ID = " + num(ID) + (commType == 0 ? " EHTERNET " : " MODBUS ") + m_varname + " "
+    return lead(110, " ID = ") + num(ID) + (commType == 0 ? " EHTERNET " : " MODBUS ") + m_varname + " "
         + m_positionId;
 }
 
@@ -251,9 +246,9 @@ const FieldList<ClkCommand> &ClkCommand::fields()
 std::string ClkCommand::body() const
 {
     switch (type) {
-    case 128: return "CLKSTART ID = " + num(ID);
-    case 129: return "CLKSTOP ID = " + num(ID) + " " + m_varname;
-    case 130: return "CLKRESET ID = " + num(ID);
+    case 128: return lead(128, " ID = ") + num(ID);
+    case 129: return lead(129, " ID = ") + num(ID) + " " + m_varname;
+    case 130: return lead(130, " ID = ") + num(ID);
     default: return {};
     }
 }

@@ -9,6 +9,7 @@
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <limits>
 #include <set>
 
 namespace qrx {
@@ -18,6 +19,8 @@ namespace {
 constexpr int kLastType = 219;
 constexpr std::size_t kMaxCombinations = 4096;
 const std::string_view kDisable = " DISABLE";
+// A selector value that leaves the field its marker: the form has its slot.
+constexpr int kKeepMarker = std::numeric_limits<int>::min();
 
 bool isSelectorKind(FieldAtom::Kind kind)
 {
@@ -29,8 +32,17 @@ void setSelector(Command &command, const FieldAtom &atom, int value)
 {
     if (atom.kind == FieldAtom::Bool)
         *static_cast<bool *>(atom.get(command)) = value != 0;
+    else if (atom.kind == FieldAtom::String)
+        static_cast<std::string *>(atom.get(command))->clear(); // the only choice of a text: empty
     else
         *static_cast<int *>(atom.get(command)) = value;
+}
+
+std::string replaced(std::string text, const std::string &what, const std::string &with)
+{
+    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + with.size()))
+        text.replace(at, what.size(), with);
+    return text;
 }
 
 int selectorValue(Command &command, const FieldAtom &atom)
@@ -96,12 +108,14 @@ struct Builder
     std::pair<std::unique_ptr<Command>, std::vector<std::string>>
     render(const std::vector<std::pair<int, int>> &selectors) const
     {
-        auto command = newCommand(type);
+        auto command = newLineCommand(type);
         std::vector<std::string> markers(atoms.size());
         for (std::size_t i = 0; i < atoms.size(); ++i)
             markers[i] = setMarker(*command, atoms[i], i, intIsValue[i]);
-        for (const auto &[atom, value] : selectors)
-            setSelector(*command, atoms[std::size_t(atom)], value);
+        for (const auto &[atom, value] : selectors) {
+            if (value != kKeepMarker)
+                setSelector(*command, atoms[std::size_t(atom)], value);
+        }
         return {std::move(command), std::move(markers)};
     }
 
@@ -133,17 +147,48 @@ struct Builder
         return pieces;
     }
 
+    // Values of a field that also shape the rest of the line: an int that
+    // counts the groups after it (WINDOW), a name whose absence names
+    // another target (PTHREAD_STATE of the main program). Each such value
+    // gets a form of its own, with its text as a literal; every other value
+    // reads through the form that keeps the field's slot.
+    void addShapingValues(std::vector<std::pair<int, std::vector<int>>> &selectors)
+    {
+        auto [base, markers] = render({});
+        const std::string baseLine = base->toString();
+        for (std::size_t i = 0; i < atoms.size(); ++i) {
+            const bool countLike = atoms[i].kind == FieldAtom::Int && intIsValue[i];
+            if (!countLike && atoms[i].kind != FieldAtom::String)
+                continue;
+            if (markers[i].empty() || baseLine.find(markers[i]) == std::string::npos)
+                continue;
+            std::vector<int> values;
+            for (int v = countLike ? -1 : 0; v <= (countLike ? 5 : 0); ++v) {
+                const std::string plain = replaced(baseLine, markers[i], countLike ? num(v) : std::string());
+                if (render({{int(i), v}}).first->toString() != plain)
+                    values.push_back(v);
+            }
+            if (values.empty())
+                continue;
+            values.insert(values.begin(), kKeepMarker);
+            selectors.emplace_back(int(i), values);
+        }
+    }
+
     std::vector<LineForm> build()
     {
         std::vector<LineForm> forms;
-        if (!newCommand(type))
+        if (!newLineCommand(type))
             return forms;
         // An int whose marker shows in the line is a value; the others may
         // choose between forms (selectors).
         intIsValue.assign(atoms.size(), false);
-        const auto visible = [&](std::size_t i, const std::vector<std::pair<int, int>> &choice) {
+        // `withValues`: the ints already known as values keep their markers.
+        const auto visible = [&](std::size_t i, const std::vector<std::pair<int, int>> &choice,
+                                 bool withValues = false) {
             std::vector<bool> saved = intIsValue;
-            intIsValue.assign(atoms.size(), false);
+            if (!withValues)
+                intIsValue.assign(atoms.size(), false);
             intIsValue[i] = true;
             auto [command, markers] = render(choice);
             intIsValue = saved;
@@ -152,6 +197,12 @@ struct Builder
         for (std::size_t i = 0; i < atoms.size(); ++i) {
             if (atoms[i].kind == FieldAtom::Int)
                 intIsValue[i] = visible(i, {});
+        }
+        // An int shown once a counting value is not zero is a value too
+        // (WINDOW's values after its count).
+        for (std::size_t i = 0; i < atoms.size(); ++i) {
+            if (atoms[i].kind == FieldAtom::Int && !intIsValue[i])
+                intIsValue[i] = visible(i, {}, true);
         }
         std::vector<std::pair<int, std::vector<int>>> selectors;
         for (std::size_t i = 0; i < atoms.size(); ++i) {
@@ -186,6 +237,7 @@ struct Builder
                 }
             }
         }
+        addShapingValues(selectors);
         std::set<std::string> seen;
         std::vector<std::size_t> counter(selectors.size(), 0);
         for (std::size_t n = 0; n < kMaxCombinations; ++n) {
@@ -197,8 +249,10 @@ struct Builder
             if (line.find(kUnknownCommandText) == std::string::npos) {
                 LineForm form;
                 form.type = type;
-                for (const auto &[atom, value] : choice)
-                    form.choices.push_back({atom, value});
+                for (const auto &[atom, value] : choice) {
+                    if (value != kKeepMarker)
+                        form.choices.push_back({atom, value});
+                }
                 form.pieces = cut(line, markers);
                 std::string key;
                 for (const auto &piece : form.pieces)
@@ -321,11 +375,11 @@ std::unique_ptr<Command> tryForm(const LineForm &form, const FieldAtoms &atoms, 
     thread_local std::vector<std::string_view> values;
     if (!cutLine(form, line, values))
         return nullptr;
-    auto command = newCommand(form.type);
+    auto command = newLineCommand(form.type);
     if (!command)
         return nullptr;
     for (const LineForm::Choice &choice : form.choices)
-        setSelector(*command, atoms[std::size_t(choice.atom)], choice.value);
+        applyChoice(*command, atoms, choice);
     std::size_t slot = 0;
     for (const LineForm::Piece &piece : form.pieces) {
         if (piece.atom >= 0 && !assign(*command, atoms[std::size_t(piece.atom)], values[slot++]))
@@ -351,6 +405,11 @@ void resolvePositions(Command &command, const FieldAtoms &atoms, PositionTable *
 }
 
 } // namespace
+
+void applyChoice(Command &command, const FieldAtoms &atoms, const LineForm::Choice &choice)
+{
+    setSelector(command, atoms[std::size_t(choice.atom)], choice.value);
+}
 
 const std::vector<LineForm> &lineForms(int type)
 {
@@ -393,8 +452,6 @@ std::unique_ptr<Command> parseInstructionLine(std::string_view line, const std::
                 if (!command)
                     continue;
                 command->logout = pass == 0;
-                if (command->toString() != line)
-                    continue;
                 resolvePositions(*command, *atoms, table, missingPosition);
                 return command;
             }

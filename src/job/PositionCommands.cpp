@@ -21,7 +21,7 @@ std::string READPOSCommand::body() const
     if (type != 92)
         return {};
     const std::string where = posidtype == 2 ? std::string("CURPOS") : target(posidtype, posidname, m_positionId);
-    return "READPOS " + varname + " " + where + " " + num(coord) + " " + num(axis);
+    return lead(92, " ") + varname + " " + where + " " + num(coord) + " " + num(axis);
 }
 
 const FieldList<POSCALCommand> &POSCALCommand::fields()
@@ -37,10 +37,9 @@ const FieldList<POSCALCommand> &POSCALCommand::fields()
 
 std::string POSCALCommand::body() const
 {
-    const char *word = pick(caltype, {{0, "POSADD "}, {1, "POSSUB "}, {2, "POSSET "}});
-    if (type != 93 || !word)
+    if (type != 93 || caltype < 0 || caltype > 2) // POSADD, POSSUB, POSSET
         return {};
-    return word + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + num(axis) + " "
+    return lead(type, " ", std::size_t(caltype)) + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + num(axis) + " "
         + desData;
 }
 
@@ -57,10 +56,9 @@ const FieldList<POSCALALLCommand> &POSCALALLCommand::fields()
 
 std::string POSCALALLCommand::body() const
 {
-    const char *word = pick(caltype, {{0, "POSADDALL "}, {1, "POSSUBALL "}, {2, "POSSETALL "}});
-    if (type != 140 || !word)
+    if (type != 140 || caltype < 0 || caltype > 2) // POSADDALL, POSSUBALL, POSSETALL
         return {};
-    return word + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + calData;
+    return lead(type, " ", std::size_t(caltype)) + target(posidtype, posidname, m_positionId) + " " + num(coord) + " " + calData;
 }
 
 const FieldList<COPYPOSCommand> &COPYPOSCommand::fields()
@@ -80,8 +78,8 @@ std::string COPYPOSCommand::body() const
         return {};
     const std::string &destination = target(cpdpostype, cpdposname, cpdposId);
     if (cppostype == 2)
-        return "COPYPOS CURPOS TO " + destination;
-    return "COPYPOS " + target(cppostype, cpposname, cpposId) + " TO " + destination;
+        return lead(118, " CURPOS TO ") + destination;
+    return lead(118, " ") + target(cppostype, cpposname, cpposId) + " TO " + destination;
 }
 
 const FieldList<SETPOSMSGCommand> &SETPOSMSGCommand::fields()
@@ -98,7 +96,7 @@ std::string SETPOSMSGCommand::body() const
 {
     if (type != 207)
         return {};
-    return "SETPOSMSG " + target(posidtype, posidname, m_positionId) + " " + posData;
+    return lead(207, " ") + target(posidtype, posidname, m_positionId) + " " + posData;
 }
 
 const FieldList<READPOSMSGCommand> &READPOSMSGCommand::fields()
@@ -116,7 +114,7 @@ std::string READPOSMSGCommand::body() const
     const char *what = pick(varType, {{0, " TCS "}, {1, " UCS "}, {2, " CSTYPE "}, {3, " ANGLEUNIT "}, {4, " SHARP "}});
     if (type != 173 || !what)
         return {};
-    return "READPOSMSG " + m_positionId + what + varName;
+    return lead(173, " ") + m_positionId + what + varName;
 }
 
 const FieldList<TOFFSETCommand> &TOFFSETCommand::fields()
@@ -129,8 +127,8 @@ const FieldList<TOFFSETCommand> &TOFFSETCommand::fields()
 std::string TOFFSETCommand::body() const
 {
     switch (type) {
-    case 141: return "TOFFSETON " + num(coord) + " " + calData;
-    case 142: return "TOFFSETOFF";
+    case 141: return lead(141, " ") + num(coord) + " " + calData;
+    case 142: return lead(142);
     default: return {};
     }
 }
@@ -171,10 +169,10 @@ std::string COORDCommand::body() const
 {
     switch (type) {
     case 49:
-        return "USERCOORD_TRANS (" + num(coordNum) + ") " + num(CoordA) + " " + num(CoordB) + " "
+        return lead(49, " (") + num(coordNum) + ") " + num(CoordA) + " " + num(CoordB) + " "
             + num(CoordC);
-    case 50: return "SWITCHUSER (" + num(coordNum) + ")";
-    case 117: return "SWITCHUSER (" + valueName + ")";
+    case 50: return lead(50, " (") + num(coordNum) + ")";
+    case 117: return lead(117, " (") + valueName + ")";
     default: return {};
     }
 }
@@ -194,7 +192,7 @@ std::string POS_REACHABLECommand::body() const
     const char *move = pick(moveType, {{0, " MOVJ "}, {1, " MOVL "}});
     if (type != 133 || !move)
         return {};
-    return "POS_REACHABLE " + m_varname + move + m_positionId;
+    return lead(133, " ") + m_varname + move + m_positionId;
 }
 
 const FieldList<SWITCHSYNCCommand> &SWITCHSYNCCommand::fields()
@@ -207,7 +205,7 @@ std::string SWITCHSYNCCommand::body() const
 {
     if (type != 51)
         return {};
-    return "SWITCHSYNC " + num(syncgroup);
+    return lead(51, " ") + num(syncgroup);
 }
 
 const FieldList<STRETCHCommand> &STRETCHCommand::fields()
@@ -226,7 +224,7 @@ std::string STRETCHCommand::body() const
     const char *shape = pick(stretchType, {{0, "LINE "}, {1, "ARC "}});
     if (type != 175 || !shape)
         return {};
-    return "POS_STRETCH " + std::string(shape) + position1Id + " " + position2Id + " " + position3Id + " "
+    return lead(175, " ") + std::string(shape) + position1Id + " " + position2Id + " " + position3Id + " "
         + position1OutId + " " + position2OutId + " " + num(stretchL1) + " " + num(stretchL2);
 }
 
@@ -240,7 +238,7 @@ std::string MRESETCommand::body() const
 {
     if (type != 149)
         return {};
-    return "MRESET " + num(exterAxis);
+    return lead(149, " ") + num(exterAxis);
 }
 
 const FieldList<SWICHPAYLOADCommand> &SWICHPAYLOADCommand::fields()
@@ -254,7 +252,7 @@ std::string SWICHPAYLOADCommand::body() const
 {
     if (type != 216)
         return {};
-    return "SWITCHPAYLOAD " + (posIDType == 1 ? stringVar : num(intVar));
+    return lead(216, " ") + (posIDType == 1 ? stringVar : num(intVar));
 }
 
 const FieldList<DragCommand> &DragCommand::fields()
@@ -268,7 +266,7 @@ std::string DragCommand::body() const
 {
     if (type != 172)
         return {};
-    return "DRAG_TRAJECTORY " + trackName + " " + num(trackSpeed);
+    return lead(172, " ") + trackName + " " + num(trackSpeed);
 }
 
 } // namespace qrx

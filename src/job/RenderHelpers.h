@@ -2,6 +2,7 @@
 // Small helpers shared by the toString of the instruction families
 // (internal to the job part).
 
+#include "job/InstructionTable.h"
 #include "job/ParaCommand.h"
 #include "job/TextFormat.h"
 
@@ -22,6 +23,16 @@ inline const char *pick(int key, Keywords table)
             return entry.second;
     }
     return nullptr;
+}
+
+// The leading word of a type's line as the instruction table has it (the
+// `variant`-th word of a type whose word depends on a field: the table
+// lists them in the field's order), then `rest`. Every family renders its
+// keywords through this, so the reader's keywords are the rendered ones.
+inline std::string lead(int type, const char *rest = "", std::size_t variant = 0)
+{
+    const char *word = instructionKeyword(type, variant);
+    return std::string(word ? word : "") + rest;
 }
 
 // The move of an instruction that knows the first `kinds` of " MovJ ",

@@ -31,15 +31,15 @@ const FieldList<ARCCommand> &ARCCommand::fields()
 std::string ARCCommand::body() const
 {
     switch (type) {
-    case 23: return "ARCON ID=" + num(arcParameterId) + " TEMP=" + num(useTemp);
-    case 24: return "ARCOFF ID=" + num(arcParameterId) + " TEMP=" + num(useTemp);
+    case 23: return lead(23, " ID=") + num(arcParameterId) + " TEMP=" + num(useTemp);
+    case 24: return lead(24, " ID=") + num(arcParameterId) + " TEMP=" + num(useTemp);
     case 25:
-        return "ARCSET V= " + num(voltage) + " A= " + num(current) + " T = " + num(arcsetTime_ms);
-    case 26: return "WVON #" + num(arcParameterId);
-    case 27: return "WVOFF " + num(arcParameterId);
-    case 70: return "REFP " + num(refpPointNum) + " " + m_positionId;
-    case 176: return "FEEDWIRE T = " + num(feedtime);
-    case 177: return "SPOTWELD ID = " + num(arcParameterId);
+        return lead(25, " V= ") + num(voltage) + " A= " + num(current) + " T = " + num(arcsetTime_ms);
+    case 26: return lead(26, " #") + num(arcParameterId);
+    case 27: return lead(27, " ") + num(arcParameterId);
+    case 70: return lead(70, " ") + num(refpPointNum) + " " + m_positionId;
+    case 176: return lead(176, " T = ") + num(feedtime);
+    case 177: return lead(177, " ID = ") + num(arcParameterId);
     default: return {};
     }
 }
@@ -57,9 +57,9 @@ std::string TIGWeldCommand::body() const
     switch (type) {
     case 67:
         if (typeOFTIG == 0)
-            return std::string("TIGWELDON ") + "L1 = " + num(l1) + " L2 = " + num(l2);
-        return std::string("TIGWELDON ") + "T = " + num(timeOFTIG);
-    case 68: return "TIGWELDOFF";
+            return lead(67, " ") + "L1 = " + num(l1) + " L2 = " + num(l2);
+        return lead(67, " ") + "T = " + num(timeOFTIG);
+    case 68: return lead(68);
     default: return {};
     }
 }
@@ -73,8 +73,8 @@ const FieldList<LASERCommand> &LASERCommand::fields()
 std::string LASERCommand::body() const
 {
     switch (type) {
-    case 61: return std::string("LASER_ON ") + "ID = " + num(ID);
-    case 62: return "LASER_OFF";
+    case 61: return lead(61, " ") + "ID = " + num(ID);
+    case 62: return lead(62);
     default: return {};
     }
 }
@@ -89,8 +89,8 @@ const FieldList<ARCTRACKCommand> &ARCTRACKCommand::fields()
 std::string ARCTRACKCommand::body() const
 {
     switch (type) {
-    case 158: return (isArcTracking == 0 ? "ARCTRACKON ID = " : "ARCVTRACKON ID = ") + num(ID);
-    case 159: return "ARCTRACKOFF ID = " + num(ID);
+    case 158: return lead(158, " ID = ", isArcTracking == 0 ? 0 : 1) + num(ID);
+    case 159: return lead(159, " ID = ") + num(ID);
     default: return {};
     }
 }
@@ -106,7 +106,7 @@ std::string ARCBUILTINCommand::body() const
 {
     if (type != 170)
         return {};
-    return std::string("ARCBUILTIN ") + "ID = " + num(ID) + " " + num(Value);
+    return lead(170, " ") + "ID = " + num(ID) + " " + num(Value);
 }
 
 const FieldList<TRACKCommand> &TRACKCommand::fields()
@@ -118,10 +118,9 @@ const FieldList<TRACKCommand> &TRACKCommand::fields()
 
 std::string TRACKCommand::body() const
 {
-    const char *word = pick(type, {{85, "LASERTRACK_ON "}, {86, "LASERTRACK_OFF "}});
-    if (!word)
+    if (type != 85 && type != 86)
         return {};
-    return word + std::string("ID = ") + num(ID);
+    return lead(type, " ID = ") + num(ID);
 }
 
 const FieldList<SeamFindCommand> &SeamFindCommand::fields()
@@ -142,17 +141,17 @@ std::string SeamFindCommand::body() const
     const std::string id = num(m_searchNetID);
     switch (type) {
     case 134:
-        return "SEARCH_INITIALIZE ID = " + id + " PRO = " + num(m_searchProID) + " CORR = "
+        return lead(134, " ID = ") + id + " PRO = " + num(m_searchProID) + " CORR = "
             + num(m_searchCorrect);
     case 135:
-        return "SEARCH_MEASURE ID = " + id + " POINT = " + num(m_searchFeaturePA) + " PART = "
+        return lead(135, " ID = ") + id + " POINT = " + num(m_searchFeaturePA) + " PART = "
             + num(m_searchWorkPieNum) + " TASK = " + num(m_searchtaskNum);
     case 136:
-        return "SEARCH_CORR ID = " + id + " POINTA = " + num(m_searchFeaturePA) + " POINTB = "
+        return lead(136, " ID = ") + id + " POINTA = " + num(m_searchFeaturePA) + " POINTB = "
             + num(m_searchFeaturePB) + " POINTC = " + num(m_searchFeaturePC);
-    case 137: return "SEARCH_CANCELCORR ID = " + id + " USER = " + num(m_searchUserCoord);
-    case 138: return "SEARCH_CALBR ID = " + id + " TOOL = " + num(m_searchToolCoord);
-    case 139: return "SEARCH_OFF ID = " + id;
+    case 137: return lead(137, " ID = ") + id + " USER = " + num(m_searchUserCoord);
+    case 138: return lead(138, " ID = ") + id + " TOOL = " + num(m_searchToolCoord);
+    case 139: return lead(139, " ID = ") + id;
     default: return {};
     }
 }
@@ -187,14 +186,14 @@ std::string SEARCHCommand::body() const
     const std::string &where = target(posidtype, posidname, position1Id);
     const std::string motion = textOf(paraV) + textOf(paraPl) + textOf(paraAcc);
     switch (type) {
-    case 151: return "SEARCH_START ID = " + num(ID);
-    case 152: return "SEARCH_STATIC ID = " + num(ID) + " " + where + motion;
+    case 151: return lead(151, " ID = ") + num(ID);
+    case 152: return lead(152, " ID = ") + num(ID) + " " + where + motion;
     case 153:
-        return "SEARCH_DYNAMIC " + where + " TYPE = " + num(senseType) + " ID = " + num(ID) + motion;
-    case 154: return "SEARCH_OFFSET " + positionOutId;
-    case 155: return "SEARCH_OFFSETEND";
-    case 156: return "SEARCH_CALC PART = " + num(artifactType) + " " + positionOutId;
-    case 157: return "SEARCH_END ID = " + num(ID);
+        return lead(153, " ") + where + " TYPE = " + num(senseType) + " ID = " + num(ID) + motion;
+    case 154: return lead(154, " ") + positionOutId;
+    case 155: return lead(155);
+    case 156: return lead(156, " PART = ") + num(artifactType) + " " + positionOutId;
+    case 157: return lead(157, " ID = ") + num(ID);
     default: return {};
     }
 }
@@ -213,14 +212,14 @@ const FieldList<PathCommand> &PathCommand::fields()
 std::string PathCommand::body() const
 {
     switch (type) {
-    case 178: return "WELDPATHSTART";
-    case 179: return "WELDPATHSTOP";
-    case 180: return "WELDPATHCOUNT " + varName;
+    case 178: return lead(178);
+    case 179: return lead(179);
+    case 180: return lead(180, " ") + varName;
     case 181:
-        return "WELDPATHOFFSET WELDPATH" + num(initialPath) + " WELDPATH" + num(targetPath) + " "
+        return lead(181, " WELDPATH") + num(initialPath) + " WELDPATH" + num(targetPath) + " "
             + num(xOffset) + " " + num(yOffset) + " " + num(zOffset) + " " + num(aOffset) + " "
             + num(bOffset) + " " + num(cOffset);
-    case 182: return "STARTOFFSETWELD";
+    case 182: return lead(182);
     default: return {};
     }
 }
@@ -240,7 +239,7 @@ std::string SCREWCommand::body() const
     const char *mode = pick(screwType, {{0, " TIGHT "}, {1, " UNSCREW "}, {2, " FREE "}});
     if (type != 143 || !mode)
         return {};
-    return "SCREW ID = " + num(screwID) + mode + varName + " " + num(maxSpinTime);
+    return lead(143, " ID = ") + num(screwID) + mode + varName + " " + num(maxSpinTime);
 }
 
 const FieldList<POLISHCommand> &POLISHCommand::fields()
@@ -255,9 +254,9 @@ std::string POLISHCommand::body() const
 {
     switch (type) {
     case 131:
-        return "POLISH_CONTINUE ID = " + num(polishID) + " TIMES = " + num(times) + " ANGLE = "
+        return lead(131, " ID = ") + num(polishID) + " TIMES = " + num(times) + " ANGLE = "
             + num(angle) + " " + num(time);
-    case 132: return "POLISH_OFF ID = " + num(polishID);
+    case 132: return lead(132, " ID = ") + num(polishID);
     default: return {};
     }
 }
