@@ -42,13 +42,12 @@
 // complete, instead of being deleted before the download starts, so a broken
 // transfer leaves the old file, never half a file and never none.
 
-#include "link/FrameCodec.h"
+#include "link/FramedConnection.h"
 
 #include <QFile>
 #include <QObject>
 #include <QSaveFile>
 #include <QStringList>
-#include <QTcpSocket>
 
 #include <atomic>
 #include <functional>
@@ -116,6 +115,8 @@ public Q_SLOTS:
     void slot_autoSyncTeachbox();
 
 private:
+    void onFrame(quint16 command, const QByteArray &payload);
+    void onConnectionStatus(int status);
     void route(quint16 command, const QByteArray &payload);
     bool connectFileSocket();
     void sendFrame(quint16 command, const QByteArray &payload);
@@ -139,8 +140,9 @@ private:
     Robot *m_robot;
     QString m_ip;
     quint16 m_port = kFilePort;
-    QTcpSocket m_socket;
-    qrx::FrameDecoder m_decoder;
+    // The file connection: no heartbeat, no reconnect, partial frames kept.
+    qrx::FramedConnection m_connection{qrx::FramedConnection::fileConnectionOptions()};
+    bool m_opened = false; // connected once: a loss from now on breaks the transfer
     Mode m_mode = JobDownload;
     QString m_jobRoot;
     QString m_targetFolder;
@@ -168,7 +170,6 @@ private:
     QByteArray m_consent = "no";
 
     bool m_finished = false;
-    bool m_inReadyRead = false;
     int m_failed = 0;
     int m_filesDone = 0;
     QString m_lastFailure;
