@@ -156,8 +156,10 @@ private:
 
     void handle(quint16 command, const QByteArray &payload)
     {
+        // File data is not JSON: only the other frames are parsed.
         Json::Value v;
-        qrx::parsePayload(payload, v);
+        if (command != code::UploadChunk)
+            qrx::parsePayload(payload, v);
         switch (command) {
         case code::AnnounceUpload: upload(v); break;
         case code::UploadChunk:

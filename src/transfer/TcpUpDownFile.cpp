@@ -94,7 +94,7 @@ void TcpUpDownFile::onFrame(quint16 command, const QByteArray &payload)
     if (m_finished)
         return;
     if (m_robot)
-        m_robot->link()->setLastPingTime(QDateTime::currentDateTime());
+        m_robot->link()->setLastPingTime(QDateTime::currentDateTimeUtc()); // as the link itself notes it
     if (command >= code::UploadAnswer && command <= code::FileData)
         route(command, payload);
 }
@@ -142,6 +142,7 @@ void TcpUpDownFile::fail(const QString &text)
     m_finished = true;
     m_connection.disconnect(this);
     m_connection.release(1000);
+    wake();
 }
 
 void TcpUpDownFile::finish()
@@ -151,6 +152,24 @@ void TcpUpDownFile::finish()
     m_finished = true;
     m_connection.disconnect(this);
     m_connection.release(1000);
+    wake();
+}
+
+void TcpUpDownFile::runEventsBriefly()
+{
+    // Up to 50 ms of this thread's events; wake() ends it at once when the
+    // transfer or the file it waits for has ended.
+    QEventLoop loop;
+    QTimer::singleShot(50, &loop, &QEventLoop::quit);
+    m_waitLoop = &loop;
+    loop.exec();
+    m_waitLoop = nullptr;
+}
+
+void TcpUpDownFile::wake()
+{
+    if (m_waitLoop)
+        m_waitLoop->quit();
 }
 
 void TcpUpDownFile::waitUntilFinished()
@@ -163,9 +182,7 @@ void TcpUpDownFile::waitUntilFinished()
     int lastFiles = -1;
     qint64 lastReceived = -1;
     while (!m_finished) {
-        QEventLoop loop;
-        QTimer::singleShot(50, &loop, &QEventLoop::quit);
-        loop.exec();
+        runEventsBriefly();
         if (m_filesDone != lastFiles || m_received != lastReceived) {
             lastFiles = m_filesDone;
             lastReceived = m_received;
@@ -201,9 +218,7 @@ void TcpUpDownFile::setUpLoadJobFileName(QStringList jobfilelist)
         quiet.start();
         qint64 seen = m_remaining;
         while (!m_fileDone && !m_finished) {
-            QEventLoop loop;
-            QTimer::singleShot(50, &loop, &QEventLoop::quit);
-            loop.exec();
+            runEventsBriefly();
             if (m_remaining != seen) {
                 seen = m_remaining;
                 quiet.restart();
@@ -307,6 +322,7 @@ void TcpUpDownFile::uploadFinished(const QByteArray &payload)
         m_robot->send(code::UploadStoredNotice, jsonOf({{"name", utf8(name)}}));
     ++m_filesDone;
     m_fileDone = true;
+    wake();
 }
 
 void TcpUpDownFile::stopDownloadFile()

@@ -53,6 +53,7 @@
 #include <functional>
 #include <memory>
 
+class QEventLoop;
 class Robot;
 
 class TcpUpDownFile : public QObject
@@ -124,6 +125,8 @@ private:
     void fail(const QString &text);
     void finish();
     void waitUntilFinished();
+    void runEventsBriefly();
+    void wake();
     void uploadAnswer(const QByteArray &payload);
     void uploadFinished(const QByteArray &payload);
     void sendWholeFile();
@@ -170,6 +173,7 @@ private:
     QByteArray m_consent = "no";
 
     bool m_finished = false;
+    QEventLoop *m_waitLoop = nullptr; // the wait that wake() ends
     int m_failed = 0;
     int m_filesDone = 0;
     QString m_lastFailure;
