@@ -164,6 +164,34 @@ static int wait_servo(int state)
     return 0;
 }
 
+/* Polls the running state until a job runs (2) or polls x 50 ms passed;
+ * returns the last state read. */
+static int wait_job_running(int polls)
+{
+    int state = get_robot_running_state();
+    while (state != 2 && polls-- > 0) {
+        sleep_ms(50);
+        state = get_robot_running_state();
+    }
+    return state;
+}
+
+/* Prints the running line as it changes while the job runs, for at most
+ * polls x 50 ms; returns the running state then. */
+static int follow_job_lines(int polls)
+{
+    int state = 2, last_line = -1;
+    for (; polls > 0 && state == 2; --polls) {
+        const int line = get_job_running_lines();
+        if (line != last_line)
+            info("line %d", line);
+        last_line = line;
+        sleep_ms(50);
+        state = get_robot_running_state();
+    }
+    return state;
+}
+
 /* A small job of three timed lines, in the controller's job language. */
 static const char k_demo_job[] =
     "//DIR\n//JOB\n//NAME UPDEMO\n//POS\n///NPOS 1,0,0,0,0,0\n///POSTYPE PULSE\n///PULSE\n"
@@ -224,7 +252,7 @@ static int job_file_steps(char *host, char *fresh, size_t size)
     char folder[600], path[700], back[sizeof k_demo_job + 16];
     FILE *f;
     long n;
-    int state = 0, last_line = -1, polls;
+    int state;
 
     step("job files: write UPDEMO.JBR, upload it");
     if (!make_job_root(host, size, folder, sizeof folder) || !make_dir(folder))
@@ -245,22 +273,10 @@ static int job_file_steps(char *host, char *fresh, size_t size)
     set_runs(1);
     open_job("UPDEMO");
     run_job("UPDEMO");
-    for (polls = 0; polls < 30 && state != 2; ++polls) {
-        state = get_robot_running_state();
-        if (state != 2)
-            sleep_ms(50);
-    }
+    state = wait_job_running(30);
     if (state == 2) {
         info("running state %d: UPDEMO running", state);
-        for (polls = 0; polls < 200 && state == 2; ++polls) {
-            const int line = get_job_running_lines();
-            if (line != last_line)
-                info("line %d", line);
-            last_line = line;
-            sleep_ms(50);
-            state = get_robot_running_state();
-        }
-        if (state == 2)
+        if (follow_job_lines(200) == 2)
             stop_job();
         info("running state %d: UPDEMO done", get_robot_running_state());
     } else {
@@ -405,23 +421,11 @@ int main(int argc, char **argv)
     open_job("DEMO");
     run_job("DEMO");
     {
-        int state = 0, last_line = -1, polls;
-        for (polls = 0; polls < 100 && state != 2; ++polls) {
-            state = get_robot_running_state();
-            if (state != 2)
-                sleep_ms(50);
-        }
+        int state = wait_job_running(100);
         if (state != 2)
             return fail("the job did not start");
         info("running state %d: job running", state);
-        for (polls = 0; polls < 400 && state == 2; ++polls) {
-            const int line = get_job_running_lines();
-            if (line != last_line)
-                info("line %d", line);
-            last_line = line;
-            sleep_ms(50);
-            state = get_robot_running_state();
-        }
+        state = follow_job_lines(400);
         if (state != 0)
             return fail("the job did not end");
         info("running state %d: job done", state);
