@@ -6,7 +6,10 @@
 // thread that created it, blocking it while files move.
 //
 // The exchange, one file at a time (H host, C controller; F file connection,
-// M main link). qrx-sim's file service follows this same table.
+// M main link). qrx-sim's file service follows this same table; the codes'
+// names are in protocol/Codes.h (0x5501 AnnounceUpload … 0x5544
+// ExportFinished). The file connection is a FramedConnection with the file
+// connection's options: no heartbeat, no reconnect, partial frames kept.
 //
 //   upload (mode 4), per file of the list, 1000 ms apart:
 //     H->F 0x5501 {"name":"job/R1/A.JBR","size":n}
