@@ -1,7 +1,8 @@
 // File transfer against qrx-sim on loopback: a 64 MiB job file up and down
-// through upload_job/download_job, beside two baselines of the same run: a raw
-// loopback TCP copy of the same bytes, and writing them into a file of the
-// same folder the way a receiver must (QSaveFile, committed). Also the peak
+// through upload_job/download_job, beside baselines of the same run: a raw
+// loopback TCP copy of the same bytes, and what the exchange must do with
+// them besides moving them: the frame CRC, the MD5 of a job download's
+// digest list, and writing them into a committed file (QSaveFile). Also the peak
 // memory growth of each transfer (VmHWM after resetting it), and 20 small
 // files with the share of the pause between files.
 //
@@ -18,6 +19,7 @@
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
@@ -214,6 +216,20 @@ void BM_FrameCrc64MiB(benchmark::State &state)
     state.SetBytesProcessed(state.iterations() * kBigFile);
 }
 
+// The digest a job download starts with: the controller announces the MD5
+// of each of its job files (and the host hashes a local copy it has).
+void BM_Md5Of64MiB(benchmark::State &state)
+{
+    const QByteArray block(1 << 20, 'm');
+    for (auto _ : state) {
+        QCryptographicHash hash(QCryptographicHash::Md5);
+        for (qint64 done = 0; done < kBigFile; done += block.size())
+            hash.addData(block);
+        benchmark::DoNotOptimize(hash.result());
+    }
+    state.SetBytesProcessed(state.iterations() * kBigFile);
+}
+
 // What a receiver does with the bytes at the least: 64 MiB written into a new
 // file of the transfer's folder in 2048-byte pieces and committed.
 void BM_SaveFile64MiB(benchmark::State &state)
@@ -305,6 +321,7 @@ void BM_UploadTwentySmallFiles(benchmark::State &state)
 
 BENCHMARK(BM_RawLoopbackCopy)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_FrameCrc64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK(BM_Md5Of64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_SaveFile64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_UploadJob64MiB)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 BENCHMARK(BM_DownloadJob64MiB)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
