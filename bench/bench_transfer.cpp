@@ -1,21 +1,34 @@
-// File transfer against an in-process qrx-sim on loopback: a 64 MiB job file
-// up and down through upload_job/download_job, beside a raw loopback TCP copy
-// of the same bytes in the same run; the peak memory growth of each transfer
-// (VmHWM after resetting it); 20 small files and the share of the pause
-// between files.
+// File transfer against qrx-sim on loopback: a 64 MiB job file up and down
+// through upload_job/download_job, beside baselines of the same run: a raw
+// loopback TCP copy of the same bytes, and what the exchange must do with
+// them besides moving them: the frame CRC, the MD5 of a job download's
+// digest list, and writing them into a committed file (QSaveFile). Also the peak
+// memory growth of each transfer (VmHWM after resetting it), and 20 small
+// files with the share of the pause between files.
+//
+// The controller is its own process by default (qrx-sim, as a real one is
+// another machine); QRX_BENCH_SIM=thread runs it in this process instead,
+// where it shares the process's memory figure and its cores' scheduling.
 
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 #include "sim/SimHandle.h"
 #include "sim/files/FileService.h"
+#include "link/FrameCodec.h"
 
 #include <benchmark/benchmark.h>
 
 #include <QCoreApplication>
+#include <QCryptographicHash>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
+#include <QSaveFile>
+#include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
@@ -23,6 +36,8 @@
 #include <unistd.h>
 
 #include <fstream>
+#include <iterator>
+#include <sstream>
 #include <memory>
 #include <string>
 #include <thread>
@@ -44,6 +59,24 @@ long statusKb(const char *key)
     return 0;
 }
 
+// CPU time (user + system) of another process, in milliseconds.
+double processCpuMs(qint64 pid)
+{
+    std::ifstream in("/proc/" + std::to_string(pid) + "/stat");
+    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const auto end = text.rfind(')'); // fields after the command name, from the state on
+    if (end == std::string::npos)
+        return 0;
+    std::istringstream fields(text.substr(end + 2));
+    std::string field;
+    double ticks = 0;
+    for (int i = 3; i <= 15 && fields >> field; ++i) {
+        if (i == 14 || i == 15) // utime, stime
+            ticks += std::stod(field);
+    }
+    return ticks * 1000.0 / double(::sysconf(_SC_CLK_TCK));
+}
+
 void resetPeak()
 {
     std::ofstream("/proc/self/clear_refs") << "5";
@@ -61,23 +94,60 @@ void writeBig(const QString &path)
     }
 }
 
+// True once a port of the controller accepts connections (bounded wait).
+bool accepts(quint16 port)
+{
+    QDeadlineTimer deadline(10000);
+    while (!deadline.hasExpired()) {
+        QTcpSocket probe;
+        probe.connectToHost(QString::fromLatin1(kAddress), port);
+        if (probe.waitForConnected(500))
+            return true;
+        QThread::msleep(20);
+    }
+    return false;
+}
+
 struct Rig
 {
     std::unique_ptr<qrxsim::SimHandle> sim;
     std::unique_ptr<qrxsim::FileServiceHandle> files;
+    std::unique_ptr<QProcess> process;
     QTemporaryDir host, controller;
 
     bool start()
     {
         Robot::setLinkTimeBase(30000);
-        sim = std::make_unique<qrxsim::SimHandle>(QString::fromLatin1(kAddress));
-        if (!sim->start())
-            return false;
-        files = std::make_unique<qrxsim::FileServiceHandle>(*sim);
         const QString job = controller.path() + QStringLiteral("/job");
-        files->with([&](qrxsim::FileService &service) { service.jobDir = job; });
+        if (qgetenv("QRX_BENCH_SIM") == "thread") {
+            sim = std::make_unique<qrxsim::SimHandle>(QString::fromLatin1(kAddress));
+            if (!sim->start())
+                return false;
+            files = std::make_unique<qrxsim::FileServiceHandle>(*sim);
+            files->with([&](qrxsim::FileService &service) { service.jobDir = job; });
+            if (!files->isListening())
+                return false;
+        } else {
+            process = std::make_unique<QProcess>();
+            process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+            process->setStandardOutputFile(QProcess::nullDevice());
+            process->start(QStringLiteral(QRX_SIM_BINARY),
+                           {QStringLiteral("--address"), QString::fromLatin1(kAddress), QStringLiteral("--job-dir"), job});
+            if (!process->waitForStarted() || !accepts(6001) || !accepts(5000))
+                return false;
+        }
         qrx_set_job_root(host.path().toUtf8().constData());
-        return files->isListening() && connect_robot(kAddress) == 1;
+        return connect_robot(kAddress) == 1;
+    }
+    void stop()
+    {
+        disconnect_robot();
+        if (process) {
+            process->terminate();
+            if (!process->waitForFinished(5000))
+                process->kill();
+            process->waitForFinished(5000);
+        }
     }
     void clear()
     {
@@ -86,12 +156,15 @@ struct Rig
     }
 };
 
+Rig *g_rig = nullptr;
+
 Rig &rig()
 {
     static Rig r;
     static bool started = r.start();
     if (!started)
         std::abort();
+    g_rig = &r;
     return r;
 }
 
@@ -129,6 +202,55 @@ void BM_RawLoopbackCopy(benchmark::State &state)
     state.SetBytesProcessed(state.iterations() * kBigFile);
 }
 
+// The frame check both sides must compute: CRC-32 of 64 MiB in frames of
+// 2048 payload bytes (zlib, as the frame format says).
+void BM_FrameCrc64MiB(benchmark::State &state)
+{
+    const QByteArray chunk(2048 + 4, 'c');
+    quint32 sum = 0;
+    for (auto _ : state) {
+        for (qint64 done = 0; done < kBigFile; done += 2048)
+            sum ^= qrx::frameCrc(chunk.constData(), chunk.size());
+    }
+    benchmark::DoNotOptimize(sum);
+    state.SetBytesProcessed(state.iterations() * kBigFile);
+}
+
+// The digest a job download starts with: the controller announces the MD5
+// of each of its job files (and the host hashes a local copy it has).
+void BM_Md5Of64MiB(benchmark::State &state)
+{
+    const QByteArray block(1 << 20, 'm');
+    for (auto _ : state) {
+        QCryptographicHash hash(QCryptographicHash::Md5);
+        for (qint64 done = 0; done < kBigFile; done += block.size())
+            hash.addData(block);
+        benchmark::DoNotOptimize(hash.result());
+    }
+    state.SetBytesProcessed(state.iterations() * kBigFile);
+}
+
+// What a receiver does with the bytes at the least: 64 MiB written into a new
+// file of the transfer's folder in 2048-byte pieces and committed.
+void BM_SaveFile64MiB(benchmark::State &state)
+{
+    Rig &r = rig();
+    const QByteArray chunk(2048, 'w');
+    const QString path = r.controller.path() + QStringLiteral("/baseline.bin");
+    for (auto _ : state) {
+        QSaveFile file(path);
+        file.open(QIODevice::WriteOnly);
+        for (qint64 done = 0; done < kBigFile; done += chunk.size())
+            file.write(chunk);
+        if (!file.commit())
+            state.SkipWithError("cannot write the baseline file");
+        state.PauseTiming();
+        QFile::remove(path);
+        state.ResumeTiming();
+    }
+    state.SetBytesProcessed(state.iterations() * kBigFile);
+}
+
 // One 64 MiB transfer per iteration: prepare() places the file, run() moves
 // it; the peak resident growth over the run is reported.
 template <class Prepare, class Run>
@@ -136,22 +258,28 @@ void bigTransfer(benchmark::State &state, Prepare &&prepare, Run &&run)
 {
     Rig &r = rig();
     long peak = 0;
+    double simCpu = 0;
     for (auto _ : state) {
         state.PauseTiming();
         r.clear();
         prepare(r);
         resetPeak();
         const long before = statusKb("VmRSS:");
+        const double simBefore = r.process ? processCpuMs(r.process->processId()) : 0;
         state.ResumeTiming();
         run();
         state.PauseTiming();
         peak = std::max(peak, statusKb("VmHWM:") - before);
+        if (r.process)
+            simCpu += processCpuMs(r.process->processId()) - simBefore;
         if (qrx_last_transfer_failed())
             state.SkipWithError("transfer failed");
         state.ResumeTiming();
     }
     state.SetBytesProcessed(state.iterations() * kBigFile);
     state.counters["peak_growth_MiB"] = double(peak) / 1024.0;
+    if (r.process) // the controller's share of the work, per transfer
+        state.counters["sim_cpu_ms"] = simCpu / double(state.iterations());
 }
 
 void BM_UploadJob64MiB(benchmark::State &state)
@@ -192,6 +320,9 @@ void BM_UploadTwentySmallFiles(benchmark::State &state)
 }
 
 BENCHMARK(BM_RawLoopbackCopy)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK(BM_FrameCrc64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK(BM_Md5Of64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK(BM_SaveFile64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_UploadJob64MiB)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 BENCHMARK(BM_DownloadJob64MiB)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 BENCHMARK(BM_UploadTwentySmallFiles)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
@@ -203,6 +334,7 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
-    disconnect_robot();
+    if (g_rig)
+        g_rig->stop();
     return 0;
 }

@@ -6,10 +6,13 @@
  *   jog axis 1 for a moment, a joint move and a linear move while watching
  *   the position, digital and analog IO, a global variable, a job run,
  *   the controller's state, servo off, disconnect.
+ * With --job-files also: write a small job file, upload it, run it, download
+ * the controller's jobs into a fresh folder and compare them.
  *
- * Usage: qrx-demo [controller-address] [--verbose]   (default 127.0.0.1)
- * --verbose also shows the library's log lines (QT_LOGGING_RULES decides
- * when it is set).
+ * Usage: qrx-demo [controller-address] [--verbose] [--job-files]
+ * (default 127.0.0.1). --verbose also shows the library's log lines
+ * (QT_LOGGING_RULES decides when it is set). --job-files writes to the
+ * controller's job folder: meant for qrx-sim (scripts/demo passes it).
  * Exit status 0 when every step did what it should, 1 otherwise.
  *
  * The getters wait for the controller's next reply of any kind, so a value
@@ -25,11 +28,33 @@
 #include <string.h>
 
 #ifdef _WIN32
+#include <direct.h>
 #include <windows.h>
 static void sleep_ms(int ms) { Sleep((DWORD)ms); }
+static int make_dir(const char *path) { return _mkdir(path) == 0; }
+static void remove_dir(const char *path) { _rmdir(path); }
+static int make_temp_dir(char *path, size_t size)
+{
+    char base[MAX_PATH];
+    if (!GetTempPathA(sizeof base, base))
+        return 0;
+    snprintf(path, size, "%sqrx-demo-%lu-%lu", base, (unsigned long)GetCurrentProcessId(),
+             (unsigned long)GetTickCount());
+    return make_dir(path);
+}
 static void quiet_library(void) { _putenv("QT_LOGGING_RULES=qrx.*.debug=false"); }
 #else
+#include <sys/stat.h>
 #include <time.h>
+#include <unistd.h>
+static int make_dir(const char *path) { return mkdir(path, 0755) == 0; }
+static void remove_dir(const char *path) { rmdir(path); }
+static int make_temp_dir(char *path, size_t size)
+{
+    const char *base = getenv("TMPDIR");
+    snprintf(path, size, "%s/qrx-demo-XXXXXX", base && *base ? base : "/tmp");
+    return mkdtemp(path) != NULL;
+}
 static void quiet_library(void) { setenv("QT_LOGGING_RULES", "qrx.*.debug=false", 0); }
 static void sleep_ms(int ms)
 {
@@ -139,15 +164,163 @@ static int wait_servo(int state)
     return 0;
 }
 
+/* Polls the running state until a job runs (2) or polls x 50 ms passed;
+ * returns the last state read. */
+static int wait_job_running(int polls)
+{
+    int state = get_robot_running_state();
+    while (state != 2 && polls-- > 0) {
+        sleep_ms(50);
+        state = get_robot_running_state();
+    }
+    return state;
+}
+
+/* Prints the running line as it changes while the job runs, for at most
+ * polls x 50 ms; returns the running state then. */
+static int follow_job_lines(int polls)
+{
+    int state = 2, last_line = -1;
+    for (; polls > 0 && state == 2; --polls) {
+        const int line = get_job_running_lines();
+        if (line != last_line)
+            info("line %d", line);
+        last_line = line;
+        sleep_ms(50);
+        state = get_robot_running_state();
+    }
+    return state;
+}
+
+/* A small job of three timed lines, in the controller's job language. */
+static const char k_demo_job[] =
+    "//DIR\n//JOB\n//NAME UPDEMO\n//POS\n///NPOS 1,0,0,0,0,0\n///POSTYPE PULSE\n///PULSE\n"
+    "//INSTRUCTION\n///DATE 2026.11.23 10:00:00\nROBOTTYPE = [R6]\nDOUBLEROBOT = [NoCooperative]\n"
+    "PROVERSION = [1.0.5]\nNOP\nTIMER T = 0.2\nTIMER T = 0.2\nTIMER T = 0.2\nEND\n";
+
+/* root/robotJob/R1 below a new temporary folder; the folder in root. */
+static int make_job_root(char *root, size_t size, char *r1, size_t r1size)
+{
+    if (!make_temp_dir(root, size))
+        return 0;
+    snprintf(r1, r1size, "%s/robotJob", root);
+    if (!make_dir(r1))
+        return 0;
+    snprintf(r1, r1size, "%s/robotJob/R1", root);
+    return 1;
+}
+
+/* Removes what make_job_root made, with UPDEMO.JBR in it. */
+static void remove_job_root(const char *root)
+{
+    char path[700];
+    snprintf(path, sizeof path, "%s/robotJob/R1/UPDEMO.JBR", root);
+    remove(path);
+    snprintf(path, sizeof path, "%s/robotJob/R1", root);
+    remove_dir(path);
+    snprintf(path, sizeof path, "%s/robotJob", root);
+    remove_dir(path);
+    remove_dir(root);
+}
+
+/* The whole file in a buffer of size bytes; its length, or -1. */
+static long read_file(const char *path, char *buffer, long size)
+{
+    FILE *f = fopen(path, "rb");
+    long n;
+    if (!f)
+        return -1;
+    n = (long)fread(buffer, 1, (size_t)size, f);
+    fclose(f);
+    return n;
+}
+
+static int transfer_failed(const char *why)
+{
+    char text[512];
+    qrx_last_transfer_error(text, (int)sizeof text);
+    info("%s", text);
+    return fail(why);
+}
+
+/* Upload UPDEMO.JBR, run it, download the controller's jobs into a fresh
+ * folder and compare. Returns 0 when the files went both ways unchanged;
+ * whether the controller runs the uploaded job is shown, not required (a
+ * controller that does not read job files refuses it by name). */
+static int job_file_steps(char *host, char *fresh, size_t size)
+{
+    char folder[600], path[700], back[sizeof k_demo_job + 16];
+    FILE *f;
+    long n;
+    int state;
+
+    step("job files: write UPDEMO.JBR, upload it");
+    if (!make_job_root(host, size, folder, sizeof folder) || !make_dir(folder))
+        return fail("cannot make a local job folder");
+    snprintf(path, sizeof path, "%s/UPDEMO.JBR", folder);
+    f = fopen(path, "wb");
+    if (!f || fwrite(k_demo_job, 1, sizeof k_demo_job - 1, f) != sizeof k_demo_job - 1)
+        return fail("cannot write the job file");
+    fclose(f);
+    info("%s, %d bytes", path, (int)(sizeof k_demo_job - 1));
+    qrx_set_job_root(host);
+    upload_job();
+    if (qrx_last_transfer_failed() != 0)
+        return transfer_failed("the upload did not go through (qrx-sim needs --job-dir)");
+    info("uploaded");
+
+    step("job files: run UPDEMO");
+    set_runs(1);
+    open_job("UPDEMO");
+    run_job("UPDEMO");
+    state = wait_job_running(30);
+    if (state == 2) {
+        info("running state %d: UPDEMO running", state);
+        if (follow_job_lines(200) == 2)
+            stop_job();
+        info("running state %d: UPDEMO done", get_robot_running_state());
+    } else {
+        info("running state %d: the controller did not run UPDEMO", state);
+    }
+
+    step("job files: download the controller's jobs into a fresh folder, compare");
+    if (!make_job_root(fresh, size, folder, sizeof folder))
+        return fail("cannot make a fresh job folder");
+    qrx_set_job_root(fresh);
+    download_job();
+    if (qrx_last_transfer_failed() != 0)
+        return transfer_failed("the download did not go through");
+    snprintf(path, sizeof path, "%s/UPDEMO.JBR", folder);
+    n = read_file(path, back, (long)sizeof back);
+    info("%s, %ld bytes", path, n);
+    if (n != (long)sizeof k_demo_job - 1 || memcmp(back, k_demo_job, (size_t)n) != 0)
+        return fail("the downloaded job differs from the uploaded one");
+    info("same bytes as uploaded");
+    return 0;
+}
+
+static int job_file_round_trip(void)
+{
+    char host[512] = "", fresh[512] = "";
+    const int result = job_file_steps(host, fresh, sizeof host);
+    if (*host)
+        remove_job_root(host);
+    if (*fresh)
+        remove_job_root(fresh);
+    return result;
+}
+
 int main(int argc, char **argv)
 {
     const char *address = "127.0.0.1";
-    int verbose = 0, a, tries;
+    int verbose = 0, job_files = 0, a, tries;
     double pos[6], before[6], io[16];
 
     for (a = 1; a < argc; ++a) {
         if (strcmp(argv[a], "--verbose") == 0)
             verbose = 1;
+        else if (strcmp(argv[a], "--job-files") == 0)
+            job_files = 1;
         else
             address = argv[a];
     }
@@ -254,23 +427,11 @@ int main(int argc, char **argv)
     open_job("DEMO");
     run_job("DEMO");
     {
-        int state = 0, last_line = -1, polls;
-        for (polls = 0; polls < 100 && state != 2; ++polls) {
-            state = get_robot_running_state();
-            if (state != 2)
-                sleep_ms(50);
-        }
+        int state = wait_job_running(100);
         if (state != 2)
             return fail("the job did not start");
         info("running state %d: job running", state);
-        for (polls = 0; polls < 400 && state == 2; ++polls) {
-            const int line = get_job_running_lines();
-            if (line != last_line)
-                info("line %d", line);
-            last_line = line;
-            sleep_ms(50);
-            state = get_robot_running_state();
-        }
+        state = follow_job_lines(400);
         if (state != 0)
             return fail("the job did not end");
         info("running state %d: job done", state);
@@ -280,6 +441,9 @@ int main(int argc, char **argv)
         get_single_cycle(cycle);
         info("last cycle %.2f s, cycles done %.0f", cycle[0], cycle[2]);
     }
+
+    if (job_files && job_file_round_trip() != 0)
+        return 1;
 
     step("controller state");
     get_current_position(pos, 0);

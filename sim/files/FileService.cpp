@@ -2,6 +2,7 @@
 
 #include "common/CompactJson.h"
 #include "common/Payload.h"
+#include "protocol/Codes.h"
 #include "sim/Session.h"
 #include "sim/SimHandle.h"
 #include "sim/Simulator.h"
@@ -23,6 +24,8 @@
 namespace qrxsim {
 
 namespace {
+
+namespace code = qrx::protocol::code;
 
 constexpr qint64 kChunk = 2048;
 constexpr qint64 kBacklog = 256 * 1024;
@@ -78,7 +81,7 @@ private:
         m_decoder.feed(m_socket->readAll(), [this](quint16 command, const QByteArray &payload) {
             // File data is recorded by its size only: a long upload does not
             // pile up in the record.
-            m_service.received.push_back({command, command == 0x5511 ? QByteArray::number(payload.size()) : payload});
+            m_service.received.push_back({command, command == code::UploadChunk ? QByteArray::number(payload.size()) : payload});
             handle(command, payload);
         });
     }
@@ -133,7 +136,7 @@ private:
         }
         if (sent < m_file.size()) {
             const QByteArray chunk = m_file.read(kChunk);
-            const QByteArray frame = qrx::encodeFrame(0x5522, chunk);
+            const QByteArray frame = qrx::encodeFrame(code::FileData, chunk);
             if (m_service.faults.splitFrames) {
                 m_out.enqueue(frame.left(frame.size() / 2));
                 m_out.enqueue(frame.mid(frame.size() / 2));
@@ -146,34 +149,36 @@ private:
         m_file.close();
         Json::Value done(Json::objectValue);
         done["finish"] = "yes";
-        const QByteArray frame = qrx::encodeFrame(0x5522, qrx::jsonPayload(done));
+        const QByteArray frame = qrx::encodeFrame(code::FileData, qrx::jsonPayload(done));
         m_out.enqueue(frame);
         return true;
     }
 
     void handle(quint16 command, const QByteArray &payload)
     {
+        // File data is not JSON: only the other frames are parsed.
         Json::Value v;
-        qrx::parsePayload(payload, v);
+        if (command != code::UploadChunk)
+            qrx::parsePayload(payload, v);
         switch (command) {
-        case 0x5501: upload(v); break;
-        case 0x5511:
+        case code::AnnounceUpload: upload(v); break;
+        case code::UploadChunk:
             if (m_upload)
                 m_upload->write(payload);
             m_uploaded += payload.size();
             break;
-        case 0x5512: {
+        case code::UploadEnd: {
             const bool whole = m_upload && m_uploaded == m_uploadSize && m_upload->commit();
             Json::Value answer(Json::objectValue);
             answer["finish"] = whole ? "yes" : "no";
             answer["name"] = utf8(m_uploadName);
             m_upload.reset();
-            sendJson(0x5513, answer);
+            sendJson(code::UploadFinished, answer);
             break;
         }
-        case 0x5504: request(text(v, "name")); break;
-        case 0x5524: m_sending = m_file.isOpen(); pump(); break;
-        case 0x5525:
+        case code::RequestFile: request(text(v, "name")); break;
+        case code::FileReady: m_sending = m_file.isOpen(); pump(); break;
+        case code::AbortTransfer:
             m_upload.reset(); // an unfinished upload leaves nothing behind
             m_sending = false;
             m_file.close();
@@ -199,7 +204,7 @@ private:
             else
                 m_upload.reset();
         }
-        sendJson(0x5502, answer);
+        sendJson(code::UploadAnswer, answer);
     }
 
     void request(const QString &name)
@@ -211,16 +216,16 @@ private:
         header["name"] = utf8(m_service.faults.wrongName ? name + QStringLiteral(".other") : name);
         if (m_service.faults.refuseDownload || path.isEmpty() || !m_file.open(QIODevice::ReadOnly)) {
             header["answer"] = "no";
-            sendJson(0x5505, header);
+            sendJson(code::FileHeader, header);
             return;
         }
         header["answer"] = "yes";
         header["size"] = Json::Int64(m_file.size());
-        sendJson(0x5505, header);
+        sendJson(code::FileHeader, header);
         Json::Value begins(Json::objectValue);
         begins["name"] = utf8(name);
         begins["size"] = Json::Int64(m_file.size());
-        sendJson(0x5521, begins);
+        sendJson(code::FileBegins, begins);
     }
 
     FileService &m_service;
@@ -253,11 +258,11 @@ bool FileService::listen(const QHostAddress &address, quint16 port)
     // The answers outlive a service removed before the simulator: they then
     // answer nothing.
     QPointer<FileService> self(this);
-    m_simulator.setHandler({0x5532, [self](Session &session, const ReceivedFrame &) {
+    m_simulator.setHandler({code::StartJobSync, [self](Session &session, const ReceivedFrame &) {
                                 if (self)
                                     self->announceJobs(session);
                             }});
-    m_simulator.setHandler({0x5542, [self](Session &session, const ReceivedFrame &frame) {
+    m_simulator.setHandler({code::RequestFileList, [self](Session &session, const ReceivedFrame &frame) {
                                 Json::Value v;
                                 if (self && qrx::parsePayload(frame.payload, v))
                                     self->announceList(session, v["num"].asInt());
@@ -303,9 +308,9 @@ void FileService::announceJobs(Session &session)
         v["robot"] = robot;
         v["listnum"] = int(list.size());
         v["jobfilelist"] = list;
-        session.replyJson(0x5533, v);
+        session.replyJson(code::JobDigestList, v);
     }
-    session.reply(0x5535, QByteArray());
+    session.reply(code::JobListsEnd, QByteArray());
 }
 
 void FileService::announceList(Session &session, int num)
@@ -325,7 +330,7 @@ void FileService::announceList(Session &session, int num)
     v["absolutepath"] = utf8(QFileInfo(dir).absoluteFilePath());
     v[logs ? "logfilenum" : "ENIfilenum"] = int(list.size());
     v[logs ? "logfilelist" : "ENIfilelist"] = list;
-    session.replyJson(logs ? 0x5543 : 0x5546, v);
+    session.replyJson(logs ? code::LogList : code::EniList, v);
 }
 
 // ---- test handle ----------------------------------------------------------------

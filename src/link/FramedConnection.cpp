@@ -63,6 +63,7 @@ void FramedConnection::open(const QString &host, quint16 port)
 void FramedConnection::replaceSocket()
 {
     QSharedPointer<TcpSocket> socket(new TcpSocket, deleteSocketLater);
+    socket->setReadBufferSize(m_options.readBufferSize);
     connect(socket.data(), &QAbstractSocket::stateChanged, this, &FramedConnection::onStateChanged,
             Qt::DirectConnection);
     connect(socket.data(), &QIODevice::readyRead, this, &FramedConnection::onReadyRead, Qt::DirectConnection);
@@ -143,7 +144,8 @@ void FramedConnection::closeSocket()
     if (!m_socket)
         return;
     m_socket->close();
-    qCInfo(lcLink).noquote() << QCoreApplication::translate("TcpConnectModulePrivate", "关闭网络连接");
+    if (m_options.logClose)
+        qCInfo(lcLink).noquote() << QCoreApplication::translate("TcpConnectModulePrivate", "关闭网络连接");
 }
 
 void FramedConnection::closeSocketInItsThread()
@@ -169,17 +171,32 @@ void FramedConnection::closeSocketInItsThread()
     });
 }
 
-void FramedConnection::release()
+void FramedConnection::release(int waitMsecs)
 {
     QMutexLocker lock(&m_sendMutex);
     setState(State::Idle);
     if (m_socket) {
         m_socket->disconnect(this);
+        if (waitMsecs > 0 && m_socket->state() == QAbstractSocket::ConnectedState) {
+            m_socket->disconnectFromHost();
+            if (m_socket->state() != QAbstractSocket::UnconnectedState)
+                m_socket->waitForDisconnected(waitMsecs);
+        }
         // Bytes already written (a farewell) reach the kernel before the end.
         m_socket->flush();
         m_socket->abort();
         m_socket.reset();
     }
+}
+
+qint64 FramedConnection::bytesToWrite() const
+{
+    return m_socket ? m_socket->bytesToWrite() : 0;
+}
+
+bool FramedConnection::waitForBytesWritten(int msecs)
+{
+    return m_socket && m_socket->waitForBytesWritten(msecs);
 }
 
 void FramedConnection::onStateChanged(QAbstractSocket::SocketState socketState)

@@ -8,7 +8,9 @@
 //    sends the heartbeat, and a time-out that drops a silent one;
 //  - the file connection (port 5000) opens it once in the calling thread,
 //    with no heartbeat and no reconnect, and FileConnection options: no
-//    "head error" log line. Partial frames are kept across reads by both.
+//    "head error" or "关闭网络连接" log line, a read buffer of 4096 bytes;
+//    it watches bytesToWrite() so that a streamed upload stays bounded.
+//    Partial frames are kept across reads by both.
 //
 // State, one value at a time:
 //   Idle              nothing to do (constructed, after a manual stop)
@@ -58,10 +60,12 @@ public:
 
     struct Options
     {
-        bool logHeadErrors = true; // "onTcpSocketReadyRead: head error" per skipped byte
+        bool logHeadErrors = true;  // "onTcpSocketReadyRead: head error" per skipped byte
+        bool logClose = true;       // "关闭网络连接" when the socket is closed
+        qint64 readBufferSize = 0;  // the socket's read buffer (0: unlimited)
     };
     static Options mainLinkOptions() { return {}; }
-    static Options fileConnectionOptions() { return {false}; }
+    static Options fileConnectionOptions() { return {false, false, 4096}; }
 
     explicit FramedConnection(Options options = mainLinkOptions(), QObject *parent = nullptr);
     ~FramedConnection() override;
@@ -101,8 +105,16 @@ public:
     void closeSocketInItsThread();
     // Closes the current socket here (logged), if there is one.
     void closeSocket();
-    // Ends the connection for good: aborts and releases the socket.
-    void release();
+    // Ends the connection for good and releases the socket: with waitMsecs
+    // above 0 in order (what is queued is written, the peer sees the end;
+    // up to waitMsecs), else aborted after a flush. Socket's thread.
+    void release(int waitMsecs = 0);
+
+    // Bytes written but not yet handed to the kernel, and a wait (socket's
+    // thread, up to msecs) until some of them are: a sender that streams
+    // keeps its backlog bounded with these.
+    qint64 bytesToWrite() const;
+    bool waitForBytesWritten(int msecs);
 
     const FrameDecoder &receiveBuffer() const { return m_receiveBuffer; }
 

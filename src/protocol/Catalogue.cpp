@@ -458,11 +458,14 @@ constexpr Message kOutgoing[] = {
     request(GetCurrentRobot, 0x5003),
     request(SetCycleCount, 0),
     request(PostConnection, 0),
+    request(UploadStoredNotice, 0),
     request(ContinuousMode, 0),
     request(ContinuousQueue, 0),
     request(ContinuousSuspend, 0),
     request(ContinuousStart, 0),
     request(ContinuousStop, 0),
+    request(StartJobSync, 0),
+    request(RequestFileList, 0),
     request(SetGlobalPosition, 0),
     request(GetGlobalPosition, 0x5606),
     request(SetGlobalVariable, 0),
@@ -475,6 +478,28 @@ constexpr Message kOutgoing[] = {
     request(Heartbeat, 0x7267),
     request(Farewell, 0),
 };
+
+// The file connection (port 5000): codes that never travel on the main link
+// and are read by the file transfer alone (0x5502 is also the main link's
+// receiveUploadAnswer). Named here for the readers of names (the dissector).
+#define fileCode(n, direction) {code::n, direction, #n, nullptr, Delivery::None, none, none, NoWake, 0, nullptr, nullptr, none}
+constexpr Direction Out = Direction::ToController;
+constexpr Message kFileConnection[] = {
+    fileCode(AnnounceUpload, Out),
+    fileCode(UploadAnswer, In),
+    fileCode(RequestFile, Out),
+    fileCode(FileHeader, In),
+    fileCode(UploadChunk, Out),
+    fileCode(UploadEnd, Out),
+    fileCode(UploadFinished, In),
+    fileCode(FileBegins, In),
+    fileCode(FileData, In),
+    fileCode(FileStored, Out),
+    fileCode(FileReady, Out),
+    fileCode(AbortTransfer, Out),
+    fileCode(ExportFinished, Out),
+};
+#undef fileCode
 
 #undef note
 #undef named
@@ -490,6 +515,7 @@ constexpr bool ascending(const Message *rows, std::size_t n)
 }
 static_assert(ascending(kIncoming, std::size(kIncoming)), "incoming rows sorted by code, one row per code");
 static_assert(ascending(kOutgoing, std::size(kOutgoing)), "outgoing rows sorted by code, one row per code");
+static_assert(ascending(kFileConnection, std::size(kFileConnection)), "file connection rows sorted by code, one row per code");
 
 constexpr const Message *lookup(const Message *rows, std::size_t n, quint16 code)
 {
@@ -567,6 +593,17 @@ Rows incoming()
 Rows outgoing()
 {
     return {kOutgoing, int(std::size(kOutgoing))};
+}
+
+const Message *findFileCode(quint16 code, Direction direction)
+{
+    const Message *row = lookup(kFileConnection, std::size(kFileConnection), code);
+    return (row && row->direction == direction) ? row : nullptr;
+}
+
+Rows fileConnection()
+{
+    return {kFileConnection, int(std::size(kFileConnection))};
 }
 
 } // namespace qrx::protocol

@@ -88,4 +88,10 @@ struct Rows
 Rows incoming();
 Rows outgoing();
 
+// The file connection's own codes (port 5000), both directions, sorted by
+// code; the main link's lookups above do not see them.
+Rows fileConnection();
+// The file connection's row of a code sent in the given direction, or null.
+const Message *findFileCode(quint16 code, Direction direction);
+
 } // namespace qrx::protocol

@@ -94,6 +94,42 @@ enum : quint16 {
     Farewell = 0x7277,
 };
 
+// The file exchange (TcpUpDownFile, qrx-sim's file service). Requests on the
+// main link, which also have their rows among the outgoing ones:
+enum : quint16 {
+    UploadStoredNotice = 0x5061, // an uploaded file is stored: {"name"}
+    StartJobSync = 0x5532,       // {"robot"}: send the digest lists of R1..R4
+    RequestFileList = 0x5542,    // {"num": 5 logs | 10 ENI files}
+};
+
+// The main link's notifications of the file exchange, for the side that
+// sends them (qrx-sim); the library knows them by their notification.
+enum : quint16 {
+    JobDigestList = 0x5533, // recvJobSumlist
+    JobNameList = 0x5534,   // recvJobFileList
+    JobListsEnd = 0x5535,   // recvJobFileInfoFinish
+    LogList = 0x5543,       // recvControlLoglist
+    EniList = 0x5546,       // recvControlENIlist
+};
+
+// The file connection (port 5000), both directions; every one has its row in
+// the file connection's table of the catalogue.
+enum : quint16 {
+    AnnounceUpload = 0x5501, // host: {"name","size"}
+    UploadAnswer = 0x5502,   // controller: {"answer","name"}
+    RequestFile = 0x5504,    // host: {"name"}
+    FileHeader = 0x5505,     // controller: {"answer","name","size"}
+    UploadChunk = 0x5511,    // host: up to 2048 raw bytes
+    UploadEnd = 0x5512,      // host: {"name","size"}
+    UploadFinished = 0x5513, // controller: {"finish","name"}
+    FileBegins = 0x5521,     // controller: {"name","size"}
+    FileData = 0x5522,       // controller: raw bytes, then {"finish":"yes"}
+    FileStored = 0x5523,     // host: {"name","size"}
+    FileReady = 0x5524,      // host: {"name"}
+    AbortTransfer = 0x5525,  // host: empty; the connection is closed next
+    ExportFinished = 0x5544, // host: {"finish":"yes"} after the last file
+};
+
 } // namespace qrx::protocol::code
 
 // Reports the controller sends that answer no request of the library's (an

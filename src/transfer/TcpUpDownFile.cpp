@@ -5,6 +5,7 @@
 
 #include "common/CompactJson.h"
 #include "common/Logging.h"
+#include "protocol/Codes.h"
 #include "common/Payload.h"
 #include "link/TcpConnectModule.h"
 #include "robot/Robot.h"
@@ -20,6 +21,7 @@
 #include <QTimer>
 
 using namespace qrx::transfer;
+namespace code = qrx::protocol::code;
 
 namespace {
 
@@ -40,73 +42,77 @@ TcpUpDownFile::TcpUpDownFile(Robot *robot, QString ip, QObject *parent)
     // readable data, and the transfer runs this thread's events while it waits.
     if (!QAbstractEventDispatcher::instance())
         QEventLoop createsTheDispatcher;
-    m_socket.setReadBufferSize(4096);
-    m_decoder.setLogHeadErrors(false);
-    connect(&m_socket, &QIODevice::readyRead, this, &TcpUpDownFile::onTcpSocketReadyRead, Qt::DirectConnection);
-    connect(&m_socket, &QAbstractSocket::disconnected, this, &TcpUpDownFile::onSocketDisconnected,
+    connect(&m_connection, &qrx::FramedConnection::frameReceived, this, &TcpUpDownFile::onFrame,
+            Qt::DirectConnection);
+    connect(&m_connection, &qrx::FramedConnection::connectSucceed, this, &TcpUpDownFile::onConnectionStatus,
             Qt::DirectConnection);
 }
 
 TcpUpDownFile::~TcpUpDownFile()
 {
-    m_socket.disconnect(this);
-    m_socket.abort();
+    m_connection.disconnect(this);
+    m_connection.release();
 }
 
 // ---- the file connection ----------------------------------------------------
 
 bool TcpUpDownFile::connectFileSocket()
 {
-    if (m_socket.state() == QAbstractSocket::ConnectedState)
+    if (m_connection.isConnected())
         return true;
-    m_socket.connectToHost(m_ip, m_port);
-    if (!m_socket.waitForConnected(1000)) {
+    m_connection.open(m_ip, m_port);
+    m_connection.waitForConnection(1000);
+    if (!m_connection.isConnected()) {
         fail(tr("socket连接失败....."));
         return false;
     }
+    m_opened = true;
     return true;
 }
 
 void TcpUpDownFile::sendFrame(quint16 command, const QByteArray &payload)
 {
-    if (m_socket.state() != QAbstractSocket::ConnectedState)
+    if (!m_connection.write(qrx::encodeFrame(command, payload)))
         return;
-    m_socket.write(qrx::encodeFrame(command, payload));
     // Streaming: the socket never holds more than a few chunks' worth.
-    while (m_socket.bytesToWrite() > kWriteBacklog && m_socket.state() == QAbstractSocket::ConnectedState) {
-        if (!m_socket.waitForBytesWritten(kSilenceMs))
+    while (m_connection.bytesToWrite() > kWriteBacklog && m_connection.isConnected()) {
+        if (!m_connection.waitForBytesWritten(kSilenceMs))
             break;
     }
 }
 
 void TcpUpDownFile::onTcpSocketReadyRead()
 {
-    if (m_inReadyRead)
+    // The connection reads and decodes; bytes that arrive while a frame is
+    // handled (an upload writes its whole file from the answer's handler)
+    // are decoded when that handler returns.
+    m_connection.onReadyRead();
+}
+
+void TcpUpDownFile::onFrame(quint16 command, const QByteArray &payload)
+{
+    if (m_finished)
         return;
-    m_inReadyRead = true;
-    // Bytes that arrive while a frame is handled (an upload writes its whole
-    // file from the answer's handler) are read by the next pass.
-    while (m_socket.bytesAvailable() > 0 && !m_finished) {
-        m_decoder.feed(m_socket.readAll(), [this](quint16 command, const QByteArray &payload) {
-            if (m_finished)
-                return;
-            if (m_robot)
-                m_robot->link()->setLastPingTime(QDateTime::currentDateTime());
-            if (command >= 0x5502 && command <= 0x5522)
-                route(command, payload);
-        });
-    }
-    m_inReadyRead = false;
+    if (m_robot)
+        m_robot->link()->setLastPingTime(QDateTime::currentDateTimeUtc()); // as the link itself notes it
+    if (command >= code::UploadAnswer && command <= code::FileData)
+        route(command, payload);
+}
+
+void TcpUpDownFile::onConnectionStatus(int status)
+{
+    if (status == 0 && m_opened)
+        onSocketDisconnected();
 }
 
 void TcpUpDownFile::route(quint16 command, const QByteArray &payload)
 {
     switch (command) {
-    case 0x5502: uploadAnswer(payload); break;
-    case 0x5505: downloadHeader(payload); break;
-    case 0x5513: uploadFinished(payload); break;
-    case 0x5521: fileBegins(payload); break;
-    case 0x5522: fileData(payload); break;
+    case code::UploadAnswer: uploadAnswer(payload); break;
+    case code::FileHeader: downloadHeader(payload); break;
+    case code::UploadFinished: uploadFinished(payload); break;
+    case code::FileBegins: fileBegins(payload); break;
+    case code::FileData: fileData(payload); break;
     default: break;
     }
 }
@@ -131,16 +137,12 @@ void TcpUpDownFile::fail(const QString &text)
         m_target->cancelWriting();
     m_target.reset(); // the temporary beside the target goes with it
     m_sendFile.close();
-    if (m_socket.state() == QAbstractSocket::ConnectedState) {
-        m_socket.write(qrx::encodeFrame(0x5525, QByteArray()));
-        m_socket.waitForBytesWritten(1000);
-    }
+    if (m_connection.write(qrx::encodeFrame(code::AbortTransfer, QByteArray())))
+        m_connection.waitForBytesWritten(1000);
     m_finished = true;
-    m_socket.disconnect(this);
-    m_socket.disconnectFromHost();
-    if (m_socket.state() != QAbstractSocket::UnconnectedState)
-        m_socket.waitForDisconnected(1000);
-    m_socket.abort();
+    m_connection.disconnect(this);
+    m_connection.release(1000);
+    wake();
 }
 
 void TcpUpDownFile::finish()
@@ -148,14 +150,26 @@ void TcpUpDownFile::finish()
     if (m_finished)
         return;
     m_finished = true;
-    m_socket.disconnect(this);
-    if (m_socket.state() == QAbstractSocket::ConnectedState) {
-        m_socket.flush();
-        m_socket.disconnectFromHost();
-        if (m_socket.state() != QAbstractSocket::UnconnectedState)
-            m_socket.waitForDisconnected(1000);
-    }
-    m_socket.abort();
+    m_connection.disconnect(this);
+    m_connection.release(1000);
+    wake();
+}
+
+void TcpUpDownFile::runEventsBriefly()
+{
+    // Up to 50 ms of this thread's events; wake() ends it at once when the
+    // transfer or the file it waits for has ended.
+    QEventLoop loop;
+    QTimer::singleShot(50, &loop, &QEventLoop::quit);
+    m_waitLoop = &loop;
+    loop.exec();
+    m_waitLoop = nullptr;
+}
+
+void TcpUpDownFile::wake()
+{
+    if (m_waitLoop)
+        m_waitLoop->quit();
 }
 
 void TcpUpDownFile::waitUntilFinished()
@@ -168,9 +182,7 @@ void TcpUpDownFile::waitUntilFinished()
     int lastFiles = -1;
     qint64 lastReceived = -1;
     while (!m_finished) {
-        QEventLoop loop;
-        QTimer::singleShot(50, &loop, &QEventLoop::quit);
-        loop.exec();
+        runEventsBriefly();
         if (m_filesDone != lastFiles || m_received != lastReceived) {
             lastFiles = m_filesDone;
             lastReceived = m_received;
@@ -206,9 +218,7 @@ void TcpUpDownFile::setUpLoadJobFileName(QStringList jobfilelist)
         quiet.start();
         qint64 seen = m_remaining;
         while (!m_fileDone && !m_finished) {
-            QEventLoop loop;
-            QTimer::singleShot(50, &loop, &QEventLoop::quit);
-            loop.exec();
+            runEventsBriefly();
             if (m_remaining != seen) {
                 seen = m_remaining;
                 quiet.restart();
@@ -237,7 +247,7 @@ void TcpUpDownFile::sendfileinfo()
         return;
     }
     const QString remote = m_remotePrefix + (job ? name : QFileInfo(name).fileName());
-    sendJson(0x5501, jsonOf({{"name", utf8(remote)}, {"size", Json::Int64(m_sendFile.size())}}));
+    sendJson(code::AnnounceUpload, jsonOf({{"name", utf8(remote)}, {"size", Json::Int64(m_sendFile.size())}}));
     m_chunk = kChunkSize;
     m_remaining = m_sendFile.size();
 }
@@ -263,7 +273,7 @@ void TcpUpDownFile::uploadAnswer(const QByteArray &payload)
     sendWholeFile();
     if (m_finished)
         return;
-    sendJson(0x5512, jsonOf({{"name", utf8(name)}, {"size", Json::Int64(m_sendFile.size())}}));
+    sendJson(code::UploadEnd, jsonOf({{"name", utf8(name)}, {"size", Json::Int64(m_sendFile.size())}}));
     s_uploading = false;
 }
 
@@ -277,11 +287,11 @@ void TcpUpDownFile::sendWholeFile()
     m_chunk = kChunkSize;
     while (m_remaining > 0 && !m_stop && !m_finished) {
         const QByteArray chunk = m_sendFile.read(qMin(m_chunk, m_remaining));
-        if (chunk.isEmpty() || m_socket.state() != QAbstractSocket::ConnectedState) {
+        if (chunk.isEmpty() || !m_connection.isConnected()) {
             fail(name + tr(" 上传失败！"));
             return;
         }
-        sendFrame(0x5511, chunk);
+        sendFrame(code::UploadChunk, chunk);
         m_remaining -= chunk.size();
         if (m_progress)
             m_progress(name, total - m_remaining, total);
@@ -309,9 +319,10 @@ void TcpUpDownFile::uploadFinished(const QByteArray &payload)
                                                                                 : tr("导入程序-%1"))
                                         .arg(name);
     if (m_robot)
-        m_robot->send(0x5061, jsonOf({{"name", utf8(name)}}));
+        m_robot->send(code::UploadStoredNotice, jsonOf({{"name", utf8(name)}}));
     ++m_filesDone;
     m_fileDone = true;
+    wake();
 }
 
 void TcpUpDownFile::stopDownloadFile()

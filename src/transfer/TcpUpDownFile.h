@@ -6,7 +6,10 @@
 // thread that created it, blocking it while files move.
 //
 // The exchange, one file at a time (H host, C controller; F file connection,
-// M main link). qrx-sim's file service follows this same table.
+// M main link). qrx-sim's file service follows this same table; the codes'
+// names are in protocol/Codes.h (0x5501 AnnounceUpload … 0x5544
+// ExportFinished). The file connection is a FramedConnection with the file
+// connection's options: no heartbeat, no reconnect, partial frames kept.
 //
 //   upload (mode 4), per file of the list, 1000 ms apart:
 //     H->F 0x5501 {"name":"job/R1/A.JBR","size":n}
@@ -42,18 +45,18 @@
 // complete, instead of being deleted before the download starts, so a broken
 // transfer leaves the old file, never half a file and never none.
 
-#include "link/FrameCodec.h"
+#include "link/FramedConnection.h"
 
 #include <QFile>
 #include <QObject>
 #include <QSaveFile>
 #include <QStringList>
-#include <QTcpSocket>
 
 #include <atomic>
 #include <functional>
 #include <memory>
 
+class QEventLoop;
 class Robot;
 
 class TcpUpDownFile : public QObject
@@ -116,6 +119,8 @@ public Q_SLOTS:
     void slot_autoSyncTeachbox();
 
 private:
+    void onFrame(quint16 command, const QByteArray &payload);
+    void onConnectionStatus(int status);
     void route(quint16 command, const QByteArray &payload);
     bool connectFileSocket();
     void sendFrame(quint16 command, const QByteArray &payload);
@@ -123,6 +128,8 @@ private:
     void fail(const QString &text);
     void finish();
     void waitUntilFinished();
+    void runEventsBriefly();
+    void wake();
     void uploadAnswer(const QByteArray &payload);
     void uploadFinished(const QByteArray &payload);
     void sendWholeFile();
@@ -139,8 +146,9 @@ private:
     Robot *m_robot;
     QString m_ip;
     quint16 m_port = kFilePort;
-    QTcpSocket m_socket;
-    qrx::FrameDecoder m_decoder;
+    // The file connection: no heartbeat, no reconnect, partial frames kept.
+    qrx::FramedConnection m_connection{qrx::FramedConnection::fileConnectionOptions()};
+    bool m_opened = false; // connected once: a loss from now on breaks the transfer
     Mode m_mode = JobDownload;
     QString m_jobRoot;
     QString m_targetFolder;
@@ -168,7 +176,7 @@ private:
     QByteArray m_consent = "no";
 
     bool m_finished = false;
-    bool m_inReadyRead = false;
+    QEventLoop *m_waitLoop = nullptr; // the wait that wake() ends
     int m_failed = 0;
     int m_filesDone = 0;
     QString m_lastFailure;

@@ -4,6 +4,7 @@
 #include "transfer/TcpUpDownFile.h"
 
 #include "common/Logging.h"
+#include "protocol/Codes.h"
 #include "common/Payload.h"
 #include "robot/Robot.h"
 #include "transfer/TransferJson.h"
@@ -13,6 +14,7 @@
 #include <QFileInfo>
 
 using namespace qrx::transfer;
+namespace code = qrx::protocol::code;
 
 // ---- download -----------------------------------------------------------------
 
@@ -20,7 +22,7 @@ void TcpUpDownFile::startDownLoadJobFileFromController()
 {
     m_mode = JobDownload;
     if (m_robot)
-        m_robot->send(0x5532, jsonOf({{"robot", m_robot->currentRobot()}}));
+        m_robot->send(code::StartJobSync, jsonOf({{"robot", m_robot->currentRobot()}}));
 }
 
 void TcpUpDownFile::runJobDownload()
@@ -40,7 +42,7 @@ void TcpUpDownFile::runListExport(Mode mode)
     if (m_robot) {
         connect(m_robot, &Robot::robot_ControlLog_list, this, &TcpUpDownFile::recvControlLogList);
         connect(m_robot, &Robot::robot_ControlENI_list, this, &TcpUpDownFile::recvControlENIList);
-        m_robot->send(0x5542, jsonOf({{"num", int(mode)}}));
+        m_robot->send(code::RequestFileList, jsonOf({{"num", int(mode)}}));
     }
     waitUntilFinished();
 }
@@ -133,7 +135,7 @@ void TcpUpDownFile::requestNext()
 {
     ++m_downloadIndex;
     if (m_downloadIndex >= m_downloadList.size()) {
-        sendJson(0x5544, jsonOf({{"finish", "yes"}}));
+        sendJson(code::ExportFinished, jsonOf({{"finish", "yes"}}));
         if (m_mode == JobDownload) {
             emit reflushprolist();
             emit reflushprolistP();
@@ -146,7 +148,7 @@ void TcpUpDownFile::requestNext()
     }
     m_expected = -1;
     m_received = 0;
-    sendJson(0x5504, jsonOf({{"name", utf8(m_downloadList.at(m_downloadIndex))}}));
+    sendJson(code::RequestFile, jsonOf({{"name", utf8(m_downloadList.at(m_downloadIndex))}}));
 }
 
 QString TcpUpDownFile::brokenText() const
@@ -227,7 +229,7 @@ void TcpUpDownFile::fileBegins(const QByteArray &payload)
         return;
     }
     m_received = 0;
-    sendJson(0x5524, jsonOf({{"name", utf8(requested)}}));
+    sendJson(code::FileReady, jsonOf({{"name", utf8(requested)}}));
 }
 
 void TcpUpDownFile::fileData(const QByteArray &payload)
@@ -256,7 +258,7 @@ void TcpUpDownFile::fileData(const QByteArray &payload)
     if (m_progress && m_expected == 0)
         m_progress(requested, 0, 0);
     ++m_filesDone;
-    sendJson(0x5523, jsonOf({{"name", utf8(requested)}, {"size", Json::Int64(m_received)}}));
+    sendJson(code::FileStored, jsonOf({{"name", utf8(requested)}, {"size", Json::Int64(m_received)}}));
     requestNext();
 }
 

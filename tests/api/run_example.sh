@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs an example host program against a qrx-sim of its own.
 #   run_example.sh <qrx-sim> <address> <program> [arguments...]
-# The program gets the address as its last argument. qrx-sim is stopped
+# The program gets the address as its last argument; qrx-sim gets a job
+# folder of its own (uploads land there, jobs run from it). qrx-sim is stopped
 # afterwards; the exit status is the program's.
 set -u
 SIM="$1"
@@ -9,12 +10,14 @@ ADDRESS="$2"
 shift 2
 
 LOG="$(mktemp)"
-"$SIM" --address "$ADDRESS" >"$LOG" 2>&1 &
+JOBS="$(mktemp -d)" # the controller's job folder (uploads land there)
+"$SIM" --address "$ADDRESS" --job-dir "$JOBS" >"$LOG" 2>&1 &
 SIM_PID=$!
 cleanup() {
     kill "$SIM_PID" 2>/dev/null
     wait "$SIM_PID" 2>/dev/null
     rm -f "$LOG"
+    rm -rf "$JOBS"
 }
 trap cleanup EXIT
 

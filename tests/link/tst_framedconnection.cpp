@@ -1,12 +1,14 @@
 // FramedConnection on its own, as the file connection uses it: opened in the
 // test's thread against a plain loopback server, no timers, no reconnect.
 // Frames split over reads are completed, the options decide the head-error
-// line, the state follows the socket, and drop() is the one way down.
+// line, the state follows the socket, and drop() is the one way down; a
+// sender sees its backlog, and an orderly release delivers the last frame.
 
 #include "link/FramedConnection.h"
 #include "support/LogCapture.h"
 #include "support/Loopback.h"
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -132,18 +134,69 @@ private Q_SLOTS:
         QCOMPARE(log.count(kHeadError), headErrors);
     }
 
-    // The peer going away: down twice, the socket closed once with its log
-    // line, and the connection waits for its owner to open it again.
+    void peerCloses_data()
+    {
+        QTest::addColumn<FramedConnection::Options>("options");
+        QTest::addColumn<int>("closeLines");
+        QTest::newRow("main link") << FramedConnection::mainLinkOptions() << 1;
+        QTest::newRow("file connection: no line of the main link") << FramedConnection::fileConnectionOptions() << 0;
+    }
+
+    // The peer going away: down twice, the socket closed once (with its log
+    // line on the main link), and the connection waits for its owner to open
+    // it again.
     void peerCloses()
     {
+        QFETCH(FramedConnection::Options, options);
+        QFETCH(int, closeLines);
         LogCapture log;
-        QVERIFY(openConnection(FramedConnection::fileConnectionOptions()));
+        QVERIFY(openConnection(options));
         QSignalSpy status(connection.get(), &FramedConnection::connectSucceed);
         peer->disconnectFromHost();
         QTRY_COMPARE_WITH_TIMEOUT(connection->state(), State::WaitingToConnect, 5000);
         QCOMPARE(statuses(status), (QVector<int>{0, 0}));
-        QCOMPARE(log.count(kCloseLine), 1);
+        QCOMPARE(log.count(kCloseLine), closeLines);
         QVERIFY(!connection->write(qrx::encodeFrame(0x5501, "{}\n")));
+    }
+
+    // A streaming sender sees its backlog: bytes the peer does not read
+    // stay queued, and waiting lets them go once it reads again.
+    void backlogIsVisibleAndDrains()
+    {
+        QVERIFY(openConnection(FramedConnection::fileConnectionOptions()));
+        const QByteArray frame = qrx::encodeFrame(0x5511, QByteArray(2048, 'd'));
+        qint64 written = 0;
+        // More than the kernel's buffers on both sides hold.
+        while (connection->bytesToWrite() == 0 && written < 256LL * 1024 * 1024) {
+            QVERIFY(connection->write(frame));
+            written += frame.size();
+            connection->waitForBytesWritten(0);
+        }
+        QVERIFY(connection->bytesToWrite() > 0);
+        qint64 read = 0;
+        QElapsedTimer clock;
+        clock.start();
+        while ((connection->bytesToWrite() > 0 || read < written) && clock.elapsed() < 30000) {
+            connection->waitForBytesWritten(10);
+            if (peer->bytesAvailable() || peer->waitForReadyRead(10))
+                read += peer->readAll().size();
+        }
+        QCOMPARE(connection->bytesToWrite(), qint64(0));
+        QCOMPARE(read, written);
+    }
+
+    // An orderly release delivers what was written last, then the end.
+    void releaseDeliversTheLastFrame()
+    {
+        QVERIFY(openConnection(FramedConnection::fileConnectionOptions()));
+        const QByteArray last = qrx::encodeFrame(0x5544, "{\"finish\":\"yes\"}\n");
+        QVERIFY(connection->write(last));
+        connection->release(5000);
+        QCOMPARE(connection->state(), State::Idle);
+        QTRY_COMPARE_WITH_TIMEOUT(peer->bytesAvailable(), qint64(last.size()), 5000);
+        QCOMPARE(peer->readAll(), last);
+        QTRY_COMPARE_WITH_TIMEOUT(peer->state(), QAbstractSocket::UnconnectedState, 5000);
+        QCOMPARE(connection->bytesToWrite(), qint64(0));
     }
 
     void drop_data()

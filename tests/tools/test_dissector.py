@@ -24,6 +24,29 @@ CHUNK = bytes((i * 7 + 3) & 0xFF for i in range(2048))  # file data, not text
 SPLIT = frame(0x2603, b'{"robot":1,"speed":40}\n')
 BAD = frame(0x2103, b'{"mode":1}\n', bad_crc=True)
 
+# The file exchange's codes, one frame each from packet 20 on: (connection,
+# sender, code, name). None of them may show as "unknown".
+EXCHANGE = [
+    ("file", "host", 0x5504, "RequestFile"),
+    ("file", "controller", 0x5505, "FileHeader"),
+    ("file", "host", 0x5512, "UploadEnd"),
+    ("file", "controller", 0x5513, "UploadFinished"),
+    ("file", "controller", 0x5521, "FileBegins"),
+    ("file", "controller", 0x5522, "FileData"),
+    ("file", "host", 0x5523, "FileStored"),
+    ("file", "host", 0x5524, "FileReady"),
+    ("file", "host", 0x5525, "AbortTransfer"),
+    ("file", "host", 0x5544, "ExportFinished"),
+    ("main", "host", 0x5061, "UploadStoredNotice"),
+    ("main", "host", 0x5532, "StartJobSync"),
+    ("main", "controller", 0x5533, "recvJobSumlist"),
+    ("main", "controller", 0x5535, "recvJobFileInfoFinish"),
+    ("main", "host", 0x5542, "RequestFileList"),
+    ("main", "controller", 0x5543, "recvControlLoglist"),
+    ("main", "controller", 0x5546, "recvControlENIlist"),
+]
+FIRST_EXCHANGE_PACKET = 20
+
 
 def write_capture(path):
     """Packets in order; the expected rows below name them by number."""
@@ -45,6 +68,8 @@ def write_capture(path):
     files.send("host", chunk[:1400])                                                          # 17
     files.send("host", chunk[1400:])                                                          # 18
     main.send("controller", frame(0x0102, b""))  # a code the library does not know          # 19
+    for connection, sender, code, _ in EXCHANGE:                                              # 20-
+        (files if connection == "file" else main).send(sender, frame(code, b"{}\n"))
     w.close()
 
 
@@ -79,9 +104,7 @@ class DissectorTest(unittest.TestCase):
         cls.tmp.cleanup()
 
     def test_frames_field_by_field(self):
-        # packet: code, name (None: not checked; the file connection's codes
-        # are named as the library learns them), direction, connection,
-        # length, CRC correct
+        # packet: code, name, direction, connection, length, CRC correct
         expected = {
             4: [("0x2f07", "GetCurrentPosition", "host to controller", "main", "22", "1")],
             5: [("0x2f08", "recriveMoreRobotCurPosition", "controller to host", "main", "40", "1"),
@@ -91,17 +114,19 @@ class DissectorTest(unittest.TestCase):
             9: [("0x2701", "SetTestMode", "host to controller", "main", "1", "1")],
             10: [("0x7266", "Heartbeat", "host to controller", "main", "20", "1")],
             11: [("0x2b03", "receivedError", "controller to host", "main", "15", "1")],
-            15: [("0x5501", None, "host to controller", "file", "36", "1")],
-            16: [("0x5502", None, "controller to host", "file", "17", "1")],
-            18: [("0x5511", None, "host to controller", "file", "2048", "1")],
+            15: [("0x5501", "AnnounceUpload", "host to controller", "file", "36", "1")],
+            16: [("0x5502", "UploadAnswer", "controller to host", "file", "17", "1")],
+            18: [("0x5511", "UploadChunk", "host to controller", "file", "2048", "1")],
             19: [("0x0102", "unknown", "controller to host", "main", "0", "1")],
         }
+        for i, (connection, sender, code, name) in enumerate(EXCHANGE):
+            direction = "host to controller" if sender == "host" else "controller to host"
+            expected[FIRST_EXCHANGE_PACKET + i] = [("0x%04x" % code, name, direction, connection, "3", "1")]
         for packet, frames in expected.items():
             with self.subTest(packet=packet):
                 row = self.rows[packet]
                 got = list(zip(row["qrx.code"], row["qrx.name"], row["qrx.direction"], row["qrx.link"],
                                row["qrx.length"], row["qrx.crc.ok"]))
-                got = [g if f[1] is not None else (g[0], None) + g[2:] for g, f in zip(got, frames)]
                 self.assertEqual(got, frames)
                 self.assertEqual(len(row["qrx.code"]), len(frames))
 

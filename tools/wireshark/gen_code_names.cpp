@@ -1,7 +1,7 @@
 // Writes the Wireshark dissector with the library's own code names: the
-// template's "-- @CODE_TABLES@" line becomes two Lua tables built from the
-// protocol catalogue, one per direction, so the dissector never drifts from
-// the code.
+// template's "-- @CODE_TABLES@" line becomes Lua tables built from the
+// protocol catalogue, one per direction, and two more for the file
+// connection's own codes, so the dissector never drifts from the code.
 //
 //   gen_code_names TEMPLATE OUTPUT
 
@@ -17,10 +17,12 @@ namespace {
 
 using qrx::protocol::Message;
 
-QByteArray table(const char *variable, const qrx::protocol::Rows &rows)
+QByteArray table(const char *variable, const qrx::protocol::Rows &rows, qrx::protocol::Direction direction)
 {
     QByteArray out = QByteArray("local ") + variable + " = {\n";
     for (const Message &m : rows) {
+        if (m.direction != direction)
+            continue;
         QByteArray name = m.name;
         if (m.secondName)
             name += QByteArray(" / ") + m.secondName;
@@ -49,8 +51,13 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "gen_code_names: the template has no %s line\n", marker.trimmed().constData());
         return 1;
     }
-    text.replace(marker, table("incoming_names", qrx::protocol::incoming()) +
-                             table("outgoing_names", qrx::protocol::outgoing()));
+    using qrx::protocol::Direction;
+    text.replace(marker, table("incoming_names", qrx::protocol::incoming(), Direction::FromController) +
+                             table("outgoing_names", qrx::protocol::outgoing(), Direction::ToController) +
+                             table("file_incoming_names", qrx::protocol::fileConnection(),
+                                   Direction::FromController) +
+                             table("file_outgoing_names", qrx::protocol::fileConnection(),
+                                   Direction::ToController));
     QFile out(QString::fromLocal8Bit(argv[2]));
     if (!out.open(QIODevice::WriteOnly | QIODevice::Truncate) || out.write(text) != text.size()) {
         std::fprintf(stderr, "gen_code_names: cannot write %s\n", argv[2]);
