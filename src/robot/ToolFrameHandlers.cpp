@@ -209,7 +209,7 @@ void Robot::robot_net_slot_ToolStatus(const QByteArray &data)
 // 0x3804 {"result"}
 void Robot::robot_net_slot_CountSuccess(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"result"}, [&](const Json::Value &root) {
         emit robot_count_success(logOutcome(root, "result", QT_TRANSLATE_NOOP("Robot", "接收工具手标定计算成功"),
                                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定失败")));
     });
@@ -230,7 +230,7 @@ void Robot::robot_net_slot_CountSuccessFor20(const QByteArray &data)
 // 0x7106 {"apply"}
 void Robot::robot_net_slot_ResetResultToZeroPoint(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"apply"}, [&](const Json::Value &root) {
         emit robot_ResetResult_ToZeroPoint(
             logOutcome(root, "apply", QT_TRANSLATE_NOOP("Robot", "20点标定，将结果位置标为零点成功"),
                        QT_TRANSLATE_NOOP("Robot", "20点标定，将结果位置标为零点失败")));
@@ -240,7 +240,7 @@ void Robot::robot_net_slot_ResetResultToZeroPoint(const QByteArray &data)
 // 0x7208 {"status"[4],"result","length"[3],"dtheta"}: fourPointData.
 void Robot::robot_net_slot_4Point(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"status", "result", "length", "dtheta"}, [&](const Json::Value &root) {
         fillSlots(root, fourPointData, {{"status", 4}, {"result", 1}, {"length", 3}, {"dtheta", 1}});
         emit robot_received4Point(data);
     });
@@ -249,7 +249,7 @@ void Robot::robot_net_slot_4Point(const QByteArray &data)
 // 0x7204 {"result","length"[3],"dtheta"}: fourPointResult.
 void Robot::robot_net_slot_CountSuccessFor4(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"result", "length", "dtheta"}, [&](const Json::Value &root) {
         fillSlots(root, fourPointResult, {{"result", 1}, {"length", 3}, {"dtheta", 1}});
         emit robot_count_successFor4(data);
     });
@@ -258,7 +258,7 @@ void Robot::robot_net_slot_CountSuccessFor4(const QByteArray &data)
 // 0x7206 {"apply"}: dhResult.
 void Robot::robot_net_slot_resultForDH(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"apply"}, [&](const Json::Value &root) {
         dhResult.store(succeeded(root, "apply") ? 1 : 0);
         emit robot_receivedresultForDH(data);
     });
