@@ -37,13 +37,12 @@ namespace {
 
 using PointSignal = void (Robot::*)(int, QByteArray);
 
-// Calibration point record {"pointNum","pos"[6]}: log "... pointNum=%1
+// Calibration point record {"pointNum","pos"[6]} (a report holds one of
+// the two, else it is not taken): log "... pointNum=%1
 // x=%2 y=%3 z=%4 a=%5 b=%6 c=%7", emit (pointNum, payload).
-void takeCalibrationPoint(Robot *robot, const QByteArray &data, const char *text, PointSignal notify)
+void takeCalibrationPoint(Robot *robot, const Json::Value &root, const QByteArray &data, const char *text,
+                          PointSignal notify)
 {
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
     const int pointNum = qrx::jsonInt(root, "pointNum");
     double pos[6] = {};
     qrx::jsonReals(root, "pos", pos, 6);
@@ -165,37 +164,41 @@ void Robot::robot_net_slot_UserCoordsNote(const QByteArray &data)
 
 void Robot::robot_net_slot_ToolCheck(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    takeCalibrationPoint(this, data,
-                         QT_TRANSLATE_NOOP("Robot", "接收工具手标定数据 pointNum=%1 x=%2 y=%3 z=%4 a=%5 b=%6 c=%7"),
-                         &Robot::robot_tool_check);
+    takeReport(data, {"pointNum", "pos"}, [&](const Json::Value &root) {
+        takeCalibrationPoint(this, root, data,
+                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定数据 pointNum=%1 x=%2 y=%3 z=%4 a=%5 b=%6 c=%7"),
+                             &Robot::robot_tool_check);
+    });
 }
 
 void Robot::robot_net_slot_ToolCheckFor20(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    takeCalibrationPoint(
-        this, data,
-        QT_TRANSLATE_NOOP("Robot", "接收工具手标定 20点标定数据 pointNum=%1 x=%2 y=%3 z=%4 a=%5 b=%6 c=%7"),
-        &Robot::robot_tool_checkFor20);
+    takeReport(data, {"pointNum", "pos"}, [&](const Json::Value &root) {
+        takeCalibrationPoint(this, root, data,
+                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定 20点标定数据 pointNum=%1 x=%2 y=%3 z=%4 "
+                                                        "a=%5 b=%6 c=%7"),
+                             &Robot::robot_tool_checkFor20);
+    });
 }
 
 void Robot::robot_net_slot_20MarkedPoint(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    takeCalibrationPoint(this, data,
-                         QT_TRANSLATE_NOOP("Robot", "接收工具手标定 20点标定中已经标定数据 pointNum=%1 x=%2 y=%3 "
-                                                    "z=%4 a=%5 b=%6 c=%7"),
-                         &Robot::robot_tool_receive20MarkedPoint);
+    takeReport(data, {"pointNum", "pos"}, [&](const Json::Value &root) {
+        takeCalibrationPoint(this, root, data,
+                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定 20点标定中已经标定数据 pointNum=%1 x=%2 y=%3 "
+                                                        "z=%4 a=%5 b=%6 c=%7"),
+                             &Robot::robot_tool_receive20MarkedPoint);
+    });
 }
 
 void Robot::robot_net_slot_7MarkedPoint(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    takeCalibrationPoint(this, data,
-                         QT_TRANSLATE_NOOP("Robot", "接收工具手标定 7点标定中已经标定数据 pointNum=%1 x=%2 y=%3 "
-                                                    "z=%4 a=%5 b=%6 c=%7"),
-                         &Robot::robot_tool_receive7MarkedPoint);
+    takeReport(data, {"pointNum", "pos"}, [&](const Json::Value &root) {
+        takeCalibrationPoint(this, root, data,
+                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定 7点标定中已经标定数据 pointNum=%1 x=%2 y=%3 "
+                                                        "z=%4 a=%5 b=%6 c=%7"),
+                             &Robot::robot_tool_receive7MarkedPoint);
+    });
 }
 
 // 0x3816, 0x7108 {"status"}: the state of a tool calibration.

@@ -64,6 +64,10 @@ private Q_SLOTS:
 
         QTest::newRow("servo") << 0x2003 << QByteArray(R"({"mode":0,"robot":1,"status":3})") << QByteArray(R"({"x":1})")
                                << QByteArray(SIGNAL(robot_servo_changed(QByteArray))) << servo << 3.0 << QString();
+        const Reader mode = [](const Robot &r) { return double(r.operationMode); };
+        QTest::newRow("operation mode") << 0x2103 << QByteArray(R"({"mode":2})") << QByteArray(R"({"robot":1})")
+                                        << QByteArray(SIGNAL(robot_mode_changed(OperationMode))) << mode << 2.0
+                                        << QString();
         QTest::newRow("coordinate") << 0x2203 << QByteArray(R"({"coord":2,"robot":1})") << QByteArray(R"({"robot":1})")
                                     << QByteArray(SIGNAL(robot_coord_changed(uchar))) << coord << 2.0 << QString();
         QTest::newRow("speed") << 0x2603 << QByteArray(R"({"robot":1,"speed":40})") << QByteArray(R"({"robot":1})")
@@ -137,6 +141,20 @@ private Q_SLOTS:
         QTest::newRow("cycle index") << 0x5013 << QByteArray(R"({"count":4,"index":2,"robot":1})")
                                      << QByteArray(R"({"x":1})") << QByteArray(SIGNAL(RobotCycleIndex(int, int, int)))
                                      << none << -1.0 << QString();
+
+        const QByteArray point(R"({"pointNum":2,"pos":[1,2,3,4,5,6]})");
+        QTest::newRow("2-point tool point") << 0x3803 << point << other
+                                            << QByteArray(SIGNAL(robot_tool_check(int, QByteArray))) << none << -1.0
+                                            << QStringLiteral("接收工具手标定数据");
+        QTest::newRow("20-point tool point") << 0x7103 << point << other
+                                             << QByteArray(SIGNAL(robot_tool_checkFor20(int, QByteArray))) << none
+                                             << -1.0 << QStringLiteral("20点标定数据");
+        QTest::newRow("20-point taught point")
+            << 0x710B << point << other << QByteArray(SIGNAL(robot_tool_receive20MarkedPoint(int, QByteArray)))
+            << none << -1.0 << QStringLiteral("20点标定中已经标定数据");
+        QTest::newRow("7-point taught point")
+            << 0x3813 << point << other << QByteArray(SIGNAL(robot_tool_receive7MarkedPoint(int, QByteArray)))
+            << none << -1.0 << QStringLiteral("7点标定中已经标定数据");
 
         // Calibration results that also fill a cache.
         const Reader fourPoint = [](const Robot &r) { return r.fourPointData[5]; };
