@@ -80,6 +80,7 @@ _SIGNATURES: Dict[str, Tuple[List[object], object]] = {
     "qrx_connect_robot_port": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
     "qrx_last_message": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
     "qrx_wait_move_done": ([_DOUBLE_P, ctypes.c_int, ctypes.c_double, ctypes.c_int], ctypes.c_int),
+    "qrx_robot_type": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
     # file transfer
     "upload_job": ([], None),
     "download_job": ([], None),

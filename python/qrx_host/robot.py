@@ -143,6 +143,15 @@ class Robot(Transfers):
         self._lib.qrx_set_wait_timeout(0 if not seconds else max(1, int(round(seconds * 1000))))
 
     @property
+    def robot_type(self) -> Tuple[int, str]:
+        """The robot model the controller reported when the link came up:
+        the library's type code (0: none or unknown) and its name
+        ("R_GENERAL_6S", "R_SCARA", ..., "R_NULL"). Sends nothing."""
+        name = ctypes.create_string_buffer(32)
+        code = self._lib.qrx_robot_type(name, len(name))
+        return code, name.value.decode("ascii", "replace")
+
+    @property
     def last_message(self) -> str:
         """The controller's last error, warning or information text."""
         size = 256
