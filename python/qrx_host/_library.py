@@ -12,6 +12,7 @@ from ._records import MotionRecord
 _DOUBLE_P = ctypes.POINTER(ctypes.c_double)
 _ERROR_HANDLER = ctypes.CFUNCTYPE(None, ctypes.c_char_p)
 _LINK_EVENT_HANDLER = ctypes.CFUNCTYPE(None, ctypes.c_int, ctypes.c_int, ctypes.c_void_p)
+_TRANSFER_PROGRESS = ctypes.CFUNCTYPE(None, ctypes.c_char_p, ctypes.c_longlong, ctypes.c_longlong)
 
 _NAMES = ("libqrx_host.so", "libqrx_host.so.0", "libqrx_host.dylib", "qrx_host.dll")
 
@@ -79,6 +80,18 @@ _SIGNATURES: Dict[str, Tuple[List[object], object]] = {
     "qrx_connect_robot_port": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
     "qrx_last_message": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
     "qrx_wait_move_done": ([_DOUBLE_P, ctypes.c_int, ctypes.c_double, ctypes.c_int], ctypes.c_int),
+    "qrx_robot_type": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
+    # file transfer
+    "upload_job": ([], None),
+    "download_job": ([], None),
+    "qrx_set_job_root": ([ctypes.c_char_p], None),
+    "qrx_set_transfer_progress": ([_TRANSFER_PROGRESS], None),
+    "qrx_last_transfer_failed": ([], ctypes.c_int),
+    "qrx_last_transfer_error": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
+    "qrx_export_logs": ([ctypes.c_char_p], ctypes.c_int),
+    "qrx_export_eni": ([ctypes.c_char_p], ctypes.c_int),
+    "qrx_export_config": ([ctypes.c_char_p], ctypes.c_int),
+    "qrx_import_config": ([ctypes.c_char_p], ctypes.c_int),
 }
 
 
@@ -143,3 +156,4 @@ def loaded() -> Optional[ctypes.CDLL]:
 
 ERROR_HANDLER = _ERROR_HANDLER
 LINK_EVENT_HANDLER = _LINK_EVENT_HANDLER
+TRANSFER_PROGRESS = _TRANSFER_PROGRESS

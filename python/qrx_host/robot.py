@@ -10,6 +10,7 @@ from typing import Callable, Iterable, List, Optional, Sequence, Tuple, TypeVar
 
 from . import _library
 from ._records import MotionRecord
+from .transfer import Transfers
 from .types import (CallTimedOut, ConnectionRefused, Coord, DigitalOut, Instruction, LinkEvent, LinkReason,
                     Mode, MotorFigures, Move, NotConnected, ServoState, Wait)
 
@@ -96,7 +97,7 @@ def _text(name: str) -> bytes:
     return name.encode("latin-1")
 
 
-class Robot:
+class Robot(Transfers):
     """A connection to the controller at ``address``.
 
     >>> with Robot("192.168.1.13", timeout=2.0) as robot:
@@ -108,6 +109,8 @@ class Robot:
     ``matched_replies`` makes each call wait for the controller's answer to
     its own query (on by default here; the C library's default is off).
     The library drives one controller per process: use one Robot at a time.
+    Files move with :meth:`upload_jobs`, :meth:`download_jobs`, the
+    ``export_*`` calls and :meth:`import_config` (see :mod:`qrx_host.transfer`).
     """
 
     def __init__(self, address: str, timeout: Optional[float] = 2.0, *, port: int = 6001,
@@ -156,6 +159,15 @@ class Robot:
         self._lib.qrx_set_wait_timeout(0 if not seconds else max(1, int(round(seconds * 1000))))
 
     @property
+    def robot_type(self) -> Tuple[int, str]:
+        """The robot model the controller reported when the link came up:
+        the library's type code (0: none or unknown) and its name
+        ("R_GENERAL_6S", "R_SCARA", ..., "R_NULL"). Sends nothing."""
+        name = ctypes.create_string_buffer(32)
+        code = self._lib.qrx_robot_type(name, len(name))
+        return code, name.value.decode("ascii", "replace")
+
+    @property
     def last_message(self) -> str:
         """The controller's last error, warning or information text."""
         size = 256
@@ -190,35 +202,36 @@ class Robot:
 
     # ---- waiting calls ---------------------------------------------------
     def _wait(self, call: Callable[[], T], name: str) -> T:
-        """Runs a waiting C call; raises CallTimedOut when its bound ran out.
-        In the main thread the call runs in a worker so Ctrl-C stays live."""
+        """Runs a waiting C call; raises CallTimedOut when its bound ran out."""
+        value, timed_out = self._interruptible(lambda: (call(), self._lib.qrx_last_call_timed_out()), name)
+        if timed_out:
+            raise CallTimedOut(f"{name}: no reply from the controller in time")
+        return value
+
+    def _interruptible(self, call: Callable[[], T], name: str) -> T:
+        """Runs a blocking C call. In the main thread it runs in a worker
+        joined in slices, so that Ctrl-C interrupts the wait (the call itself
+        runs to its end in the worker)."""
         if not self._open:
             raise NotConnected(f"{name}: the robot is not connected")
         if threading.current_thread() is not threading.main_thread():
-            return self._checked(call(), self._lib.qrx_last_call_timed_out(), name)
+            return call()
         outcome: List[object] = []
 
         def work() -> None:
             try:
-                value = call()
-                outcome.extend([value, self._lib.qrx_last_call_timed_out(), None])
+                outcome.extend([call(), None])
             except BaseException as error:  # handed to the caller's thread
-                outcome.extend([None, 0, error])
+                outcome.extend([None, error])
 
         worker = threading.Thread(target=work, name=f"qrx_host {name}", daemon=True)
         worker.start()
         while worker.is_alive():
             worker.join(_SLICE_S)
-        value, timed_out, error = outcome
+        value, error = outcome
         if error is not None:
             raise error  # type: ignore[misc]
-        return self._checked(value, int(timed_out), name)  # type: ignore[arg-type]
-
-    @staticmethod
-    def _checked(value: T, timed_out: int, name: str) -> T:
-        if timed_out:
-            raise CallTimedOut(f"{name}: no reply from the controller in time")
-        return value
+        return value  # type: ignore[return-value]
 
     def _read(self, function: Callable[..., None], n: int, name: str, before: Sequence[object] = (),
               after: Sequence[object] = ()) -> Floats:

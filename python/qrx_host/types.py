@@ -65,6 +65,15 @@ class NotConnected(QrxError):
     """The Robot is closed."""
 
 
+class TransferFailed(QrxError):
+    """A file transfer ended with failures; the message is the library's
+    last failure text (the controller's refusal, a broken connection, ...)."""
+
+    def __init__(self, message: str, failures: int = 1) -> None:
+        super().__init__(message)
+        self.failures = failures
+
+
 class SpeedUnit(enum.IntEnum):
     """Unit of a queued move's velocity."""
 

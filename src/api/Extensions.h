@@ -9,6 +9,8 @@
 #include <QVector>
 #include <QtGlobal>
 
+#include <string>
+
 class Robot;
 
 namespace qrx::api {
@@ -55,6 +57,11 @@ void setLastCallTimedOut(bool timedOut);
 
 // Counts the table's replies as the Robot's link takes them.
 void attachReplyCounters(Robot *robot);
+
+// Copies UTF-8 text into a caller's buffer[size]: at most size-1 bytes,
+// never cutting a character, and a NUL; nothing for a null buffer or size
+// 0. Returns the length of the whole text in bytes.
+int copyText(const std::string &text, char *buffer, int size);
 
 // Called once a Robot becomes the API's robot (before its link starts):
 // hooks the reply counters and the connection events to its link.

@@ -140,6 +140,21 @@ void attachExtensions(Robot *robot)
     attachLinkEvents(robot);
 }
 
+int copyText(const std::string &text, char *buffer, int size)
+{
+    if (buffer && size > 0) {
+        std::size_t n = std::min(text.size(), std::size_t(size - 1));
+        // Never cut a UTF-8 character in two: back up to a lead byte.
+        if (n < text.size()) {
+            while (n > 0 && (static_cast<unsigned char>(text[n]) & 0xC0) == 0x80)
+                --n;
+        }
+        std::memcpy(buffer, text.data(), n);
+        buffer[n] = '\0';
+    }
+    return int(text.size());
+}
+
 } // namespace qrx::api
 
 using namespace qrx::api;
@@ -166,18 +181,7 @@ int qrx_connect_robot_port(const char *ip, int port)
 
 int qrx_last_message(char *buffer, int size)
 {
-    const std::string text = show_log();
-    if (buffer && size > 0) {
-        std::size_t n = std::min(text.size(), std::size_t(size - 1));
-        // Never cut a UTF-8 character in two: back up to a lead byte.
-        if (n < text.size()) {
-            while (n > 0 && (static_cast<unsigned char>(text[n]) & 0xC0) == 0x80)
-                --n;
-        }
-        std::memcpy(buffer, text.data(), n);
-        buffer[n] = '\0';
-    }
-    return int(text.size());
+    return qrx::api::copyText(show_log(), buffer, size);
 }
 
 } // extern "C"

@@ -568,6 +568,13 @@ QRX_HOST_API int QRX_HOST_CALL qrx_last_message(char *buffer, int size);
  * the bound ran out (qrx_last_call_timed_out() is then 1), -1 without a link. */
 QRX_HOST_API int QRX_HOST_CALL qrx_wait_move_done(const double *target, int coord, double tolerance, int timeout_ms);
 
+/* The robot model the controller reported (it does so when the link comes
+ * up): the library's type code, 1..20, or 0 before a report and for a model
+ * the library does not know. Its name ("R_GENERAL_6S", "R_SCARA", ...,
+ * "R_NULL" for 0) is copied into name like qrx_last_message() copies; null
+ * or size 0 copies nothing. Sends nothing; -1 before connect_robot(). */
+QRX_HOST_API int QRX_HOST_CALL qrx_robot_type(char *name, int size);
+
 #ifdef __cplusplus
 } /* extern "C" */
 

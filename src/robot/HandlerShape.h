@@ -9,7 +9,12 @@
 // nothing and emits nothing, but still wakes the waiters. A report that
 // holds some of them is taken; a member it leaves out reads as 0, false or
 // empty, as any missing member does, and keys that only select (the
-// "robot" or "mode" beside a status) are never required.
+// "robot" or "mode" beside a status) are never required. A report that
+// only logs and hands its payload on has content keys too: the members its
+// line and its notification carry ("Joint" of the joint parameters, "result"
+// of a calibration result, the DH members); a robot number that is itself
+// an argument of the notification (step end, cycle index) counts as one.
+// Only a pure relay, which reads no member, takes every payload that parses.
 //
 // The payload is parsed as UTF-8 text directly (qrx::parsePayload), not
 // through a Latin-1 view and back: that keeps non-ASCII names ("机器人2")
@@ -25,8 +30,10 @@
 
 namespace qrx {
 
-// True when the object holds at least one of the keys.
-inline bool hasAnyKey(const Json::Value &root, std::initializer_list<const char *> keys)
+// True when the object holds at least one of the keys (a list or an array
+// of key names).
+template <typename Keys>
+bool hasAnyKey(const Json::Value &root, const Keys &keys)
 {
     if (!root.isObject())
         return false;
@@ -35,6 +42,11 @@ inline bool hasAnyKey(const Json::Value &root, std::initializer_list<const char 
             return true;
     }
     return false;
+}
+
+inline bool hasAnyKey(const Json::Value &root, std::initializer_list<const char *> keys)
+{
+    return hasAnyKey<std::initializer_list<const char *>>(root, keys);
 }
 
 } // namespace qrx
@@ -53,8 +65,9 @@ void Robot::takeReport(const QByteArray &data, Read &&read)
 template <typename Read>
 void Robot::takeReport(const QByteArray &data, std::initializer_list<const char *> contentKeys, Read &&read)
 {
-    WakeAtEnd wake(this);
-    Json::Value root;
-    if (qrx::parsePayload(data, root) && qrx::hasAnyKey(root, contentKeys))
-        read(root);
+    // The same shape, cache lock included; only the key check is added.
+    takeReport(data, [&](const Json::Value &root) {
+        if (qrx::hasAnyKey(root, contentKeys))
+            read(root);
+    });
 }

@@ -45,7 +45,10 @@ int flagOfRobot(const Json::Value &root, const char *key, int robot)
 // missing blank before "withdrawwire" included.
 void Robot::robot_net_slot_WeldEquipmentData(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data,
+               {"arconDetect", "arconConfirm", "arcoffDetect", "preAspirated", "delAspirated", "withdrawwire",
+                "breakRewire", "time", "distance", "velocity", "restart"},
+               [&](const Json::Value &root) {
         writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收焊接装备数据 arcDetect=%1 arcConfirm=%2 arcOffDetect=%3 "
                                                            "preAspirated=%4 delAspirated=%5withdrawwire=%6 "
                                                            "breakRewire=%7 distance=%8 velocity=%9"),
@@ -154,7 +157,7 @@ void Robot::robot_net_slot_ServoList(const QByteArray &data)
 //   "机器人1 不在安全位置 ,  外部轴不在安全位置 ; 机器人2 不在安全位置  )!"
 void Robot::robot_net_slot_UnsafePoint(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"safePos", "isSync"}, [&](const Json::Value &root) {
         QStringList pieces;
         for (int robot = 1; robot <= 4; ++robot) {
             const bool robotOut = flagOfRobot(root, "safePos", robot) == 0;

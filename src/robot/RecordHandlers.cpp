@@ -200,7 +200,7 @@ void Robot::robot_net_slot_JobStatusProcess(const QByteArray &data)
 // 0x3501 {"robot","jobname","num"}.
 void Robot::robot_net_slot_stepEndProcess(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"robot", "jobname", "num"}, [&](const Json::Value &root) {
         emit robot_step_end(qrx::jsonInt(root, "robot"), qrx::jsonString(root, "jobname"),
                             qrx::jsonInt(root, "num"));
     });
@@ -209,7 +209,7 @@ void Robot::robot_net_slot_stepEndProcess(const QByteArray &data)
 // 0x3502 {"robot","num"}.
 void Robot::robot_net_slot_BWBCommandStatus(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"robot", "num"}, [&](const Json::Value &root) {
         emit robot_BWB_command(qrx::jsonInt(root, "robot"), qrx::jsonInt(root, "num"));
     });
 }
@@ -226,7 +226,7 @@ void Robot::robot_net_slot_JobfiletoLine(const QByteArray &data)
 // 0x5013 {"robot","count","index"}.
 void Robot::robot_net_slot_RobotCycleIndex(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"robot", "count", "index"}, [&](const Json::Value &root) {
         const int robot = qrx::jsonInt(root, "robot");
         const int count = qrx::jsonInt(root, "count");
         const int index = qrx::jsonInt(root, "index");

@@ -34,10 +34,11 @@ void Robot::robot_net_slot_RobotType(const QByteArray &data)
 }
 
 // 0x3B03 {"Joint": {"AxisNum", limits, speeds, ratios, ...}}: no state.
-// Emits robot_joint_para("AxisNum", payload).
+// Emits robot_joint_para("AxisNum", payload). The report's one key is
+// "Joint": {"AxisNum":3} beside it lacks it and is not taken.
 void Robot::robot_net_slot_JointPara(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"Joint"}, [&](const Json::Value &root) {
         const Json::Value &joint = qrx::jsonMember(root, "Joint");
         const QString line =
             fillLine(QT_TRANSLATE_NOOP("Robot", "接收关节参数数据 joint=%1 posSWLimit=%2 negSWLimit=%3 ratedvel=%4 "
@@ -59,7 +60,7 @@ void Robot::robot_net_slot_JointPara(const QByteArray &data)
 // 0x2606 {"AxisNum","MaxSpeed","MaxAcc"}: maximum jog speed of one joint.
 void Robot::robot_net_slot_JointInchSpeed(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"AxisNum", "MaxSpeed", "MaxAcc"}, [&](const Json::Value &root) {
         writeRobotLine(fillLine(
             QT_TRANSLATE_NOOP("Robot", "接收关节轴最大点动速度 AxisNum=%1 MaxSpeed=%2 MaxAcc=%3"), root,
             {"AxisNum", "MaxSpeed", "MaxAcc"}));
@@ -76,7 +77,7 @@ void Robot::robot_net_slot_RectInchSpeed(const QByteArray &data)
 // 0x2803 {"interpolationMethod","absolutePosResolution","runDelayTime","stopTime"}
 void Robot::robot_net_slot_InterpolationMode(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"interpolationMethod", "absolutePosResolution", "runDelayTime", "stopTime"}, [&](const Json::Value &root) {
         writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收机器人插补方式 interpolationMethod=%1"), root,
                                 {"interpolationMethod"}));
         emit robot_interpolationMode_data_check(data);
@@ -86,7 +87,7 @@ void Robot::robot_net_slot_InterpolationMode(const QByteArray &data)
 // 0x260C {"Sensitivity"}
 void Robot::robot_net_slot_Sensitivity(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"Sensitivity"}, [&](const Json::Value &root) {
         writeRobotLine(fillLine(QT_TRANSLATE_NOOP("Robot", "接收点动灵敏度 Sensitivity=%1"), root, {"Sensitivity"}));
         emit robot_sensitivity_data_check(data);
     });
@@ -103,6 +104,10 @@ void Robot::robot_net_slot_OutterAxisCount(const QByteArray &data)
 }
 
 namespace {
+
+// The members of a DH message; one of them makes it a DH report.
+const char *const kDhKeys[] = {"Link",   "CoupleCoe", "theta",   "upsideDown", "pitch",
+                               "dynamicLimit", "x_ratio", "y_ratio", "z_ratio",    "conversionRatio"};
 
 // What both DH handlers do once the type allows the message: the line of
 // the type's form (DhForms.h), then robot_user_dhParaState with the values,
@@ -131,6 +136,8 @@ void Robot::robot_net_slot_DHParaValue(const QByteArray &data)
     if (qrx::dhFormForType(robotType) == qrx::DhForm::Ignored)
         return;
     takeReport(data, [&](const Json::Value &root) {
+        if (!qrx::hasAnyKey(root, kDhKeys))
+            return;
         takeDh(this, root);
         emit robot_joint_para(axisCount, data);
         emit signal_DHreviewFinish();
@@ -142,7 +149,10 @@ void Robot::robot_net_slot_dhParaState(const QByteArray &data)
 {
     if (qrx::dhFormForType(robotType) == qrx::DhForm::Ignored)
         return;
-    takeReport(data, [&](const Json::Value &root) { takeDh(this, root); });
+    takeReport(data, [&](const Json::Value &root) {
+        if (qrx::hasAnyKey(root, kDhKeys))
+            takeDh(this, root);
+    });
 }
 
 // The catalogue is chosen by the robot count held (0x2E06).

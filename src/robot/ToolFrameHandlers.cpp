@@ -37,13 +37,12 @@ namespace {
 
 using PointSignal = void (Robot::*)(int, QByteArray);
 
-// Calibration point record {"pointNum","pos"[6]}: log "... pointNum=%1
+// Calibration point record {"pointNum","pos"[6]} (a report holds one of
+// the two, else it is not taken): log "... pointNum=%1
 // x=%2 y=%3 z=%4 a=%5 b=%6 c=%7", emit (pointNum, payload).
-void takeCalibrationPoint(Robot *robot, const QByteArray &data, const char *text, PointSignal notify)
+void takeCalibrationPoint(Robot *robot, const Json::Value &root, const QByteArray &data, const char *text,
+                          PointSignal notify)
 {
-    Json::Value root;
-    if (!qrx::parsePayload(data, root))
-        return;
     const int pointNum = qrx::jsonInt(root, "pointNum");
     double pos[6] = {};
     qrx::jsonReals(root, "pos", pos, 6);
@@ -165,37 +164,41 @@ void Robot::robot_net_slot_UserCoordsNote(const QByteArray &data)
 
 void Robot::robot_net_slot_ToolCheck(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    takeCalibrationPoint(this, data,
-                         QT_TRANSLATE_NOOP("Robot", "接收工具手标定数据 pointNum=%1 x=%2 y=%3 z=%4 a=%5 b=%6 c=%7"),
-                         &Robot::robot_tool_check);
+    takeReport(data, {"pointNum", "pos"}, [&](const Json::Value &root) {
+        takeCalibrationPoint(this, root, data,
+                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定数据 pointNum=%1 x=%2 y=%3 z=%4 a=%5 b=%6 c=%7"),
+                             &Robot::robot_tool_check);
+    });
 }
 
 void Robot::robot_net_slot_ToolCheckFor20(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    takeCalibrationPoint(
-        this, data,
-        QT_TRANSLATE_NOOP("Robot", "接收工具手标定 20点标定数据 pointNum=%1 x=%2 y=%3 z=%4 a=%5 b=%6 c=%7"),
-        &Robot::robot_tool_checkFor20);
+    takeReport(data, {"pointNum", "pos"}, [&](const Json::Value &root) {
+        takeCalibrationPoint(this, root, data,
+                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定 20点标定数据 pointNum=%1 x=%2 y=%3 z=%4 "
+                                                        "a=%5 b=%6 c=%7"),
+                             &Robot::robot_tool_checkFor20);
+    });
 }
 
 void Robot::robot_net_slot_20MarkedPoint(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    takeCalibrationPoint(this, data,
-                         QT_TRANSLATE_NOOP("Robot", "接收工具手标定 20点标定中已经标定数据 pointNum=%1 x=%2 y=%3 "
-                                                    "z=%4 a=%5 b=%6 c=%7"),
-                         &Robot::robot_tool_receive20MarkedPoint);
+    takeReport(data, {"pointNum", "pos"}, [&](const Json::Value &root) {
+        takeCalibrationPoint(this, root, data,
+                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定 20点标定中已经标定数据 pointNum=%1 x=%2 y=%3 "
+                                                        "z=%4 a=%5 b=%6 c=%7"),
+                             &Robot::robot_tool_receive20MarkedPoint);
+    });
 }
 
 void Robot::robot_net_slot_7MarkedPoint(const QByteArray &data)
 {
-    WakeAtEnd wake(this);
-    takeCalibrationPoint(this, data,
-                         QT_TRANSLATE_NOOP("Robot", "接收工具手标定 7点标定中已经标定数据 pointNum=%1 x=%2 y=%3 "
-                                                    "z=%4 a=%5 b=%6 c=%7"),
-                         &Robot::robot_tool_receive7MarkedPoint);
+    takeReport(data, {"pointNum", "pos"}, [&](const Json::Value &root) {
+        takeCalibrationPoint(this, root, data,
+                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定 7点标定中已经标定数据 pointNum=%1 x=%2 y=%3 "
+                                                        "z=%4 a=%5 b=%6 c=%7"),
+                             &Robot::robot_tool_receive7MarkedPoint);
+    });
 }
 
 // 0x3816, 0x7108 {"status"}: the state of a tool calibration.
@@ -209,7 +212,7 @@ void Robot::robot_net_slot_ToolStatus(const QByteArray &data)
 // 0x3804 {"result"}
 void Robot::robot_net_slot_CountSuccess(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"result"}, [&](const Json::Value &root) {
         emit robot_count_success(logOutcome(root, "result", QT_TRANSLATE_NOOP("Robot", "接收工具手标定计算成功"),
                                             QT_TRANSLATE_NOOP("Robot", "接收工具手标定失败")));
     });
@@ -230,7 +233,7 @@ void Robot::robot_net_slot_CountSuccessFor20(const QByteArray &data)
 // 0x7106 {"apply"}
 void Robot::robot_net_slot_ResetResultToZeroPoint(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"apply"}, [&](const Json::Value &root) {
         emit robot_ResetResult_ToZeroPoint(
             logOutcome(root, "apply", QT_TRANSLATE_NOOP("Robot", "20点标定，将结果位置标为零点成功"),
                        QT_TRANSLATE_NOOP("Robot", "20点标定，将结果位置标为零点失败")));
@@ -240,7 +243,7 @@ void Robot::robot_net_slot_ResetResultToZeroPoint(const QByteArray &data)
 // 0x7208 {"status"[4],"result","length"[3],"dtheta"}: fourPointData.
 void Robot::robot_net_slot_4Point(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"status", "result", "length", "dtheta"}, [&](const Json::Value &root) {
         fillSlots(root, fourPointData, {{"status", 4}, {"result", 1}, {"length", 3}, {"dtheta", 1}});
         emit robot_received4Point(data);
     });
@@ -249,7 +252,7 @@ void Robot::robot_net_slot_4Point(const QByteArray &data)
 // 0x7204 {"result","length"[3],"dtheta"}: fourPointResult.
 void Robot::robot_net_slot_CountSuccessFor4(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"result", "length", "dtheta"}, [&](const Json::Value &root) {
         fillSlots(root, fourPointResult, {{"result", 1}, {"length", 3}, {"dtheta", 1}});
         emit robot_count_successFor4(data);
     });
@@ -258,7 +261,7 @@ void Robot::robot_net_slot_CountSuccessFor4(const QByteArray &data)
 // 0x7206 {"apply"}: dhResult.
 void Robot::robot_net_slot_resultForDH(const QByteArray &data)
 {
-    takeReport(data, [&](const Json::Value &root) {
+    takeReport(data, {"apply"}, [&](const Json::Value &root) {
         dhResult.store(succeeded(root, "apply") ? 1 : 0);
         emit robot_receivedresultForDH(data);
     });

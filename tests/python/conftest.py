@@ -11,7 +11,7 @@ import subprocess
 import tempfile
 import time
 from pathlib import Path
-from typing import Callable, Iterator, List, Optional
+from typing import Callable, Iterator, List, Optional, Sequence
 
 import pytest
 
@@ -34,9 +34,10 @@ def wait_for(check: Callable[[], object], seconds: float = 20.0) -> bool:
 class Sim:
     """A qrx-sim process on one loopback address."""
 
-    def __init__(self, address: str, port: int = 6001) -> None:
+    def __init__(self, address: str, port: int = 6001, options: Sequence[str] = ()) -> None:
         self.address = address
         self.port = port
+        self.options = list(options)  # further qrx-sim options (--job-dir DIR, ...)
         self.log = Path(tempfile.mkstemp(prefix="qrx-sim-", suffix=".log")[1])
         self.process: Optional[subprocess.Popen] = None
 
@@ -44,7 +45,7 @@ class Sim:
         self.log.write_text("")
         with self.log.open("a") as out:
             self.process = subprocess.Popen(
-                [SIM, "--address", self.address, "--port", str(self.port), "--verbose"],
+                [SIM, "--address", self.address, "--port", str(self.port), "--verbose"] + self.options,
                 stdout=out, stderr=subprocess.STDOUT)
         assert wait_for(lambda: "listening" in self.log.read_text(), 10), self.log.read_text()
 
@@ -70,10 +71,15 @@ class Sim:
         return [m.group(1) for m in map(pattern.search, self.log.read_text().splitlines()) if m]
 
 
+def next_address() -> str:
+    """A loopback address no other test of this run uses (127.6.x.y)."""
+    n = next(_addresses) + (os.getpid() % 200) * 50
+    return f"127.6.{n // 250 % 250}.{n % 250 + 1}"
+
+
 @pytest.fixture
 def sim() -> Iterator[Sim]:
-    n = next(_addresses) + (os.getpid() % 200) * 50
-    simulator = Sim(f"127.6.{n // 250 % 250}.{n % 250 + 1}")
+    simulator = Sim(next_address())
     simulator.start()
     yield simulator
     simulator.stop()

@@ -70,6 +70,11 @@ def test_power_move_and_position(robot: qrx_host.Robot) -> None:
     robot.power_off()
 
 
+def test_robot_type_is_the_reported_model(robot: qrx_host.Robot) -> None:
+    robot.mode  # answered after the start-up reports, the model among them
+    assert robot.robot_type == (1, "R_GENERAL_6S")  # qrx-sim reports a six-axis robot
+
+
 def test_io_reads_are_tuples_of_sixteen(robot: qrx_host.Robot) -> None:
     robot.set_aout(2, 3.5)
     assert robot.aout()[1] == 3.5

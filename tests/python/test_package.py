@@ -34,10 +34,11 @@ def test_missing_library_is_a_clear_error(tmp_path: Path) -> None:
 def test_library_defaults_are_the_plain_behaviour() -> None:
     # A fresh process that sets nothing: no bound, any reply ends a wait.
     script = ("from qrx_host import _library; lib = _library.load(); "
-              "print(lib.qrx_wait_timeout(), lib.qrx_matched_replies(), lib.qrx_last_call_timed_out())")
+              "print(lib.qrx_wait_timeout(), lib.qrx_matched_replies(), lib.qrx_last_call_timed_out(), "
+              "lib.qrx_robot_type(None, 0))")
     out = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, check=True,
                          env=os.environ).stdout
-    assert out.split() == ["0", "0", "0"]
+    assert out.split() == ["0", "0", "0", "-1"]  # no robot model before a connection
 
 
 @pytest.mark.parametrize("name", [n for n in qrx_host.__all__

@@ -67,6 +67,7 @@ void TestQrxCli::init()
         m.coordinate = 0;
         m.speed = 10;
         m.currentTool = 0;
+        m.robotTypeWire = 1;
         m.motion.waypoints.clear();
         std::fill(std::begin(m.positionDeg), std::end(m.positionDeg), 0.0);
     });
@@ -89,18 +90,19 @@ void TestQrxCli::status_data()
     QTest::addColumn<int>("speed");
     QTest::addColumn<int>("tool");
     QTest::addColumn<double>("axis2");
+    QTest::addColumn<int>("typeWire"); // the model the controller reports
     QTest::addColumn<QStringList>("expected"); // key, value, key, value ...
 
-    QTest::newRow("at rest") << 0 << 0 << 0 << 10 << 0 << 0.0
-                             << QStringList{"link", "yes", "servo", "stopped (0)", "mode", "teach (0)",
+    QTest::newRow("at rest") << 0 << 0 << 0 << 10 << 0 << 0.0 << 1
+                             << QStringList{"link", "yes", "type", "R_GENERAL_6S (1)", "servo", "stopped (0)", "mode", "teach (0)",
                                             "coord", "joint (0)", "speed", "10", "tool", "0",
                                             "joints", "0 0 0 0 0 0", "running", "stopped (0)"};
-    QTest::newRow("running, remote, user frame") << 3 << 1 << 3 << 55 << 4 << -12.5
-                                                 << QStringList{"servo", "running (3)", "mode", "remote (1)",
+    QTest::newRow("running, remote, user frame") << 3 << 1 << 3 << 55 << 4 << -12.5 << 2
+                                                 << QStringList{"type", "R_SCARA (6)", "servo", "running (3)", "mode", "remote (1)",
                                                                 "coord", "user (3)", "speed", "55", "tool", "4",
                                                                 "joints", "0 -12.5 0 0 0 0"};
-    QTest::newRow("run mode, tool frame, jog steps") << 1 << 2 << 2 << 102 << 31 << 90.25
-                                                     << QStringList{"servo", "ready (1)", "mode", "run (2)",
+    QTest::newRow("run mode, tool frame, jog steps") << 1 << 2 << 2 << 102 << 31 << 90.25 << 99
+                                                     << QStringList{"type", "R_NULL (0)", "servo", "ready (1)", "mode", "run (2)",
                                                                     "coord", "tool (2)", "speed", "102",
                                                                     "tool", "31", "joints", "0 90.25 0 0 0 0"};
 }
@@ -113,8 +115,10 @@ void TestQrxCli::status()
     QFETCH(int, speed);
     QFETCH(int, tool);
     QFETCH(double, axis2);
+    QFETCH(int, typeWire);
     QFETCH(QStringList, expected);
     m_sim->withModel([=](ControllerModel &m) {
+        m.robotTypeWire = typeWire;
         m.servoStatus = servo;
         m.deadman = servo == 3 ? 1 : 0;
         m.operationMode = mode;
@@ -149,6 +153,8 @@ void TestQrxCli::statusAsJson()
     QCOMPARE(o.value("link").toBool(), true);
     QCOMPARE(o.value("mode").toInt(-1), 2);
     QCOMPARE(o.value("mode_name").toString(), QString("run"));
+    QCOMPARE(o.value("type").toInt(-1), 1);
+    QCOMPARE(o.value("type_name").toString(), QString("R_GENERAL_6S"));
     const QJsonArray joints = o.value("joints").toArray();
     QCOMPARE(joints.size(), 6);
     QCOMPARE(joints.at(0).toDouble(), 1.5);

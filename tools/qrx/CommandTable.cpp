@@ -6,7 +6,8 @@ const std::vector<Command> &commands()
 {
     static const std::vector<Command> table{
         {"status", "status", "one screen of the controller's state",
-         "Shows the link, servo state, operation mode, coordinate system, jog speed,\n"
+         "Shows the link, the robot model, servo state, operation mode, coordinate\n"
+         "system, jog speed,\n"
          "joint and Cartesian positions, running state and line, and the tool.\n",
          {}, {}, true, runStatus},
         {"watch", "watch [--interval SECONDS]", "the status screen, refreshed until Ctrl-C",

@@ -94,9 +94,13 @@ Report statusReport()
     const int line = readJobLine();
     const int running = readRunning();
     const int servo = get_servo_state();
+    // The model came with the start-up reports, before any answer above.
+    char typeName[32] = {};
+    const int type = qrx_robot_type(typeName, int(sizeof typeName));
 
     Report report;
     report.flag("link", connection_status() != 0)
+        .coded("type", type, typeName)
         .coded("servo", servo, nameOf(servo, servoNames()))
         .coded("mode", mode, nameOf(mode, modeNames()))
         .coded("coord", coord, nameOf(coord, coordNames()))
