@@ -4,7 +4,6 @@
 
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QMutexLocker>
 #include <QThread>
 #include <QTimer>
 
@@ -37,13 +36,13 @@ void FramedConnection::setState(State state)
 
 void FramedConnection::setContext(QObject *context)
 {
-    QMutexLocker lock(&m_contextMutex);
+    std::unique_lock<std::mutex> lock(m_contextMutex);
     m_context = context;
 }
 
 void FramedConnection::runInContext(std::function<void()> f)
 {
-    QMutexLocker lock(&m_contextMutex);
+    std::unique_lock<std::mutex> lock(m_contextMutex);
     if (m_context && QThread::currentThread() == m_context->thread()) {
         lock.unlock();
         f();
@@ -73,7 +72,7 @@ void FramedConnection::replaceSocket()
         m_socket->disconnect(this);
         m_socket->abort();
     }
-    QMutexLocker lock(&m_contextMutex);
+    std::unique_lock<std::mutex> lock(m_contextMutex);
     m_socket = socket;
     ++m_socketGeneration;
 }
@@ -108,7 +107,7 @@ void FramedConnection::waitForConnection(int msecs)
 
 bool FramedConnection::write(const QByteArray &frame)
 {
-    QMutexLocker lock(&m_sendMutex);
+    std::lock_guard<std::recursive_mutex> lock(m_sendMutex);
     if (state() != State::Connected || !m_socket)
         return false;
     TcpSocket *socket = m_socket.data();
@@ -150,7 +149,7 @@ void FramedConnection::closeSocketInItsThread()
 {
     quint64 generation;
     {
-        QMutexLocker lock(&m_contextMutex);
+        std::unique_lock<std::mutex> lock(m_contextMutex);
         if (m_context && QThread::currentThread() == m_context->thread()) {
             lock.unlock();
             closeSocket();
@@ -161,7 +160,7 @@ void FramedConnection::closeSocketInItsThread()
     runInContext([this, generation] {
         bool current;
         {
-            QMutexLocker lock(&m_contextMutex);
+            std::unique_lock<std::mutex> lock(m_contextMutex);
             current = generation == m_socketGeneration;
         }
         if (current)
@@ -171,7 +170,7 @@ void FramedConnection::closeSocketInItsThread()
 
 void FramedConnection::release()
 {
-    QMutexLocker lock(&m_sendMutex);
+    std::lock_guard<std::recursive_mutex> lock(m_sendMutex);
     setState(State::Idle);
     if (m_socket) {
         m_socket->disconnect(this);
