@@ -2,6 +2,7 @@
 
 #include "sim/files/FileOptions.h"
 #include "sim/Describe.h"
+#include "sim/PositionStream.h"
 #include "sim/Simulator.h"
 
 #include <QCommandLineParser>
@@ -81,7 +82,11 @@ int main(int argc, char *argv[])
         QStringLiteral("MS"), QStringLiteral("0"));
     const QCommandLineOption verboseOption(QStringLiteral("verbose"),
                                            QStringLiteral("Print one line per frame received or sent."));
-    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption});
+    const QCommandLineOption positionReportsOption(
+        QStringLiteral("position-reports"),
+        QStringLiteral("Send N unasked position reports 0x2F08 a second to every host (default 0: off)."),
+        QStringLiteral("N"), QStringLiteral("0"));
+    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption, positionReportsOption});
     qrxsim::addFileOptions(parser);
     parser.process(app);
 
@@ -104,6 +109,7 @@ int main(int argc, char *argv[])
         return 1;
     simulator.setControllerHeartbeat(heartbeat);
     qrxsim::startFileService(simulator, parser, address);
+    qrxsim::PositionStream positionStream(simulator, qMax(0, parser.value(positionReportsOption).toInt()));
     quitOnSignals(app);
 
     QTextStream out(stdout);
