@@ -1,5 +1,6 @@
 #include "link/FramedConnection.h"
 
+#include "common/HandOver.h"
 #include "common/Logging.h"
 
 #include <QCoreApplication>
@@ -48,8 +49,13 @@ void FramedConnection::runInContext(std::function<void()> f)
         f();
         return;
     }
-    if (m_context)
-        QMetaObject::invokeMethod(m_context, std::move(f), Qt::QueuedConnection);
+    if (m_context) {
+        qrx::handOff(this);
+        QMetaObject::invokeMethod(m_context, [this, f = std::move(f)] {
+            qrx::takeOver(this);
+            f();
+        }, Qt::QueuedConnection);
+    }
 }
 
 void FramedConnection::open(const QString &host, quint16 port)

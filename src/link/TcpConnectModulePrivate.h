@@ -107,4 +107,5 @@ private:
     QDateTime m_lastReceiveTime;
     std::atomic<uint> m_connectTime{0};
     std::atomic<int> m_receiveTimeoutMs{kReceiveTimeoutSecs * 1000};
+    std::atomic<bool> m_runEnded{false}; // set last in run(); read after the join
 };
