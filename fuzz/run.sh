@@ -1,17 +1,21 @@
 #!/usr/bin/env bash
 # Builds every libFuzzer target (fuzz/fuzz_*.cpp) with clang and runs each
 # for a bounded time on a copy of its committed corpus.
-#   fuzz/run.sh [build-folder]     QRX_FUZZ_SECONDS=<s> (default 45) per target
+#   fuzz/run.sh [build-folder]     QRX_FUZZ_SECONDS=<s> (default 20) per target
 # A crash, leak or sanitizer report fails the run; the input that caused it
 # is left in the build folder (crash-*, leak-*) to become a regression row.
 set -euo pipefail
 ROOT="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 BUILD="${1:-$ROOT/build-fuzz}"
-SECONDS_EACH="${QRX_FUZZ_SECONDS:-45}"
+SECONDS_EACH="${QRX_FUZZ_SECONDS:-20}"
 
 if [ ! -f "$BUILD/build.ninja" ]; then
+  launcher=()
+  if command -v ccache >/dev/null; then
+    launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  fi
   CC=clang CXX=clang++ cmake -S "$ROOT" -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DQRX_FUZZ=ON -DQRX_BUILD_TESTS=OFF -DQRX_BUILD_BENCH=OFF
+    "${launcher[@]}" -DQRX_FUZZ=ON -DQRX_BUILD_TESTS=OFF -DQRX_BUILD_BENCH=OFF
 fi
 targets=()
 for source in "$ROOT"/fuzz/fuzz_*.cpp; do

@@ -1,35 +1,34 @@
 #include "sim/Recorder.h"
 
-#include <QDeadlineTimer>
-#include <QMutexLocker>
 #include <algorithm>
+#include <chrono>
 
 namespace qrxsim {
 
 void Recorder::setEnabled(bool on)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     m_enabled = on;
 }
 
 void Recorder::append(ReceivedFrame frame)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     if (!m_enabled)
         return;
     m_frames.append(std::move(frame));
-    m_changed.wakeAll();
+    m_changed.notify_all();
 }
 
 QVector<ReceivedFrame> Recorder::frames() const
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     return m_frames;
 }
 
 QVector<ReceivedFrame> Recorder::frames(quint16 command) const
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     QVector<ReceivedFrame> out;
     std::copy_if(m_frames.cbegin(), m_frames.cend(), std::back_inserter(out),
                  [command](const ReceivedFrame &f) { return f.command == command; });
@@ -38,7 +37,7 @@ QVector<ReceivedFrame> Recorder::frames(quint16 command) const
 
 ReceivedFrame Recorder::last(quint16 command) const
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     const auto it = std::find_if(m_frames.crbegin(), m_frames.crend(),
                                  [command](const ReceivedFrame &f) { return f.command == command; });
     return it == m_frames.crend() ? ReceivedFrame() : *it;
@@ -46,20 +45,20 @@ ReceivedFrame Recorder::last(quint16 command) const
 
 void Recorder::clear()
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     m_frames.clear();
 }
 
 void Recorder::setClientCount(int count)
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     m_clients = count;
-    m_changed.wakeAll();
+    m_changed.notify_all();
 }
 
 int Recorder::clientCount() const
 {
-    QMutexLocker lock(&m_mutex);
+    std::unique_lock<std::mutex> lock(m_mutex);
     return m_clients;
 }
 
@@ -81,14 +80,9 @@ bool Recorder::waitForClient(int timeoutMs) const
 
 bool Recorder::waitUntil(const std::function<bool()> &done, int timeoutMs) const
 {
-    QDeadlineTimer deadline(timeoutMs);
-    QMutexLocker lock(&m_mutex);
-    while (!done()) {
-        if (deadline.hasExpired())
-            return false;
-        m_changed.wait(&m_mutex, deadline);
-    }
-    return true;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+    std::unique_lock<std::mutex> lock(m_mutex);
+    return m_changed.wait_until(lock, deadline, done);
 }
 
 } // namespace qrxsim

@@ -5,10 +5,10 @@
 
 #include "sim/ReceivedFrame.h"
 
-#include <QMutex>
 #include <QVector>
-#include <QWaitCondition>
+#include <condition_variable>
 #include <functional>
+#include <mutex>
 
 namespace qrxsim {
 
@@ -36,8 +36,10 @@ private:
     bool waitUntil(const std::function<bool()> &done, int timeoutMs) const;
     bool hasFrameLocked(quint16 command) const;
 
-    mutable QMutex m_mutex;
-    mutable QWaitCondition m_changed;
+    // Standard primitives: ThreadSanitizer sees their hand-overs (a test
+    // thread waits for what the simulator's thread records).
+    mutable std::mutex m_mutex;
+    mutable std::condition_variable m_changed;
     QVector<ReceivedFrame> m_frames;
     int m_clients = 0;
     bool m_enabled = true;

@@ -1,6 +1,7 @@
 #include "sim/SimHandle.h"
 
 #include "common/CompactJson.h"
+#include "common/HandOver.h"
 #include "sim/Simulator.h"
 
 #include <QHostAddress>
@@ -36,13 +37,17 @@ void SimHandle::run(const std::function<void(Simulator &)> &fn) const
         sim->wake();
         return;
     }
+    qrx::handOff(sim);
     QMetaObject::invokeMethod(
         sim,
         [sim, &fn] {
+            qrx::takeOver(sim);
             fn(*sim);
             sim->wake();
+            qrx::handOff(sim);
         },
         Qt::BlockingQueuedConnection);
+    qrx::takeOver(sim);
 }
 
 bool SimHandle::start()

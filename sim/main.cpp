@@ -2,6 +2,7 @@
 
 #include "sim/files/FileOptions.h"
 #include "sim/Describe.h"
+#include "sim/PositionStream.h"
 #include "sim/Simulator.h"
 
 #include <QCommandLineParser>
@@ -83,7 +84,11 @@ int main(int argc, char *argv[])
         QStringLiteral("MS"), QStringLiteral("0"));
     const QCommandLineOption verboseOption(QStringLiteral("verbose"),
                                            QStringLiteral("Print one line per frame received or sent."));
-    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption});
+    const QCommandLineOption positionReportsOption(
+        QStringLiteral("position-reports"),
+        QStringLiteral("Send N unasked position reports 0x2F08 a second to every host (default 0: off)."),
+        QStringLiteral("N"), QStringLiteral("0"));
+    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption, positionReportsOption});
     qrxsim::addFileOptions(parser);
     parser.process(app);
 
@@ -107,6 +112,7 @@ int main(int argc, char *argv[])
     simulator.setControllerHeartbeat(heartbeat);
     qrxsim::startFileService(simulator, parser, address);
     simulator.model().job.folder = parser.value(QStringLiteral("job-dir")).toStdString(); // jobs run from there
+    qrxsim::PositionStream positionStream(simulator, qMax(0, parser.value(positionReportsOption).toInt()));
     quitOnSignals(app);
 
     QTextStream out(stdout);

@@ -35,9 +35,6 @@ std::atomic<ApplicationFactory> g_applicationFactory{nullptr};
 
 thread_local const char *t_function = nullptr;
 
-// A payload longer than the 65535 bytes a frame carries: the link refuses it.
-constexpr int kRefusedPayloadSize = qrx::kMaxPayload + 1;
-
 // The library's own application: its thread and its context object.
 std::thread *g_appThread = nullptr;
 QObject *g_appContext = nullptr;
@@ -189,7 +186,7 @@ QByteArray payloadOf(const Json::Value &value)
         qCWarning(lcApi).noquote() << QStringLiteral("%1: %2 in the payload, not sent")
                                           .arg(QLatin1String(ApiCall::currentFunction()))
                                           .arg(found);
-        return QByteArray(kRefusedPayloadSize, '\0');
+        return LinkSenders::refusedPayload();
     }
     return qrx::jsonPayload(value);
 }

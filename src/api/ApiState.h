@@ -51,9 +51,9 @@ private:
 };
 
 // The payload of a command: compact JSON, keys ascending, one line feed.
-// A value holding a NaN or an infinity is never sent: the result is then a
-// payload longer than any frame may carry, which the link refuses without
-// writing anything, and a qrx.api warning names the function and the value.
+// A value holding a NaN or an infinity is never sent: the result is then the
+// link's refused payload, which sendData() turns down without writing
+// anything, and a qrx.api warning names the function and the value.
 QByteArray payloadOf(const Json::Value &value);
 
 // A null name pointer reads as the empty name.

@@ -21,7 +21,10 @@ bool parsePayload(const QByteArray &payload, Json::Value &out)
         b["allowTrailingCommas"] = false;
         return b;
     }();
-    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    // One reader per thread: building one reads a dozen settings by name,
+    // which costs more than parsing a short report. A parse never starts
+    // another on the same thread, so the reader is never shared.
+    thread_local const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     out = Json::Value();
     bool parsed = false;
     try {

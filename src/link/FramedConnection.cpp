@@ -1,10 +1,10 @@
 #include "link/FramedConnection.h"
 
+#include "common/HandOver.h"
 #include "common/Logging.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
-#include <QMutexLocker>
 #include <QThread>
 #include <QTimer>
 
@@ -37,20 +37,25 @@ void FramedConnection::setState(State state)
 
 void FramedConnection::setContext(QObject *context)
 {
-    QMutexLocker lock(&m_contextMutex);
+    std::unique_lock<std::mutex> lock(m_contextMutex);
     m_context = context;
 }
 
 void FramedConnection::runInContext(std::function<void()> f)
 {
-    QMutexLocker lock(&m_contextMutex);
+    std::unique_lock<std::mutex> lock(m_contextMutex);
     if (m_context && QThread::currentThread() == m_context->thread()) {
         lock.unlock();
         f();
         return;
     }
-    if (m_context)
-        QMetaObject::invokeMethod(m_context, std::move(f), Qt::QueuedConnection);
+    if (m_context) {
+        qrx::handOff(this);
+        QMetaObject::invokeMethod(m_context, [this, f = std::move(f)] {
+            qrx::takeOver(this);
+            f();
+        }, Qt::QueuedConnection);
+    }
 }
 
 void FramedConnection::open(const QString &host, quint16 port)
@@ -74,7 +79,7 @@ void FramedConnection::replaceSocket()
         m_socket->disconnect(this);
         m_socket->abort();
     }
-    QMutexLocker lock(&m_contextMutex);
+    std::unique_lock<std::mutex> lock(m_contextMutex);
     m_socket = socket;
     ++m_socketGeneration;
 }
@@ -109,7 +114,7 @@ void FramedConnection::waitForConnection(int msecs)
 
 bool FramedConnection::write(const QByteArray &frame)
 {
-    QMutexLocker lock(&m_sendMutex);
+    std::lock_guard<std::recursive_mutex> lock(m_sendMutex);
     if (state() != State::Connected || !m_socket)
         return false;
     TcpSocket *socket = m_socket.data();
@@ -152,7 +157,7 @@ void FramedConnection::closeSocketInItsThread()
 {
     quint64 generation;
     {
-        QMutexLocker lock(&m_contextMutex);
+        std::unique_lock<std::mutex> lock(m_contextMutex);
         if (m_context && QThread::currentThread() == m_context->thread()) {
             lock.unlock();
             closeSocket();
@@ -163,7 +168,7 @@ void FramedConnection::closeSocketInItsThread()
     runInContext([this, generation] {
         bool current;
         {
-            QMutexLocker lock(&m_contextMutex);
+            std::unique_lock<std::mutex> lock(m_contextMutex);
             current = generation == m_socketGeneration;
         }
         if (current)
@@ -173,7 +178,7 @@ void FramedConnection::closeSocketInItsThread()
 
 void FramedConnection::release(int waitMsecs)
 {
-    QMutexLocker lock(&m_sendMutex);
+    std::lock_guard<std::recursive_mutex> lock(m_sendMutex);
     setState(State::Idle);
     if (m_socket) {
         m_socket->disconnect(this);

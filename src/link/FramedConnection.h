@@ -31,13 +31,12 @@
 #include "link/FrameCodec.h"
 #include "link/TcpSocket.h"
 
-#include <QMutex>
 #include <QObject>
-#include <QRecursiveMutex>
 #include <QSharedPointer>
 
 #include <atomic>
 #include <functional>
+#include <mutex>
 
 namespace qrx {
 
@@ -94,7 +93,7 @@ public:
     bool write(const QByteArray &frame);
     // Serialises writes; the owner holds it for anything that must not
     // interleave with a write (the controller link's periodic check).
-    QRecursiveMutex &sendMutex() { return m_sendMutex; }
+    std::recursive_mutex &sendMutex() { return m_sendMutex; }
 
     // The one way down: closes the socket as the reason says, sets the
     // following state and emits connectSucceed(0).
@@ -139,12 +138,14 @@ private:
     const Options m_options;
     std::atomic<State> m_state{State::Idle};
     QSharedPointer<TcpSocket> m_socket; // socket's thread; read elsewhere under m_sendMutex
-    QRecursiveMutex m_sendMutex;
+    // Standard mutexes: their hand-overs are visible to ThreadSanitizer,
+    // those of QMutex under contention are not.
+    std::recursive_mutex m_sendMutex;
     FrameDecoder m_receiveBuffer;
 
     // Work from other threads reaches the socket's thread through the
     // context; m_contextMutex guards it and the socket generation.
-    QMutex m_contextMutex;
+    std::mutex m_contextMutex;
     QObject *m_context = nullptr;
     quint64 m_socketGeneration = 0;
 

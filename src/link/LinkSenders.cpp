@@ -35,6 +35,18 @@ void logLine(const QString &line)
 
 } // namespace
 
+const QByteArray &LinkSenders::refusedPayload()
+{
+    // Copies share this one allocation: identity, not content, marks it.
+    static const QByteArray refused(1, '\0');
+    return refused;
+}
+
+bool LinkSenders::isRefused(const QByteArray &payload)
+{
+    return payload.constData() == refusedPayload().constData();
+}
+
 bool LinkSenders::sendJson(quint16 command, const Json::Value &object)
 {
     return sendData(command, qrx::jsonPayload(object));
@@ -42,7 +54,7 @@ bool LinkSenders::sendJson(quint16 command, const Json::Value &object)
 
 void LinkSenders::setCurrentRobotSource(std::function<int()> source)
 {
-    QMutexLocker lock(&m_robotSourceMutex);
+    std::lock_guard<std::mutex> lock(m_robotSourceMutex);
     m_robotSource = std::move(source);
 }
 
@@ -50,7 +62,7 @@ int LinkSenders::currentRobot() const
 {
     std::function<int()> source;
     {
-        QMutexLocker lock(&m_robotSourceMutex);
+        std::lock_guard<std::mutex> lock(m_robotSourceMutex);
         source = m_robotSource;
     }
     return source ? source() : 1;

@@ -10,10 +10,10 @@
 #include "link/LinkNotifications.h"
 #include "link/LinkTypes.h"
 
-#include <QMutex>
 #include <json/value.h>
 
 #include <functional>
+#include <mutex>
 
 class LinkSenders : public LinkNotifications
 {
@@ -23,6 +23,13 @@ public:
 
     // Frames and writes the command if the link is up; false otherwise.
     virtual bool sendData(quint16 command, QByteArray payload) = 0;
+
+    // The payload of a command that must not leave (its builder found a
+    // value the controller cannot read and said so): sendData() refuses it
+    // and returns false, nothing is framed or written. Copies of it are
+    // recognised; no other payload, of any content, is.
+    static const QByteArray &refusedPayload();
+    static bool isRefused(const QByteArray &payload);
 
     // Sends a JSON command by the shared rule.
     bool sendJson(quint16 command, const Json::Value &object);
@@ -56,6 +63,6 @@ private:
     // {"robot": current robot}, the payload of most queries.
     bool sendRobotOnly(quint16 command);
 
-    mutable QMutex m_robotSourceMutex;
+    mutable std::mutex m_robotSourceMutex;
     std::function<int()> m_robotSource;
 };

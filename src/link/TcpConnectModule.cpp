@@ -26,8 +26,15 @@ void TcpConnectModule::start()
     d->startLink();
 }
 
+void TcpConnectModule::setReceiveTimeout(int msecs)
+{
+    d->setReceiveTimeout(msecs);
+}
+
 bool TcpConnectModule::sendData(quint16 command, QByteArray payload)
 {
+    if (isRefused(payload))
+        return false;
     const QByteArray frame = qrx::encodeFrame(command, payload);
     if (frame.isEmpty())
         return false;

@@ -39,9 +39,14 @@ public:
 
     // Starts the link thread; returns once its timers run.
     void start();
+    // How long a connected link may stay silent before the time-out closes
+    // it: 7 s unless set (the controller's own figure, whatever the time
+    // base). A test of many silent drops sets a short one.
+    void setReceiveTimeout(int msecs);
 
     // Frames the payload and writes it if the link is up; false, and nothing
-    // written, when it is down or the payload is longer than 65535 bytes.
+    // written, when it is down, the payload is longer than 65535 bytes or
+    // it is the refused payload.
     // Callable from any thread: the write is queued into the link thread.
     bool sendData(quint16 command, QByteArray payload) override;
     // Writes bytes that are already framed, under the same conditions.

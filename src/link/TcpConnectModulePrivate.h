@@ -7,7 +7,7 @@
 //    waits to connect, or sends the heartbeat 0x7266 {"time": seconds since
 //    the epoch} when it is up;
 //  - every timeBase/150 ms the time-out drops a connection that has not been
-//    seen alive for kReceiveTimeoutSecs;
+//    seen alive for kReceiveTimeoutSecs (or the receive time-out set);
 //  - received frames: a controller heartbeat 0x7266 is echoed as it came, a
 //    heartbeat answer 0x7267 refreshes the link, anything else refreshes the
 //    link and goes out as receivedData() in this thread;
@@ -19,14 +19,13 @@
 
 #include <QDateTime>
 #include <QEventLoop>
-#include <QMutex>
-#include <QRecursiveMutex>
 #include <QSemaphore>
 #include <QSharedPointer>
 #include <QThread>
 #include <QTimer>
 
 #include <atomic>
+#include <mutex>
 
 class TcpConnectModulePrivate : public QThread
 {
@@ -65,6 +64,7 @@ public:
     State state() const { return m_connection.state(); }
 
     QString ip() const;
+    void setReceiveTimeout(int msecs) { m_receiveTimeoutMs = msecs; }
     quint16 port() const { return m_port; }
     int timeBase() const { return m_timeBase; }
     QDateTime lastReceiveTime() const;
@@ -92,18 +92,20 @@ private:
     void route(quint16 command, const QByteArray &payload);
     void sendHeartbeat();
 
-    mutable QMutex m_ipMutex;
+    mutable std::mutex m_ipMutex;
     QString m_ip;
     const quint16 m_port;
     const int m_timeBase;
 
     qrx::FramedConnection m_connection;
     std::atomic<bool> m_stopped{false};
-    mutable QRecursiveMutex m_pingMutex; // lastReceiveTime
+    mutable std::mutex m_pingMutex; // lastReceiveTime
     QSemaphore m_startedSemaphore;
     QSharedPointer<QEventLoop> m_eventLoop;
     QSharedPointer<QTimer> m_checkTimer;
     QSharedPointer<QTimer> m_timeoutTimer;
     QDateTime m_lastReceiveTime;
     std::atomic<uint> m_connectTime{0};
+    std::atomic<int> m_receiveTimeoutMs{kReceiveTimeoutSecs * 1000};
+    std::atomic<bool> m_runEnded{false}; // set last in run(); read after the join
 };

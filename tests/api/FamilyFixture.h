@@ -110,7 +110,13 @@ public:
         sim->sendJson(0x560C, v);
         QElapsedTimer clock;
         clock.start();
-        while (robot->globalReal[999] != double(marker)) {
+        // Read the way the library reads its caches: under the cache lock.
+        const auto taken = [this] {
+            double value = 0.0;
+            qrx::api::copyOut(&robot->globalReal[999], 1, &value);
+            return value;
+        };
+        while (taken() != double(marker)) {
             if (clock.elapsed() > 10000)
                 return false;
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);

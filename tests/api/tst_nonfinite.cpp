@@ -75,9 +75,11 @@ void TestNonFinite::notSent()
 {
     QFETCH(Call, call);
     QFETCH(QString, line);
-    LogCapture log("qrx.api");
+    LogCapture log("qrx.");
     QCOMPARE(m_ctl.framesOf(call), QStringList());
     QCOMPARE(log.count(line), 1);
+    // Refused before framing: the link has nothing to say about it.
+    QVERIFY2(!log.contains(QStringLiteral("encodeFrame")), qPrintable(log.lines().join('\n')));
 }
 
 void TestNonFinite::finiteValuesStillLeave()

@@ -1,11 +1,14 @@
 // The link under 1000 drops: a controller of the test's own accepts the
-// link, then ends the connection one of three ways (orderly close, reset,
-// half a frame and close). With a short time base the link reconnects within
-// milliseconds; every cycle must reconnect, a whole frame sent after a half
-// one must arrive intact, and threads, descriptors and memory stay flat.
+// link, then ends the connection one of four ways (orderly close, reset,
+// half a frame and close, or silence until the link's receive time-out
+// closes it). With a short time base and a short receive time-out the link
+// reconnects within milliseconds; every cycle must reconnect, a whole frame
+// sent after a half one must arrive intact, every silence ends in one
+// time-out, and threads, descriptors and memory stay flat.
 
 #include "link/FrameCodec.h"
 #include "link/TcpConnectModule.h"
+#include "support/LogCapture.h"
 #include "support/Loopback.h"
 
 #include <QDir>
@@ -23,6 +26,10 @@ constexpr int kCycles = 1000;
 constexpr int kWarmUp = 20;
 constexpr int kTimeBase = 1800; // a check every 10 ms
 constexpr quint16 kProbe = 0x7E01;
+// Long beside the few milliseconds between a connect and the fault, short
+// enough for a hundred silences.
+constexpr int kReceiveTimeoutMs = 400;
+constexpr int kSilentEvery = 10;
 // Under AddressSanitizer freed memory sits in quarantine, so resident memory
 // says nothing there; LeakSanitizer checks for leaks at exit instead.
 #ifdef __SANITIZE_ADDRESS__
@@ -31,7 +38,12 @@ constexpr long kMaxGrowthKib = 1L << 30;
 constexpr long kMaxGrowthKib = 6144;
 #endif
 
-enum class Fault { Close, Reset, HalfFrame };
+enum class Fault { Close, Reset, HalfFrame, Silent };
+
+Fault faultOf(int cycle)
+{
+    return cycle % kSilentEvery == kSilentEvery - 1 ? Fault::Silent : Fault(cycle % 3);
+}
 
 int entries(const QString &path)
 {
@@ -68,6 +80,9 @@ void endWith(QTcpSocket *client, Fault fault)
         client->flush();
         client->disconnectFromHost();
         break;
+    case Fault::Silent:
+        // Nothing at all: the link's time-out closes the connection.
+        break;
     }
 }
 
@@ -93,7 +108,9 @@ void TestLinkSoak::reconnectsAfterEveryDrop()
     QTcpServer server;
     QVERIFY2(server.listen(QHostAddress(address), 6001), qPrintable(server.errorString()));
 
+    LogCapture log("qrx.link");
     TcpConnectModule link(address, 6001, kTimeBase);
+    link.setReceiveTimeout(kReceiveTimeoutMs);
     QVector<QByteArray> probes;
     connect(&link, &TcpConnectModule::receivedData, this, [&probes](quint16 command, QByteArray data) {
         if (command == kProbe)
@@ -111,7 +128,7 @@ void TestLinkSoak::reconnectsAfterEveryDrop()
             descriptors = entries(QStringLiteral("/proc/self/fd"));
             rss = rssKib();
         }
-        const auto fault = Fault(cycle % 3);
+        const Fault fault = faultOf(cycle);
         if (cycle % 3 == 0 && cycle > 0) {
             // The connection after a half frame starts clean: a whole frame
             // arrives as sent.
@@ -134,6 +151,10 @@ void TestLinkSoak::reconnectsAfterEveryDrop()
     const long rssAfter = rssKib();
     qInfo("%d cycles: threads %d -> %d, descriptors %d -> %d, rss %ld -> %ld KiB", kCycles, threads,
           threadsAfter, descriptors, descriptorsAfter, rss, rssAfter);
+    // A connection that waited long for its fault (a loaded machine) may
+    // time out too; each silent one must have.
+    const int timeOuts = log.count(QStringLiteral("连接超时 主动断开"));
+    QVERIFY2(timeOuts >= kCycles / kSilentEvery, qPrintable(QString::number(timeOuts)));
     QCOMPARE(threadsAfter, threads);
     QCOMPARE(descriptorsAfter, descriptors);
     QVERIFY2(rssAfter - rss < kMaxGrowthKib, qPrintable(QString::number(rssAfter - rss)));

@@ -1,9 +1,9 @@
 #include "support/LogCapture.h"
 
-#include <QMutexLocker>
+#include <atomic>
 
 namespace {
-LogCapture *g_active = nullptr;
+std::atomic<LogCapture *> g_active{nullptr};
 }
 
 LogCapture::LogCapture(const char *categoryPrefix)
@@ -21,9 +21,9 @@ LogCapture::~LogCapture()
 
 void LogCapture::handler(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    LogCapture *self = g_active;
+    LogCapture *self = g_active.load();
     if (self && context.category && QByteArray(context.category).startsWith(self->m_prefix)) {
-        QMutexLocker lock(&self->m_mutex);
+        std::lock_guard<std::mutex> lock(self->m_mutex);
         self->m_lines.append(message);
         return;
     }
@@ -33,19 +33,19 @@ void LogCapture::handler(QtMsgType type, const QMessageLogContext &context, cons
 
 QStringList LogCapture::lines() const
 {
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     return m_lines;
 }
 
 int LogCapture::count(const QString &line) const
 {
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     return int(m_lines.count(line));
 }
 
 bool LogCapture::contains(const QString &fragment) const
 {
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     for (const QString &l : m_lines)
         if (l.contains(fragment))
             return true;
@@ -54,6 +54,6 @@ bool LogCapture::contains(const QString &fragment) const
 
 void LogCapture::clear()
 {
-    QMutexLocker lock(&m_mutex);
+    std::lock_guard<std::mutex> lock(m_mutex);
     m_lines.clear();
 }
