@@ -13,6 +13,7 @@
 // (checked at compile time below).
 
 #include "protocol/Catalogue.h"
+#include "protocol/SortedRows.h"
 
 #include <algorithm>
 #include <iterator>
@@ -479,56 +480,13 @@ constexpr Message kOutgoing[] = {
     request(Farewell, 0),
 };
 
-// The file connection (port 5000): codes that never travel on the main link
-// and are read by the file transfer alone (0x5502 is also the main link's
-// receiveUploadAnswer). Named here for the readers of names (the dissector).
-#define fileCode(n, direction) {code::n, direction, #n, nullptr, Delivery::None, none, none, NoWake, 0, nullptr, nullptr, none}
-constexpr Direction Out = Direction::ToController;
-constexpr Message kFileConnection[] = {
-    fileCode(AnnounceUpload, Out),
-    fileCode(UploadAnswer, In),
-    fileCode(RequestFile, Out),
-    fileCode(FileHeader, In),
-    fileCode(UploadChunk, Out),
-    fileCode(UploadEnd, Out),
-    fileCode(UploadFinished, In),
-    fileCode(FileBegins, In),
-    fileCode(FileData, In),
-    fileCode(FileStored, Out),
-    fileCode(FileReady, Out),
-    fileCode(AbortTransfer, Out),
-    fileCode(ExportFinished, Out),
-};
-#undef fileCode
 
 #undef note
 #undef named
 #undef request
 
-constexpr bool ascending(const Message *rows, std::size_t n)
-{
-    for (std::size_t i = 1; i < n; ++i) {
-        if (rows[i - 1].code >= rows[i].code)
-            return false;
-    }
-    return true;
-}
 static_assert(ascending(kIncoming, std::size(kIncoming)), "incoming rows sorted by code, one row per code");
 static_assert(ascending(kOutgoing, std::size(kOutgoing)), "outgoing rows sorted by code, one row per code");
-static_assert(ascending(kFileConnection, std::size(kFileConnection)), "file connection rows sorted by code, one row per code");
-
-constexpr const Message *lookup(const Message *rows, std::size_t n, quint16 code)
-{
-    std::size_t lo = 0, hi = n;
-    while (lo < hi) {
-        const std::size_t mid = (lo + hi) / 2;
-        if (rows[mid].code < code)
-            lo = mid + 1;
-        else
-            hi = mid;
-    }
-    return (lo < n && rows[lo].code == code) ? rows + lo : nullptr;
-}
 
 // A reply names the request it answers, and that request names this reply
 // (a request may also be acknowledged by the reply of its query: 0x2001 by
@@ -593,17 +551,6 @@ Rows incoming()
 Rows outgoing()
 {
     return {kOutgoing, int(std::size(kOutgoing))};
-}
-
-const Message *findFileCode(quint16 code, Direction direction)
-{
-    const Message *row = lookup(kFileConnection, std::size(kFileConnection), code);
-    return (row && row->direction == direction) ? row : nullptr;
-}
-
-Rows fileConnection()
-{
-    return {kFileConnection, int(std::size(kFileConnection))};
 }
 
 } // namespace qrx::protocol
