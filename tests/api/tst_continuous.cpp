@@ -33,20 +33,14 @@ using queuerecords::put;
 using queuerecords::record;
 using queuerecords::variable;
 
-// MOVJ/MOVL to a position given with the record, speed in percent.
+// MOVJ/MOVL to a named position (10, 20, ... 60) given with the record,
+// speed in percent, smoothing level 1.
 qrx_motion_record move(int type, double speed, const char *target)
 {
-    qrx_motion_record r = record(type);
-    qrx_move_params &m = r.u.move;
-    m.velocity = constant(speed);
-    m.vUnit = 2;
-    m.acc = constant(50);
-    m.dec = constant(50);
-    m.pl = constant(1);
-    put(m.positionId, target);
-    put(m.pos.name, target);
-    for (int i = 0; i < QRX_POSITION_SIZE; ++i)
-        m.pos.data[i] = i < 6 ? 10.0 * (i + 1) : 0.0;
+    qrx_motion_record r = queuerecords::move(type, {10.0, 20.0, 30.0, 40.0, 50.0, 60.0}, speed);
+    r.u.move.pl = constant(1);
+    put(r.u.move.positionId, target);
+    put(r.u.move.pos.name, target);
     return r;
 }
 
