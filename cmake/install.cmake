@@ -7,8 +7,10 @@ install(TARGETS qrx_host EXPORT qrx_hostTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-# The public header is the C API alone; the rest of src/api is internal.
-install(FILES ${PROJECT_SOURCE_DIR}/src/api/qrx_host.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qrx_host)
+# The public headers are the C API and its header-only C++ layer; the rest
+# of src/api is internal.
+install(FILES ${PROJECT_SOURCE_DIR}/src/api/qrx_host.h ${PROJECT_SOURCE_DIR}/src/api/qrx_host.hpp
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qrx_host)
 if(TARGET qrx-sim)
   install(TARGETS qrx-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()

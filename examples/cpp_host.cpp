@@ -67,7 +67,12 @@ int main(int argc, char **argv)
         std::cout << "connected to " << address << ':' << port << '\n';
 
         robot.setMode(qrx::Mode::Teach);
-        if (!robot.powerOn() || !within(5s, [&] { return robot.servoState() == qrx::ServoState::Running; })) {
+        // powerOn() reports the first servo state that reaches the host after
+        // the command; a state the controller sent before it saw the command
+        // (its report to a newly connected host, say) can be that one. The
+        // drives are up once the state reads Running.
+        robot.powerOn();
+        if (!within(5s, [&] { return robot.servoState() == qrx::ServoState::Running; })) {
             std::cerr << "FAILED: the drives did not come up\n";
             return 1;
         }

@@ -251,7 +251,10 @@ class Robot(Transfers):
         return ServoState(self._lib.get_servo_state())
 
     def power_on(self) -> bool:
-        """Servo on and deadman; True when the servo state is then ready."""
+        """Servo on and deadman; True when the servo state that answers is
+        ready (1). A report sent before the controller saw the command can
+        answer it too: wait for ``servo_state`` RUNNING to know the drives
+        are up."""
         return self._wait(self._lib.servo_power_on, "servo_power_on") == 1
 
     def power_off(self) -> None:

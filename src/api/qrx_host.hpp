@@ -108,6 +108,10 @@ public:
 
     // ---- servo, mode, coordinate system, speed -----------------------------
     ServoState servoState() const { return ServoState(get_servo_state()); }
+    // True when the servo state that answers the command is 1 (drives
+    // switching on). A report the controller sent before it saw the command
+    // can answer it too, so wait for servoState() == Running to know the
+    // drives are up.
     bool powerOn() { return checked(servo_power_on(), "servo_power_on") == 1; }
     void powerOff()
     {

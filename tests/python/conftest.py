@@ -1,5 +1,5 @@
 """qrx-sim for the Python package's tests: one simulator process per test on
-an address of its own (127.6.x.y), its frames traced to a log the tests
+an address of its own (127.6.x.y, see next_address), its frames traced to a log the tests
 read, and helpers to stop, freeze and restart it."""
 from __future__ import annotations
 
@@ -72,9 +72,11 @@ class Sim:
 
 
 def next_address() -> str:
-    """A loopback address no other test of this run uses (127.6.x.y)."""
-    n = next(_addresses) + (os.getpid() % 200) * 50
-    return f"127.6.{n // 250 % 250}.{n % 250 + 1}"
+    """A loopback address no other test of this run uses: 127.6.B.n, where B
+    is the suite's own block (QRX_ADDRESS_BLOCK, given by the test runner to
+    each suite) or, run by hand, one picked from the process id."""
+    block = int(os.environ.get("QRX_ADDRESS_BLOCK", 100 + os.getpid() % 150))
+    return f"127.6.{block % 250}.{next(_addresses) % 250 + 1}"
 
 
 @pytest.fixture
