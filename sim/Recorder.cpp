@@ -22,8 +22,11 @@ void Recorder::append(ReceivedFrame frame)
 
 QVector<ReceivedFrame> Recorder::frames() const
 {
+    // A copy of its own, not a shared one: Qt's check whether a vector is
+    // shared is a relaxed read, so a shared copy read in one thread while
+    // the list grows in another is a data race in the C++ sense.
     std::unique_lock<std::mutex> lock(m_mutex);
-    return m_frames;
+    return QVector<ReceivedFrame>(m_frames.cbegin(), m_frames.cend());
 }
 
 QVector<ReceivedFrame> Recorder::frames(quint16 command) const

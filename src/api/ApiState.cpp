@@ -7,12 +7,12 @@
 #include "link/TcpConnectModule.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QObject>
 #include <QThread>
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <future>
@@ -238,17 +238,19 @@ void awaitReply(Robot *robot, const ReplyTicket &ticket)
 {
     const int bound = waitBoundMs();
     if (bound <= 0 && !ticket.reply) {
-        robot->replyCondition.wait(&robot->replyMutex);
+        robot->replyCondition.wait(robot->replyMutex);
         setLastCallTimedOut(false);
         return;
     }
-    const QDeadlineTimer deadline = bound > 0 ? QDeadlineTimer(bound, Qt::PreciseTimer)
-                                              : QDeadlineTimer(QDeadlineTimer::Forever);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(bound);
     if (ticket.reply)
         beginMatchedWait();
     bool timedOut = false;
     do {
-        timedOut = !robot->replyCondition.wait(&robot->replyMutex, deadline);
+        if (bound > 0)
+            timedOut = robot->replyCondition.wait_until(robot->replyMutex, deadline) == std::cv_status::timeout;
+        else
+            robot->replyCondition.wait(robot->replyMutex);
     } while (!timedOut && ticket.reply && replyCount(robot, ticket.reply) == ticket.seen);
     if (ticket.reply)
         endMatchedWait();

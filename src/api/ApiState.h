@@ -11,7 +11,7 @@
 
 #include <QByteArray>
 #include <QCoreApplication>
-#include <QMutexLocker>
+#include <mutex>
 #include <json/value.h>
 
 #include <initializer_list>
@@ -102,7 +102,7 @@ void awaitReply(Robot *robot, const ReplyTicket &ticket);
 template <class Send, class = std::enable_if_t<std::is_invocable_v<Send &>>>
 void requestAndWait(Robot *robot, Send &&send, quint16 query = 0)
 {
-    QMutexLocker lock(&robot->replyMutex);
+    std::lock_guard<std::mutex> lock(robot->replyMutex);
     const ReplyTicket ticket = replyTicket(robot, query);
     send();
     awaitReply(robot, ticket);

@@ -3,6 +3,7 @@
 #include "api/ApiState.h"
 #include "api/JogDriver.h"
 #include "api/qrx_host.h"
+#include "common/HandOver.h"
 #include "common/Logging.h"
 #include "protocol/Codes.h"
 
@@ -55,10 +56,16 @@ Robot *robotFor(const QString &ip)
     if (!context || context->thread() == QThread::currentThread())
         return attachJogDriver(Robot::instance(ip));
     // Handed over through an atomic: what the other thread built is seen
-    // here in full (also by ThreadSanitizer, which cannot see Qt's wait).
+    // here in full (also by ThreadSanitizer, which cannot see Qt's wait,
+    // nor the queue that takes the functor over: handOff/takeOver).
     std::atomic<Robot *> robot{nullptr};
+    qrx::handOff(&robot);
     QMetaObject::invokeMethod(
-        context, [&] { robot.store(attachJogDriver(Robot::instance(ip)), std::memory_order_release); },
+        context,
+        [&] {
+            qrx::takeOver(&robot);
+            robot.store(attachJogDriver(Robot::instance(ip)), std::memory_order_release);
+        },
         Qt::BlockingQueuedConnection);
     return robot.load(std::memory_order_acquire);
 }

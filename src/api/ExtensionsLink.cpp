@@ -6,12 +6,14 @@
 #include "api/ApiState.h"
 #include "api/Extensions.h"
 #include "api/qrx_host.h"
+#include "common/HandOver.h"
 #include "common/Logging.h"
 #include "link/TcpConnectModule.h"
 #include "link/TcpConnectModulePrivate.h"
 
 #include <QDateTime>
 #include <QObject>
+#include <QThread>
 
 #include <algorithm>
 #include <atomic>
@@ -121,13 +123,34 @@ void attachLinkEvents(Robot *robot)
         slot = mine = std::make_shared<LinkEvents>();
     }
     TcpConnectModule *link = robot->link();
-    QObject::connect(
-        link, &LinkNotifications::connectSucceed, robot, [link, mine](int status) { mine->onStatus(link, status); },
-        Qt::DirectConnection);
-    QObject::connect(robot, &QObject::destroyed, [robot] {
-        std::lock_guard<std::mutex> lock(eventsMutex);
-        events.erase(robot);
-    });
+    const auto wire = [robot, link, mine] {
+        QObject::connect(
+            link, &LinkNotifications::connectSucceed, robot,
+            [link, mine](int status) { mine->onStatus(link, status); }, Qt::DirectConnection);
+        QObject::connect(robot, &QObject::destroyed, [robot] {
+            std::lock_guard<std::mutex> lock(eventsMutex);
+            events.erase(robot);
+        });
+    };
+    // The Robot's thread re-emits the link's status and may already run:
+    // the slots are made in that thread, so that they are made where they
+    // run. The queue that takes the functor over orders it, invisibly to
+    // ThreadSanitizer (handOff/takeOver).
+    if (robot->thread() == QThread::currentThread()) {
+        wire();
+        return;
+    }
+    static const char handed = 0;
+    qrx::handOff(&handed);
+    QMetaObject::invokeMethod(
+        robot,
+        [&wire] {
+            qrx::takeOver(&handed);
+            wire();
+            qrx::handOff(&handed);
+        },
+        Qt::BlockingQueuedConnection);
+    qrx::takeOver(&handed);
 }
 
 std::mutex g_connectMutex;

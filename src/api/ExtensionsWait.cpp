@@ -43,10 +43,10 @@ std::shared_ptr<ReplyCounts> countsOf(const Robot *robot)
 // that a wait that the Robot's own handler woke before this count sees it.
 void countReply(Robot *robot, ReplyCounts &counts, quint16 code)
 {
-    QMutexLocker lock(&robot->replyMutex);
+    std::lock_guard<std::mutex> lock(robot->replyMutex);
     ++counts[code];
     if (g_matchedWaits.load() > 0)
-        robot->replyCondition.wakeAll();
+        robot->replyCondition.notify_all();
 }
 
 } // namespace

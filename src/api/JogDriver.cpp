@@ -10,9 +10,9 @@
 #include <QCoreApplication>
 #include <QHash>
 #include <QMetaObject>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QThread>
+
+#include <mutex>
 
 namespace qrx::api {
 
@@ -27,7 +27,7 @@ constexpr int kExternalAxes = 5;
 
 // The driver of each Robot, for the host threads that look it up; a driver
 // enters at its making and leaves when its Robot deletes it.
-QMutex s_driversMutex;
+std::mutex s_driversMutex;
 QHash<const Robot *, JogDriver *> s_drivers;
 
 } // namespace
@@ -46,14 +46,14 @@ JogDriver *JogDriver::attach(Robot *robot)
     if (driver->thread() != robot->thread())
         driver->moveToThread(robot->thread());
     driver->setParent(robot);
-    QMutexLocker lock(&s_driversMutex);
+    std::lock_guard<std::mutex> lock(s_driversMutex);
     s_drivers.insert(robot, driver);
     return driver;
 }
 
 JogDriver *JogDriver::of(const Robot *robot)
 {
-    QMutexLocker lock(&s_driversMutex);
+    std::lock_guard<std::mutex> lock(s_driversMutex);
     return s_drivers.value(robot, nullptr);
 }
 
@@ -67,7 +67,7 @@ JogDriver::JogDriver(Robot *robot)
 
 JogDriver::~JogDriver()
 {
-    QMutexLocker lock(&s_driversMutex);
+    std::lock_guard<std::mutex> lock(s_driversMutex);
     s_drivers.remove(m_robot);
 }
 

@@ -8,12 +8,11 @@
 #include "common/Logging.h"
 
 #include <QCoreApplication>
-#include <QMutex>
-#include <QMutexLocker>
 #include <QTranslator>
 
 #include <cstring>
 #include <memory>
+#include <mutex>
 
 using namespace qrx::api;
 
@@ -39,7 +38,7 @@ constexpr LanguageRow kLanguages[] = {
     {"en", ":/qrx/translations/qrx_host_en.qm"},
 };
 
-QMutex g_languageMutex;
+std::mutex g_languageMutex;
 QTranslator *g_translator = nullptr; // the one installed, if any
 
 const LanguageRow *rowOf(const char *code)
@@ -57,7 +56,7 @@ const LanguageRow *rowOf(const char *code)
 bool apply(const LanguageRow &row)
 {
     initTranslationResources();
-    QMutexLocker lock(&g_languageMutex);
+    std::lock_guard<std::mutex> lock(g_languageMutex);
     auto *app = QCoreApplication::instance();
     if (!app)
         return false;

@@ -11,16 +11,16 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QMutex>
 
 #include <algorithm>
 #include <cstring>
+#include <mutex>
 
 using namespace qrx::api;
 
 namespace {
 
-QMutex outcomeMutex;
+std::mutex outcomeMutex;
 int lastFailed = 0;
 QByteArray lastFailureText;
 std::atomic<qrx_transfer_progress> progressCallback{nullptr};
@@ -36,7 +36,7 @@ int transfer(Robot *robot, Run &&run)
         });
     }
     run(file);
-    QMutexLocker lock(&outcomeMutex);
+    std::lock_guard<std::mutex> lock(outcomeMutex);
     lastFailed = file.failedCount();
     lastFailureText = file.lastFailure().toUtf8();
     return file.failedCount() ? -1 : file.filesDone();
@@ -91,13 +91,13 @@ void qrx_set_transfer_progress(qrx_transfer_progress callback)
 
 int qrx_last_transfer_failed(void)
 {
-    QMutexLocker lock(&outcomeMutex);
+    std::lock_guard<std::mutex> lock(outcomeMutex);
     return lastFailed;
 }
 
 int qrx_last_transfer_error(char *text, int size)
 {
-    QMutexLocker lock(&outcomeMutex);
+    std::lock_guard<std::mutex> lock(outcomeMutex);
     if (text && size > 0) {
         const int n = std::min(size - 1, int(lastFailureText.size()));
         std::memcpy(text, lastFailureText.constData(), size_t(n));

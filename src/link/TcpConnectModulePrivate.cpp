@@ -47,8 +47,10 @@ void TcpConnectModulePrivate::startLink()
     if (isRunning() || state() == State::Closing)
         return;
     m_connectTime = secondsSinceEpoch();
+    std::unique_lock<std::mutex> lock(m_startedMutex);
+    m_started = false;
     start(QThread::InheritPriority);
-    m_startedSemaphore.acquire();
+    m_startedCondition.wait(lock, [this] { return m_started; });
 }
 
 void TcpConnectModulePrivate::shutdown()
@@ -81,7 +83,11 @@ void TcpConnectModulePrivate::run()
     m_connection.setContext(m_eventLoop.data());
 
     m_connection.setState(State::WaitingToConnect);
-    m_startedSemaphore.release();
+    {
+        std::lock_guard<std::mutex> lock(m_startedMutex);
+        m_started = true;
+    }
+    m_startedCondition.notify_all();
     // The first attempt starts at once, not a whole check interval later.
     QTimer::singleShot(0, m_eventLoop.data(), [this] { onTcpSocketCheck(); });
     if (state() != State::Closing)

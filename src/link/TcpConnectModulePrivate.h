@@ -19,12 +19,12 @@
 
 #include <QDateTime>
 #include <QEventLoop>
-#include <QSemaphore>
 #include <QSharedPointer>
 #include <QThread>
 #include <QTimer>
 
 #include <atomic>
+#include <condition_variable>
 #include <mutex>
 
 class TcpConnectModulePrivate : public QThread
@@ -100,7 +100,9 @@ private:
     qrx::FramedConnection m_connection;
     std::atomic<bool> m_stopped{false};
     mutable std::mutex m_pingMutex; // lastReceiveTime
-    QSemaphore m_startedSemaphore;
+    std::mutex m_startedMutex; // m_started: the thread's objects exist
+    std::condition_variable m_startedCondition;
+    bool m_started = false;
     QSharedPointer<QEventLoop> m_eventLoop;
     QSharedPointer<QTimer> m_checkTimer;
     QSharedPointer<QTimer> m_timeoutTimer;

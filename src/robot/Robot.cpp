@@ -8,7 +8,6 @@
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QMutexLocker>
 #include <QThread>
 #include <QTimer>
 
@@ -18,7 +17,7 @@ namespace {
 
 constexpr quint16 kControllerPort = 6001;
 
-QMutex s_instanceMutex;
+std::mutex s_instanceMutex;
 Robot *s_instance = nullptr;
 std::atomic<int> s_linkTimeBase{300000};
 std::atomic<quint16> s_linkPort{kControllerPort};
@@ -39,7 +38,7 @@ std::recursive_mutex &qrx::cacheMutex()
 
 Robot *Robot::instance(const QString &ip)
 {
-    QMutexLocker lock(&s_instanceMutex);
+    std::lock_guard<std::mutex> lock(s_instanceMutex);
     if (!s_instance)
         s_instance = new Robot(ip);
     return s_instance;
@@ -102,7 +101,7 @@ Robot::Robot(const QString &ip, QObject *parent)
 Robot::~Robot()
 {
     {
-        QMutexLocker lock(&s_instanceMutex);
+        std::lock_guard<std::mutex> lock(s_instanceMutex);
         if (s_instance == this)
             s_instance = nullptr;
     }
@@ -144,7 +143,7 @@ void Robot::close()
 {
     m_link->stopConnect();
     setReady(false);
-    QMutexLocker lock(&s_instanceMutex);
+    std::lock_guard<std::mutex> lock(s_instanceMutex);
     if (s_instance == this)
         s_instance = nullptr;
 }
@@ -168,21 +167,20 @@ void Robot::setCurrentRobot(int robot)
 
 std::string Robot::lastMessage() const
 {
-    QMutexLocker lock(&m_messageMutex);
+    std::lock_guard<std::mutex> lock(m_messageMutex);
     return m_lastMessage;
 }
 
 void Robot::storeMessage(const std::string &text)
 {
-    QMutexLocker lock(&m_messageMutex);
+    std::lock_guard<std::mutex> lock(m_messageMutex);
     m_lastMessage = text;
 }
 
 void Robot::wakeWaiters()
 {
-    replyMutex.lock();
-    replyCondition.wakeAll();
-    replyMutex.unlock();
+    std::lock_guard<std::mutex> lock(replyMutex);
+    replyCondition.notify_all();
 }
 
 void Robot::waitingPause(int ms)

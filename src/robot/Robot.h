@@ -18,15 +18,15 @@
 
 #include <QByteArray>
 #include <QDateTime>
-#include <QMutex>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 #include <QVector>
-#include <QWaitCondition>
 
 #include <atomic>
+#include <condition_variable>
 #include <initializer_list>
+#include <mutex>
 #include <string>
 
 #include "link/LinkTypes.h"
@@ -112,8 +112,8 @@ public:
     // re-emits in the thread it lives in (the Robot's), so it changes when
     // that thread runs its events.
     std::atomic<quint8> connected{0};
-    QMutex replyMutex;
-    QWaitCondition replyCondition;
+    std::mutex replyMutex;
+    std::condition_variable_any replyCondition;
 
     // The configuration-file catalogue, filled once at construction.
     const qrx::ConfigCatalogue configCatalogue;
@@ -262,6 +262,6 @@ private:
     std::atomic<int> m_overrideRobot{1};
     std::atomic<int> m_defaultRobot{1};
     std::atomic<bool> m_ready{false};
-    mutable QMutex m_messageMutex;
+    mutable std::mutex m_messageMutex;
     std::string m_lastMessage;
 };

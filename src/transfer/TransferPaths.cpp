@@ -3,26 +3,27 @@
 #include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QFile>
-#include <QMutex>
 #include <QStringList>
+
+#include <mutex>
 
 namespace qrx::transfer {
 
 namespace {
-QMutex rootMutex;
+std::mutex rootMutex;
 QString rootOverride;
 } // namespace
 
 void setJobRootOverride(const QString &root)
 {
-    QMutexLocker lock(&rootMutex);
+    std::lock_guard<std::mutex> lock(rootMutex);
     rootOverride = root;
 }
 
 QString jobRoot()
 {
     {
-        QMutexLocker lock(&rootMutex);
+        std::lock_guard<std::mutex> lock(rootMutex);
         if (!rootOverride.isEmpty())
             return rootOverride;
     }

@@ -3,15 +3,15 @@
 // takes a plain function, called on the library's threads, so the texts are
 // kept in one locked list for the whole test executable.
 
-#include <QMutex>
+#include <mutex>
 #include <QString>
 #include <QStringList>
 
 namespace hosterrors {
 
-inline QMutex &mutex()
+inline std::mutex &mutex()
 {
-    static QMutex m;
+    static std::mutex m;
     return m;
 }
 
@@ -24,21 +24,21 @@ inline QStringList &texts()
 // The handler to pass to setErrorHandle().
 inline void collect(const char *text)
 {
-    QMutexLocker lock(&mutex());
+    std::lock_guard<std::mutex> lock(mutex());
     texts() << QString::fromUtf8(text);
 }
 
 // Whether the handler has been given this text so far.
 inline bool seen(const QString &text)
 {
-    QMutexLocker lock(&mutex());
+    std::lock_guard<std::mutex> lock(mutex());
     return texts().contains(text);
 }
 
 // How many times the handler has been given this text so far.
 inline int count(const QString &text)
 {
-    QMutexLocker lock(&mutex());
+    std::lock_guard<std::mutex> lock(mutex());
     return texts().count(text);
 }
 

@@ -10,7 +10,7 @@
 #include "support/Loopback.h"
 
 #include <QElapsedTimer>
-#include <QMutex>
+#include <mutex>
 #include <QPointer>
 #include <QTimer>
 #include <QtTest>
@@ -24,18 +24,18 @@ namespace {
 // runs on 127.0.0.1).
 const char kSilentAddress[] = "127.2.0.1";
 
-QMutex s_callbackMutex;
+std::mutex s_callbackMutex;
 QStringList s_callbackTexts;
 
 void collectText(const char *text)
 {
-    QMutexLocker lock(&s_callbackMutex);
+    std::lock_guard<std::mutex> lock(s_callbackMutex);
     s_callbackTexts << QString::fromUtf8(text);
 }
 
 QStringList callbackTexts()
 {
-    QMutexLocker lock(&s_callbackMutex);
+    std::lock_guard<std::mutex> lock(s_callbackMutex);
     return s_callbackTexts;
 }
 

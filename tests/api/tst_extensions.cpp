@@ -4,6 +4,7 @@
 // move completion, and a host that sets none of it sends the same frames.
 
 #include "FamilyFixture.h"
+#include "HostThread.h"
 
 #include <QElapsedTimer>
 #include <QThread>
@@ -26,20 +27,19 @@ struct Waiter
     double value = -1.0;
     int timedOut = -1;
     qint64 elapsedMs = -1;
-    std::unique_ptr<QThread> thread;
+    HostThread thread; // last: joined before the results go
 
     void start(Getter getter)
     {
-        thread.reset(QThread::create([this, getter] {
+        thread.start([this, getter] {
             QElapsedTimer clock;
             clock.start();
             value = getter();
             timedOut = qrx_last_call_timed_out();
             elapsedMs = clock.elapsed();
-        }));
-        thread->start();
+        });
     }
-    bool done() const { return thread->isFinished(); }
+    bool done() const { return thread.done(); }
 };
 
 double firstOf(void (*read)(double *))
@@ -130,10 +130,10 @@ void TestExtensions::releaseWaiters()
     // reply table goes out until each waiter has returned.
     const quint16 answers[] = {0x2003, 0x2103, 0x2203, 0x2303, 0x2603, 0x2F08, 0x3603, 0x3606, 0x3D03, 0x560C};
     for (const auto &waiter : m_waiters) {
-        while (waiter->thread && !waiter->thread->isFinished()) {
+        while (waiter->thread.started() && !waiter->done()) {
             for (const quint16 code : answers)
                 m_controller.sim->sendJson(code, Json::Value(Json::objectValue));
-            waiter->thread->wait(200);
+            waiter->thread.waitDone(200);
         }
     }
     m_waiters.clear();

@@ -3,6 +3,7 @@
 // (and not one value more), the global variable name rules, and the
 // results without a link.
 
+#include "HostThread.h"
 #include "FamilyFixture.h"
 
 #include <array>
@@ -274,15 +275,15 @@ void TestIoVars::staleReplyIsReturned()
     m_ctl.sim->setSilent(true);
     m_ctl.sim->clearReceived();
     m_ctl.model([](qrxsim::ControllerModel &m) { m.positionDeg[0] = 13.0; });
-    std::unique_ptr<QThread> reader(QThread::create([&pos] { get_current_position(pos, 0); }));
-    reader->start();
+    HostThread reader;
+    reader.start([&pos] { get_current_position(pos, 0); });
     // The query leaves while the reader holds the reply lock, so no wake
     // can come between the query and the wait.
     QVERIFY(m_ctl.sim->waitForFrame(0x2f07, 10000));
     m_ctl.sim->sendJson(0x3603, Json::Value(Json::objectValue)); // not the position
-    const bool woken = reader->wait(10000);
+    const bool woken = reader.waitDone(10000);
     m_ctl.sim->setSilent(false);
-    while (!reader->wait(100)) // never leave a blocked thread behind
+    while (!reader.waitDone(100)) // never leave a blocked thread behind
         m_ctl.sim->sendJson(0x3603, Json::Value(Json::objectValue));
     QVERIFY(woken);
     QCOMPARE(pos[0], 12.0);

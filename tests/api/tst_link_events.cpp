@@ -12,7 +12,7 @@
 #include "sim/SimHandle.h"
 #include "support/Loopback.h"
 
-#include <QMutex>
+#include <mutex>
 #include <QSignalSpy>
 #include <QThread>
 #include <QtTest>
@@ -29,20 +29,20 @@ struct Event
     bool operator==(const Event &o) const { return event == o.event && reason == o.reason && user == o.user; }
 };
 
-QMutex g_mutex;
+std::mutex g_mutex;
 QVector<Event> g_events;
 QVector<QThread *> g_threads;
 
 void record(int event, int reason, void *user)
 {
-    QMutexLocker lock(&g_mutex);
+    std::lock_guard<std::mutex> lock(g_mutex);
     g_events.append({event, reason, user});
     g_threads.append(QThread::currentThread());
 }
 
 QVector<Event> events()
 {
-    QMutexLocker lock(&g_mutex);
+    std::lock_guard<std::mutex> lock(g_mutex);
     return g_events;
 }
 
@@ -56,7 +56,7 @@ void keepApiLines(QtMsgType type, const QMessageLogContext &context, const QStri
 {
     if (context.category && QByteArray(context.category) == "qrx.api") {
         static const char *const levels[] = {"debug", "warning", "critical", "fatal", "info"};
-        QMutexLocker lock(&g_mutex);
+        std::lock_guard<std::mutex> lock(g_mutex);
         g_apiLines << QStringLiteral("%1: %2").arg(QLatin1String(levels[type]), text);
     }
     g_previousHandler(type, context, text);
@@ -64,7 +64,7 @@ void keepApiLines(QtMsgType type, const QMessageLogContext &context, const QStri
 
 bool logged(const QString &line)
 {
-    QMutexLocker lock(&g_mutex);
+    std::lock_guard<std::mutex> lock(g_mutex);
     return g_apiLines.contains(line);
 }
 
@@ -180,7 +180,7 @@ void TestLinkEvents::upOnConnect()
     QCOMPARE(nextEvent(), (Event{QRX_LINK_UP, QRX_LINK_REASON_NONE, &g_user}));
     // Delivered on the thread that runs the library's events (here the
     // test's own application thread), never on the connecting call.
-    QMutexLocker lock(&g_mutex);
+    std::lock_guard<std::mutex> lock(g_mutex);
     QCOMPARE(g_threads.constLast(), qrx::api::apiRobot()->thread());
 }
 

@@ -3,8 +3,10 @@
 // then returns what is cached, stale or not. The controller (qrx-sim) is
 // kept silent so that only the reports a case sends itself can end a wait.
 
+#include "support/CacheLock.h"
 #include "FamilyFixture.h"
 #include "HostErrors.h"
+#include "HostThread.h"
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
 #include "sim/SimHandle.h"
@@ -24,16 +26,15 @@ namespace {
 struct Waiter
 {
     std::array<double, 16> out{};
-    std::unique_ptr<QThread> thread;
+    HostThread thread; // last: joined before out goes
 
     template <class Call>
     void start(Call call)
     {
         out.fill(-1.0);
-        thread.reset(QThread::create([this, call] { call(out.data()); }));
-        thread->start();
+        thread.start([this, call] { call(out.data()); });
     }
-    bool done() const { return thread->isFinished(); }
+    bool done() const { return thread.done(); }
 };
 
 } // namespace
@@ -96,9 +97,9 @@ void TestRequestWait::wakeEverybody()
 {
     // A failed case must not leave a thread blocked for ever.
     for (const auto &waiter : m_waiters) {
-        while (waiter->thread && !waiter->thread->isFinished()) {
+        while (waiter->thread.started() && !waiter->done()) {
             m_sim->sendJson(0x2203, Json::Value(Json::objectValue));
-            waiter->thread->wait(200);
+            waiter->thread.waitDone(200);
         }
     }
     m_waiters.clear();
@@ -113,7 +114,7 @@ Waiter &TestRequestWait::newWaiter()
 void TestRequestWait::primePosition(double first)
 {
     m_sim->sendJson(0x2F08, positionReport(first));
-    QTRY_COMPARE_WITH_TIMEOUT(m_robot->currentPosition[5], first + 5, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(withCache([&] { return m_robot->currentPosition[5]; }), first + 5, 10000);
 }
 
 void TestRequestWait::anyWakingReplyEndsWait_data()

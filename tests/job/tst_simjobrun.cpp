@@ -32,7 +32,7 @@ QByteArray jobText(const char *name, double axis1, const QStringList &lines)
 
 int errorCount()
 {
-    QMutexLocker lock(&hosterrors::mutex());
+    std::lock_guard<std::mutex> lock(hosterrors::mutex());
     return hosterrors::texts().size();
 }
 
@@ -211,7 +211,7 @@ void TestSimJobRun::unreadableFileRefused()
     QVERIFY(writeFile(controllerJob("BROKEN"), jobText("BROKEN", 0, {"MOVJ P0001 nonsense"})));
     run_job("BROKEN");
     const auto refusals = [] {
-        QMutexLocker lock(&hosterrors::mutex());
+        std::lock_guard<std::mutex> lock(hosterrors::mutex());
         return hosterrors::texts().filter(QStringLiteral("BROKEN"));
     };
     QTRY_VERIFY_WITH_TIMEOUT(!refusals().isEmpty(), 10000);

@@ -6,6 +6,9 @@
 #include <QElapsedTimer>
 #include <QThread>
 
+#include <chrono>
+#include <mutex>
+
 namespace {
 
 constexpr quint16 kMarkerCode = 0x0F0F; // not a controller code: relayed as raw data
@@ -104,11 +107,11 @@ public:
     void run() override
     {
         Robot &robot = m_owner.m_robot;
-        robot.replyMutex.lock();
+        std::unique_lock<std::mutex> lock(robot.replyMutex);
         m_owner.m_waiting.store(true);
         // Bounded only so that a failing test ends; a wake comes at once.
-        const bool woken = robot.replyCondition.wait(&robot.replyMutex, 30000);
-        robot.replyMutex.unlock();
+        const bool woken = robot.replyCondition.wait_for(lock, std::chrono::seconds(30)) == std::cv_status::no_timeout;
+        lock.unlock();
         m_owner.m_woken.store(woken);
         m_owner.m_finished.store(true);
     }
@@ -125,9 +128,10 @@ ReplyWaiter::ReplyWaiter(Robot &robot)
 ReplyWaiter::~ReplyWaiter()
 {
     if (m_thread->isRunning()) {
-        m_robot.replyMutex.lock();
-        m_robot.replyCondition.wakeAll();
-        m_robot.replyMutex.unlock();
+        {
+            std::lock_guard<std::mutex> lock(m_robot.replyMutex);
+            m_robot.replyCondition.notify_all();
+        }
         m_thread->wait();
     }
 }

@@ -6,7 +6,7 @@
 
 #include <QList>
 #include <QMetaMethod>
-#include <QMutex>
+#include <mutex>
 #include <QObject>
 #include <QVariant>
 #include <QVector>
@@ -28,6 +28,6 @@ public:
 private:
     bool m_valid = false;
     QVector<int> m_types;
-    mutable QMutex m_mutex;
+    mutable std::mutex m_mutex;
     QList<QList<QVariant>> m_calls;
 };

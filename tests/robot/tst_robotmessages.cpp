@@ -5,7 +5,7 @@
 #include "RobotFixture.h"
 #include "ThreadSpy.h"
 
-#include <QMutex>
+#include <mutex>
 #include <QScopeGuard>
 #include <QTranslator>
 #include <QtTest>
@@ -14,26 +14,26 @@ namespace {
 
 // What the host callback saw: copies taken during the call, and the thread
 // it ran on.
-QMutex g_mutex;
+std::mutex g_mutex;
 QList<QByteArray> g_texts;
 QList<Qt::HANDLE> g_threads;
 
 void recordCallback(const char *text)
 {
-    QMutexLocker lock(&g_mutex);
+    std::lock_guard<std::mutex> lock(g_mutex);
     g_texts.append(QByteArray(text)); // up to the NUL terminator
     g_threads.append(QThread::currentThreadId());
 }
 
 QList<QByteArray> callbackTexts()
 {
-    QMutexLocker lock(&g_mutex);
+    std::lock_guard<std::mutex> lock(g_mutex);
     return g_texts;
 }
 
 void clearCallbackTexts()
 {
-    QMutexLocker lock(&g_mutex);
+    std::lock_guard<std::mutex> lock(g_mutex);
     g_texts.clear();
     g_threads.clear();
 }
@@ -131,7 +131,7 @@ private Q_SLOTS:
         QVERIFY(fixture.flush());
         QCOMPARE(callbackTexts(), QList<QByteArray>{text});
         QCOMPARE(QByteArray::fromStdString(robot->lastMessage()), lastMessage);
-        QMutexLocker lock(&g_mutex);
+        std::lock_guard<std::mutex> lock(g_mutex);
         QVERIFY(g_threads.value(0) != QThread::currentThreadId()); // the link thread, not the host's
     }
 

@@ -3,6 +3,7 @@
 // robot, speed log texts, coordinate gate and user-frame request, the
 // position lines, and the caches the host API copies out after a wake.
 
+#include "support/CacheLock.h"
 #include "RobotFixture.h"
 #include "ThreadSpy.h"
 #include "support/LogCapture.h"
@@ -210,11 +211,13 @@ private Q_SLOTS:
         QFETCH(int, perRobot);
         QFETCH(bool, axisWidget);
 
-        robot->operationMode = operationMode;
         robot->setCurrentRobot(current);
-        robot->servoStatus = 9;
-        for (int &s : robot->robotServoStatus)
-            s = 9;
+        withCache([&] {
+            robot->operationMode = operationMode;
+            robot->servoStatus = 9;
+            for (int &s : robot->robotServoStatus)
+                s = 9;
+        });
         ThreadSpy changed(robot, SIGNAL(robot_servo_changed(QByteArray)));
         ThreadSpy axis(robot, SIGNAL(show_hide_Axis_widget(int)));
         const char *const buttons[] = {SIGNAL(updateR1MotButtonText()), SIGNAL(updateR2MotButtonText()),

@@ -3,6 +3,7 @@
 // notification, the wake at the end, and the controller's answers to the
 // queries that the host API sends.
 
+#include "support/CacheLock.h"
 #include "RobotFixture.h"
 #include "ThreadSpy.h"
 #include "support/LogCapture.h"
@@ -264,8 +265,10 @@ private Q_SLOTS:
         QFETCH(QVector<double>, cache);
 
         // A previous report leaves no trace.
-        std::fill(std::begin(robot->fourPointData), std::end(robot->fourPointData), 99.0);
-        std::fill(std::begin(robot->fourPointResult), std::end(robot->fourPointResult), 99.0);
+        withCache([&] {
+            std::fill(std::begin(robot->fourPointData), std::end(robot->fourPointData), 99.0);
+            std::fill(std::begin(robot->fourPointResult), std::end(robot->fourPointResult), 99.0);
+        });
         ThreadSpy spy(robot, code == 0x7208 ? SIGNAL(robot_received4Point(QByteArray))
                                             : SIGNAL(robot_count_successFor4(QByteArray)));
         deliver(code, payload);

@@ -1,34 +1,45 @@
 #include "support/LogCapture.h"
 
-#include <atomic>
-
 namespace {
-std::atomic<LogCapture *> g_active{nullptr};
+// The capture that takes lines; the lock also keeps it alive while a line
+// of another thread is being added.
+std::mutex g_activeMutex;
+LogCapture *g_active = nullptr;
 }
 
 LogCapture::LogCapture(const char *categoryPrefix)
     : m_prefix(categoryPrefix)
 {
-    g_active = this;
+    {
+        std::lock_guard<std::mutex> lock(g_activeMutex);
+        g_active = this;
+    }
     m_previous = qInstallMessageHandler(&LogCapture::handler);
 }
 
 LogCapture::~LogCapture()
 {
     qInstallMessageHandler(m_previous);
+    std::lock_guard<std::mutex> lock(g_activeMutex);
     g_active = nullptr;
 }
 
 void LogCapture::handler(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    LogCapture *self = g_active.load();
-    if (self && context.category && QByteArray(context.category).startsWith(self->m_prefix)) {
-        std::lock_guard<std::mutex> lock(self->m_mutex);
-        self->m_lines.append(message);
-        return;
+    QtMessageHandler previous = nullptr;
+    {
+        std::lock_guard<std::mutex> activeLock(g_activeMutex);
+        LogCapture *self = g_active;
+        if (self && context.category && QByteArray(context.category).startsWith(self->m_prefix)) {
+            std::lock_guard<std::mutex> lock(self->m_mutex);
+            self->m_lines.append(message);
+            return;
+        }
+        if (self)
+            previous = self->m_previous;
     }
-    if (self && self->m_previous)
-        self->m_previous(type, context, message);
+    if (previous)
+        previous(type, context, message);
 }
 
 QStringList LogCapture::lines() const
