@@ -7,7 +7,6 @@
 #include "HostThread.h"
 
 #include <QElapsedTimer>
-#include <QThread>
 
 #include <array>
 #include <cmath>

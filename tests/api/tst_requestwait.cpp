@@ -12,7 +12,6 @@
 #include "sim/SimHandle.h"
 #include "support/Loopback.h"
 
-#include <QThread>
 #include <QtTest>
 
 #include <array>
