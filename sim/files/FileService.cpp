@@ -7,7 +7,6 @@
 #include "sim/SimHandle.h"
 #include "sim/Simulator.h"
 
-#include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
@@ -40,15 +39,6 @@ std::string utf8(const QString &s)
     return s.toUtf8().toStdString();
 }
 
-QString md5Of(const QString &path)
-{
-    QFile file(path);
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    if (file.open(QIODevice::ReadOnly))
-        hash.addData(&file);
-    return QString::fromLatin1(hash.result().toHex());
-}
-
 bool safeRelative(const QString &path)
 {
     if (path.isEmpty() || path.startsWith(QLatin1Char('/')) || path.contains(QLatin1Char('\\')))
@@ -70,6 +60,9 @@ public:
     FileSession(FileService &service, QTcpSocket *socket) : m_service(service), m_socket(socket)
     {
         m_socket->setParent(this);
+        // Up to 64 KiB per read, as the host reads: an upload is consumed in
+        // pieces that reuse the same memory instead of fresh large buffers.
+        m_socket->setReadBufferSize(64 * 1024);
         connect(socket, &QIODevice::readyRead, this, &FileSession::onReadyRead);
         connect(socket, &QIODevice::bytesWritten, this, &FileSession::pump);
         connect(socket, &QAbstractSocket::disconnected, this, &QObject::deleteLater);
@@ -127,14 +120,14 @@ private:
         if (!m_sending)
             return false;
         const qint64 sent = m_file.pos();
-        if ((m_service.faults.closeMidFile || m_service.faults.stallMidFile) && sent >= m_file.size() / 2
-            && m_file.size() > 0) {
+        if ((m_service.faults.closeMidFile || m_service.faults.stallMidFile) && sent >= m_fileSize / 2
+            && m_fileSize > 0) {
             m_sending = false;
             if (m_service.faults.closeMidFile)
                 m_socket->abort();
             return false;
         }
-        if (sent < m_file.size()) {
+        if (sent < m_fileSize) {
             const QByteArray chunk = m_file.read(kChunk);
             const QByteArray frame = qrx::encodeFrame(code::FileData, chunk);
             if (m_service.faults.splitFrames) {
@@ -220,11 +213,12 @@ private:
             return;
         }
         header["answer"] = "yes";
-        header["size"] = Json::Int64(m_file.size());
+        m_fileSize = m_file.size(); // asked once: QFile::size() is a stat call
+        header["size"] = Json::Int64(m_fileSize);
         sendJson(code::FileHeader, header);
         Json::Value begins(Json::objectValue);
         begins["name"] = utf8(name);
-        begins["size"] = Json::Int64(m_file.size());
+        begins["size"] = Json::Int64(m_fileSize);
         sendJson(code::FileBegins, begins);
     }
 
@@ -233,6 +227,7 @@ private:
     qrx::FrameDecoder m_decoder;
     QQueue<QByteArray> m_out;
     QFile m_file;
+    qint64 m_fileSize = 0;
     bool m_sending = false;
     std::unique_ptr<QSaveFile> m_upload;
     QString m_uploadName;
@@ -294,7 +289,7 @@ void FileService::announceJobs(Session &session)
             for (const QFileInfo &entry : dir.entryInfoList(QDir::Files, QDir::Name)) {
                 Json::Value item(Json::objectValue);
                 item["name"] = utf8(entry.fileName());
-                item["MD5"] = utf8(md5Of(entry.absoluteFilePath()));
+                item["MD5"] = utf8(m_digests.md5Of(entry.absoluteFilePath()));
                 list.append(item);
             }
         }

@@ -11,6 +11,7 @@
 // for tests. Lives in the simulator's thread.
 
 #include "link/FrameCodec.h"
+#include "sim/files/DigestCache.h"
 
 #include <QHostAddress>
 #include <QObject>
@@ -55,6 +56,9 @@ public:
     // recorded with its size as decimal text instead of its bytes.
     QVector<std::pair<quint16, QByteArray>> received;
     int connectionCount = 0;
+    // How many times a job file was hashed for a digest list.
+    int hashedCount() const { return m_digests.hashedCount(); }
+    void setDigestTrustWindowMs(int ms) { m_digests.setTrustWindowMs(ms); }
 
 private:
     friend class FileSession;
@@ -64,6 +68,7 @@ private:
 
     Simulator &m_simulator;
     QTcpServer m_server;
+    DigestCache m_digests; // of the job files, between synchronisations
 };
 
 // For tests: a FileService on a SimHandle's thread, built at construction and

@@ -90,6 +90,8 @@ private Q_SLOTS:
     void unreadableFile();
     void downloadSynchronises();
     void emptyListTouchesNothing();
+    void controllerDigests_data();
+    void controllerDigests();
     void downloadFailures_data();
     void downloadFailures();
     void splitFramesArriveWhole();
@@ -136,6 +138,7 @@ void TestTransfer::init()
         service.eniDir = controller + QStringLiteral("/eni");
         service.configDir = controller + QStringLiteral("/config");
         service.faults = {};
+        service.setDigestTrustWindowMs(2000);
         service.received.clear();
         service.connectionCount = 0;
     });
@@ -276,6 +279,52 @@ void TestTransfer::emptyListTouchesNothing()
     int connections = -1;
     m_files->with([&](FileService &service) { connections = service.connectionCount; });
     QCOMPARE(connections, 0);
+}
+
+// The controller keeps its files' digests between synchronisations; a file
+// that changed, even in the same tick of the file clock and at the same size,
+// is still announced with its new digest and fetched again.
+void TestTransfer::controllerDigests_data()
+{
+    QTest::addColumn<int>("trustWindowMs");
+    QTest::addColumn<QByteArray>("rewrite"); // empty: the file stays as it was
+    QTest::addColumn<int>("hashedAgain");
+    QTest::addColumn<int>("fetchedAgain");
+    QTest::newRow("unchanged: known digest") << 0 << QByteArray() << 0 << 0;
+    QTest::newRow("unchanged, just written: hashed again") << 2000 << QByteArray() << 1 << 0;
+    QTest::newRow("grown: hashed and fetched") << 0 << QByteArray("version two, longer\n") << 1 << 1;
+    QTest::newRow("same size, in place: hashed and fetched") << 2000 << QByteArray("version 2\n") << 1 << 1;
+}
+
+void TestTransfer::controllerDigests()
+{
+    QFETCH(int, trustWindowMs);
+    QFETCH(QByteArray, rewrite);
+    QFETCH(int, hashedAgain);
+    QFETCH(int, fetchedAgain);
+    m_files->with([&](FileService &service) { service.setDigestTrustWindowMs(trustWindowMs); });
+    const QString remote = m_controller->path() + QStringLiteral("/job/R1/KNOWN.JBR");
+    const QString local = m_host->path() + QStringLiteral("/robotJob/R1/KNOWN.JBR");
+    QVERIFY(writeFile(remote, "version 1\n"));
+    download_job();
+    QCOMPARE(readFile(local), QByteArray("version 1\n"));
+    int hashed = 0;
+    m_files->with([&](FileService &service) { hashed = service.hashedCount(); });
+    const int fetched = fileFrames(0x5504).size();
+
+    if (!rewrite.isEmpty()) { // in place: same file, same inode
+        QFile file(remote);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        QCOMPARE(file.write(rewrite), qint64(rewrite.size()));
+    }
+    download_job();
+
+    QCOMPARE(qrx_last_transfer_failed(), 0);
+    int hashedNow = 0;
+    m_files->with([&](FileService &service) { hashedNow = service.hashedCount(); });
+    QCOMPARE(hashedNow - hashed, hashedAgain);
+    QCOMPARE(fileFrames(0x5504).size() - fetched, fetchedAgain);
+    QCOMPARE(readFile(local), rewrite.isEmpty() ? QByteArray("version 1\n") : rewrite);
 }
 
 void TestTransfer::downloadFailures_data()
