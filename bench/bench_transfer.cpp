@@ -35,6 +35,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -114,6 +115,7 @@ struct Rig
     std::unique_ptr<qrxsim::FileServiceHandle> files;
     std::unique_ptr<QProcess> process;
     QTemporaryDir host, controller;
+    const QString hostRoot = host.path(), controllerRoot = controller.path();
 
     bool start()
     {
@@ -168,17 +170,25 @@ Rig &rig()
     return r;
 }
 
+// A listening socket on a loopback address of the bench's own, any port;
+// addr receives where it listens.
+int listenOnLoopback(sockaddr_in &addr)
+{
+    const int server = ::socket(AF_INET, SOCK_STREAM, 0);
+    addr.sin_family = AF_INET;
+    ::inet_pton(AF_INET, "127.9.0.2", &addr.sin_addr);
+    ::bind(server, reinterpret_cast<sockaddr *>(&addr), sizeof addr);
+    ::listen(server, 1);
+    socklen_t len = sizeof addr;
+    ::getsockname(server, reinterpret_cast<sockaddr *>(&addr), &len);
+    return server;
+}
+
 void BM_RawLoopbackCopy(benchmark::State &state)
 {
     for (auto _ : state) {
-        const int server = ::socket(AF_INET, SOCK_STREAM, 0);
         sockaddr_in addr{};
-        addr.sin_family = AF_INET;
-        ::inet_pton(AF_INET, "127.9.0.2", &addr.sin_addr);
-        ::bind(server, reinterpret_cast<sockaddr *>(&addr), sizeof addr);
-        ::listen(server, 1);
-        socklen_t len = sizeof addr;
-        ::getsockname(server, reinterpret_cast<sockaddr *>(&addr), &len);
+        const int server = listenOnLoopback(addr);
         std::thread reader([server] {
             const int peer = ::accept(server, nullptr, nullptr);
             std::vector<char> buffer(64 * 1024);
@@ -198,6 +208,58 @@ void BM_RawLoopbackCopy(benchmark::State &state)
         ::close(client);
         reader.join();
         ::close(server);
+    }
+    state.SetBytesProcessed(state.iterations() * kBigFile);
+}
+
+// The same copy with the bytes' own storage at both ends and no protocol: the
+// 64 MiB job file read from the host's folder, sent over loopback TCP in 64
+// KiB writes, and received into a committed file (QSaveFile) of the
+// controller's folder, as a transfer that loses nothing must end.
+void BM_RawLoopbackFileCopy(benchmark::State &state)
+{
+    Rig &r = rig();
+    const QString source = r.host.path() + QStringLiteral("/raw/BIG.JBR");
+    const QString target = r.controller.path() + QStringLiteral("/raw/BIG.JBR");
+    writeBig(source);
+    QDir().mkpath(QFileInfo(target).absolutePath());
+    for (auto _ : state) {
+        sockaddr_in addr{};
+        const int server = listenOnLoopback(addr);
+        bool stored = false;
+        std::thread reader([server, &target, &stored] {
+            const int peer = ::accept(server, nullptr, nullptr);
+            QSaveFile file(target);
+            file.open(QIODevice::WriteOnly);
+            std::vector<char> buffer(64 * 1024);
+            ssize_t n;
+            while ((n = ::read(peer, buffer.data(), buffer.size())) > 0)
+                file.write(buffer.data(), n);
+            stored = file.commit();
+            ::close(peer);
+        });
+        const int client = ::socket(AF_INET, SOCK_STREAM, 0);
+        ::connect(client, reinterpret_cast<sockaddr *>(&addr), sizeof addr);
+        QFile file(source);
+        file.open(QIODevice::ReadOnly | QIODevice::Unbuffered);
+        std::vector<char> block(64 * 1024);
+        qint64 n;
+        while ((n = file.read(block.data(), qint64(block.size()))) > 0) {
+            for (qint64 sent = 0; sent < n;) {
+                const ssize_t w = ::write(client, block.data() + sent, size_t(n - sent));
+                if (w <= 0)
+                    break;
+                sent += w;
+            }
+        }
+        ::close(client);
+        reader.join();
+        ::close(server);
+        if (!stored)
+            state.SkipWithError("cannot write the copy");
+        state.PauseTiming();
+        QFile::remove(target);
+        state.ResumeTiming();
     }
     state.SetBytesProcessed(state.iterations() * kBigFile);
 }
@@ -251,24 +313,37 @@ void BM_SaveFile64MiB(benchmark::State &state)
     state.SetBytesProcessed(state.iterations() * kBigFile);
 }
 
+// Time of the first file byte of a transfer (progress callback), from the
+// start of the call: for a job download, the wait for the digest lists.
+std::chrono::steady_clock::time_point g_firstByte;
+void noteFirstByte(const char *, long long done, long long)
+{
+    if (done > 0 && g_firstByte == std::chrono::steady_clock::time_point())
+        g_firstByte = std::chrono::steady_clock::now();
+}
+
 // One 64 MiB transfer per iteration: prepare() places the file, run() moves
-// it; the peak resident growth over the run is reported.
+// it; the peak resident growth over the run, the controller's CPU time and
+// the wait for the first byte are reported.
 template <class Prepare, class Run>
 void bigTransfer(benchmark::State &state, Prepare &&prepare, Run &&run)
 {
     Rig &r = rig();
     long peak = 0;
-    double simCpu = 0;
+    double simCpu = 0, firstByteMs = 0;
+    qrx_set_transfer_progress(noteFirstByte);
     for (auto _ : state) {
         state.PauseTiming();
-        r.clear();
         prepare(r);
         resetPeak();
         const long before = statusKb("VmRSS:");
         const double simBefore = r.process ? processCpuMs(r.process->processId()) : 0;
+        g_firstByte = {};
+        const auto start = std::chrono::steady_clock::now();
         state.ResumeTiming();
         run();
         state.PauseTiming();
+        firstByteMs += std::chrono::duration<double, std::milli>(g_firstByte - start).count();
         peak = std::max(peak, statusKb("VmHWM:") - before);
         if (r.process)
             simCpu += processCpuMs(r.process->processId()) - simBefore;
@@ -276,22 +351,48 @@ void bigTransfer(benchmark::State &state, Prepare &&prepare, Run &&run)
             state.SkipWithError("transfer failed");
         state.ResumeTiming();
     }
+    qrx_set_transfer_progress(nullptr);
     state.SetBytesProcessed(state.iterations() * kBigFile);
     state.counters["peak_growth_MiB"] = double(peak) / 1024.0;
+    state.counters["first_byte_ms"] = firstByteMs / double(state.iterations());
     if (r.process) // the controller's share of the work, per transfer
         state.counters["sim_cpu_ms"] = simCpu / double(state.iterations());
 }
 
-void BM_UploadJob64MiB(benchmark::State &state)
+// Both folders emptied, then the big file placed below one of them.
+auto placedBelow(const QString Rig::*side, const char *path)
 {
-    bigTransfer(
-        state, [](Rig &r) { writeBig(r.host.path() + QStringLiteral("/robotJob/R1/BIG.JBR")); }, [] { upload_job(); });
+    return [side, path](Rig &r) {
+        r.clear();
+        writeBig((r.*side) + QLatin1String(path));
+    };
 }
 
+void BM_UploadJob64MiB(benchmark::State &state)
+{
+    bigTransfer(state, placedBelow(&Rig::hostRoot, "/robotJob/R1/BIG.JBR"), [] { upload_job(); });
+}
+
+// The controller hashes its file for the digest list first (a file it has
+// not hashed before, as after a change).
 void BM_DownloadJob64MiB(benchmark::State &state)
 {
+    bigTransfer(state, placedBelow(&Rig::controllerRoot, "/job/R1/BIG.JBR"), [] { download_job(); });
+}
+
+// The controller knows its file's digest from an earlier synchronisation
+// (the file is older than its digest cache's two-second window), so the
+// transfer starts at once; the host has no copy.
+void BM_DownloadJob64MiBKnownDigest(benchmark::State &state)
+{
+    Rig &r = rig();
+    r.clear();
+    const QString remote = r.controller.path() + QStringLiteral("/job/R1/BIG.JBR");
+    writeBig(remote);
+    QThread::msleep(2100); // set-up, untimed: the file must age past the window
+    download_job();        // the controller hashes it once
     bigTransfer(
-        state, [](Rig &r) { writeBig(r.controller.path() + QStringLiteral("/job/R1/BIG.JBR")); },
+        state, [](Rig &r) { QDir(r.host.path() + QStringLiteral("/robotJob")).removeRecursively(); },
         [] { download_job(); });
 }
 
@@ -320,11 +421,13 @@ void BM_UploadTwentySmallFiles(benchmark::State &state)
 }
 
 BENCHMARK(BM_RawLoopbackCopy)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
+BENCHMARK(BM_RawLoopbackFileCopy)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_FrameCrc64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_Md5Of64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_SaveFile64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_UploadJob64MiB)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 BENCHMARK(BM_DownloadJob64MiB)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+BENCHMARK(BM_DownloadJob64MiBKnownDigest)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 BENCHMARK(BM_UploadTwentySmallFiles)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
 
 } // namespace
