@@ -130,6 +130,7 @@ void TcpConnectModulePrivate::startConnect()
 {
     qCInfo(lcLink).noquote() << QCoreApplication::translate("TcpConnectModule", "手动开始");
     m_stopped = false;
+    m_connectNow = true;
     m_connection.setState(State::WaitingToConnect);
     m_connection.runInContext([this] { onTcpSocketCheck(); });
 }
@@ -199,8 +200,15 @@ void TcpConnectModulePrivate::onTcpSocketCheck()
                    .arg(QTime::currentTime().toString(QStringLiteral("hh:mm:ss.zzz")));
         setLastReceiveTime(QDateTime::currentDateTimeUtc());
         m_connectTime = secondsSinceEpoch();
+        m_connectNow = false;
         m_connection.open(address, m_port);
         m_connection.waitForConnection(kConnectWaitMs);
+        // A startConnect() during this wait (the thread's first attempt may
+        // still be under way) found the check busy and set the state back to
+        // waiting, which this attempt's result no longer changes: its attempt
+        // starts now, not at the next check.
+        if (m_connectNow && !m_stopped && state() == State::WaitingToConnect)
+            onTcpSocketCheck();
     } else if (isConnected()) {
         sendHeartbeat();
     }

@@ -99,6 +99,8 @@ private:
 
     qrx::FramedConnection m_connection;
     std::atomic<bool> m_stopped{false};
+    // startConnect() asked for an attempt at once; cleared when one starts.
+    std::atomic<bool> m_connectNow{false};
     mutable std::mutex m_pingMutex; // lastReceiveTime
     std::mutex m_startedMutex; // m_started: the thread's objects exist
     std::condition_variable m_startedCondition;
