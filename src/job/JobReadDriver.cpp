@@ -92,6 +92,8 @@ void JobReadDriver::error(const char *message, int line)
 
 std::string JobReadDriver::errorDescription() const
 {
+    if (m_errorToken == "\r")
+        return m_errorMessage + " at a carriage return (lines end with a line feed alone)";
     if (!m_errorToken.empty())
         return m_errorMessage + " at \"" + m_errorToken + '"';
     if (m_errorKind == TokenKind::LineEnd)

@@ -118,6 +118,8 @@ private slots:
                                 << "%1:17: error: syntax error at the end of the file\n";
         QTest::newRow("record cut short") << replaced(kValid, "INTV I1 = 3", "INTV I1 =") << QStringList{} << 1
                                           << "%1:9: error: syntax error at the end of the line\n";
+        QTest::newRow("carriage returns") << replaced(kValid, "\n", "\r\n") << QStringList{} << 1
+                                          << "%1:10: error: syntax error at a carriage return (lines end with a line feed alone)\n";
         QTest::newRow("old version still checks") << replaced(kValid, "[1.0.5]", "[1.0.3]") << QStringList{} << 0 << "";
         QTest::newRow("unclosed IF") << replaced(kValid, "TIMER T = 2", "IF {(I1 == 1)}") << QStringList{} << 0
                                      << "%1:17: warning: IF block does not close\n";
