@@ -5,7 +5,8 @@
 # runs them in WORK_DIR (the README's relative paths resolve against
 # SOURCE_DIR), pkg-config looking in PKG_CONFIG_DIR, the program started with
 # the "NAME=VALUE" entries of RUN_ENV against an address where no controller
-# answers; the program must load and report that nobody answered.
+# answers (127.3.9.2, in the install tests' block); the program must load and
+# report that nobody answered.
 function(qrx_readme_build readme work_dir source_dir pkg_config_dir run_env)
   file(READ ${readme} text)
   string(REGEX MATCH "\n## Install\n(.*)" text "${text}")
