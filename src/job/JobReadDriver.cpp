@@ -67,6 +67,7 @@ std::unique_ptr<JobProgram> JobReadDriver::read(std::string_view text)
             m_errorLine = tokenLine;
             m_errorMessage = "syntax error";
             m_errorKind = tokenKind;
+            m_errorToken = std::string(token);
         }
         m_program.reset();
         return nullptr;
@@ -92,7 +93,7 @@ void JobReadDriver::error(const char *message, int line)
 
 std::string JobReadDriver::errorDescription() const
 {
-    if (m_errorToken == "\r")
+    if (!m_errorToken.empty() && m_errorToken.back() == '\r')
         return m_errorMessage + " at a carriage return (lines end with a line feed alone)";
     if (!m_errorToken.empty())
         return m_errorMessage + " at \"" + m_errorToken + '"';
