@@ -9,6 +9,7 @@ QRX_PACKAGES=(cmake ninja-build g++ pkg-config qtbase5-dev qtbase5-dev-tools
   qttools5-dev qttools5-dev-tools xvfb xauth x11-utils fonts-wqy-microhei
   clang libclang-rt-14-dev)
 QRX_PACKAGES+=(tshark) # the dissector's test reads captures with it
+QRX_PACKAGES+=(lintian dpkg-dev help2man) # the Debian package: its check, its Depends, the manual pages
 QRX_PACKAGES+=(python3-pytest python3-setuptools python3-wheel python3-pip)
 
 qrx_install_missing() {

@@ -81,6 +81,7 @@ std::unique_ptr<JobProgram> loadJobFile(const std::string &fileName, const std::
     if (report) {
         report->errorLine = driver.errorLine();
         report->errorMessage = driver.errorMessage();
+        report->errorDescription = driver.errorDescription();
         report->missingPositions = driver.missingPositions();
     }
     if (!program || program->instructions.size() < 2) {

@@ -18,8 +18,9 @@ struct JobLoadReport
 {
     std::vector<std::string> upgrades; // the versions reached, in order
     bool robotTypeMismatch = false;
-    int errorLine = -1;       // line counter of a parse error (0 for the first line)
-    std::string errorMessage; // "syntax error", ...
+    int errorLine = -1;           // line of a parse error (0 for the first line)
+    std::string errorMessage;     // "syntax error", ...
+    std::string errorDescription; // with what the parser met: `syntax error at "FOO 1"`
     std::vector<std::pair<int, std::string>> missingPositions;
 };
 

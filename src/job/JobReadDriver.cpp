@@ -42,6 +42,9 @@ std::unique_ptr<JobProgram> JobReadDriver::read(std::string_view text)
     m_errorMessage.clear();
     lineNo = 0;
     token = {};
+    tokenKind = TokenKind::Text;
+    tokenLine = 0;
+    m_errorToken.clear();
     if (text.size() > std::size_t(std::numeric_limits<int>::max() / 2)) {
         error("memory exhausted");
         m_program.reset();
@@ -61,8 +64,10 @@ std::unique_ptr<JobProgram> JobReadDriver::read(std::string_view text)
     }
     if (result != 0 || m_program->instructions.size() < 2) {
         if (m_errorLine < 0) {
-            m_errorLine = lineNo;
+            m_errorLine = tokenLine;
             m_errorMessage = "syntax error";
+            m_errorKind = tokenKind;
+            m_errorToken = std::string(token);
         }
         m_program.reset();
         return nullptr;
@@ -72,12 +77,35 @@ std::unique_ptr<JobProgram> JobReadDriver::read(std::string_view text)
 
 void JobReadDriver::error(const char *message)
 {
-    error(message, lineNo);
+    report(message, lineNo);
+    m_errorLine = tokenLine;
+    m_errorKind = tokenKind;
+    m_errorToken = std::string(token);
 }
 
 void JobReadDriver::error(const char *message, int line)
 {
+    report(message, line);
     m_errorLine = line;
+    m_errorKind = TokenKind::Text;
+    m_errorToken.clear();
+}
+
+std::string JobReadDriver::errorDescription() const
+{
+    if (!m_errorToken.empty() && m_errorToken.back() == '\r')
+        return m_errorMessage + " at a carriage return (lines end with a line feed alone)";
+    if (!m_errorToken.empty())
+        return m_errorMessage + " at \"" + m_errorToken + '"';
+    if (m_errorKind == TokenKind::LineEnd)
+        return m_errorMessage + " at the end of the line";
+    if (m_errorKind == TokenKind::FileEnd)
+        return m_errorMessage + " at the end of the file";
+    return m_errorMessage;
+}
+
+void JobReadDriver::report(const char *message, int line)
+{
     m_errorMessage = message ? message : "";
     m_out << "[KVRSM]Parse error:";
     if (message)
@@ -163,6 +191,7 @@ bool JobReadDriver::addInstruction(std::string_view line, int lineNumber)
     auto command = parseInstructionLine(line, typesOfLine(line), &m_program->positions, &missing);
     if (!command) {
         error("syntax error", lineNumber);
+        m_errorToken = std::string(line);
         return false;
     }
     if (!missing.empty()) {

@@ -32,16 +32,25 @@ public:
     // (reported on `out`); nothing of a failed read is kept.
     std::unique_ptr<JobProgram> read(std::string_view text);
 
-    // Where the last failure was: the line counter (0 for the first line)
-    // and the message; -1 and empty after a successful read.
+    // Where the last failure was: the line of the token that failed (0 for
+    // the first line; the last line when the file ended too early) and the
+    // message; -1 and empty after a successful read. (The report on `out`
+    // gives the scanner's line counter, which has already moved past a line
+    // end that failed.)
     int errorLine() const { return m_errorLine; }
     const std::string &errorMessage() const { return m_errorMessage; }
+    // The message with what the parser met: `syntax error at "FOO 1"`,
+    // `... at the end of the line`, `... at the end of the file`.
+    std::string errorDescription() const;
     // Positions named by instructions but not declared: (line, name).
     const std::vector<std::pair<int, std::string>> &missingPositions() const { return m_missing; }
 
     // For the scanner and the grammar.
     int lineNo = 0;
     std::string_view token; // the current token, for the error report
+    enum class TokenKind { Text, LineEnd, FileEnd };
+    TokenKind tokenKind = TokenKind::Text; // what the scanner returned last
+    int tokenLine = 0;                     // and on which line
     void error(const char *message);
     void error(const char *message, int line); // a line other than the counter's
     void setName(std::string_view name);
@@ -58,11 +67,15 @@ private:
         bool number;
     };
 
+    void report(const char *message, int line); // the loader's text on m_out
+
     std::ostream &m_out;
     std::unique_ptr<JobProgram> m_program;
     std::vector<Value> m_values;
     int m_errorLine = -1;
     std::string m_errorMessage;
+    TokenKind m_errorKind = TokenKind::Text;
+    std::string m_errorToken;
     std::vector<std::pair<int, std::string>> m_missing;
 };
 

@@ -1,5 +1,8 @@
 # cmake -P script: install BUILD_DIR into WORK_DIR/prefix, build CONSUMER_DIR
-# against it and run the program.
+# against it and run the program; then the README's pkg-config lines, against
+# the prefix and against the build folder's own qrx_host.pc.
+cmake_minimum_required(VERSION 3.25)
+include(${CMAKE_CURRENT_LIST_DIR}/readme_build.cmake)
 function(run)
   execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
   if(NOT rc EQUAL 0)
@@ -34,3 +37,13 @@ run(${CMAKE_COMMAND} -E env LD_LIBRARY_PATH=${prefix}/lib ${WORK_DIR}/consumer/c
 if(NOT run_output STREQUAL "refused: no controller answered at 127.3.9.1:1\n")
   message(FATAL_ERROR "unexpected output of the C++ consumer: '${run_output}'")
 endif()
+
+# The README's lines: the prefix's qrx_host.pc gives the program an rpath,
+# so it runs with no LD_LIBRARY_PATH; so does the build folder's.
+foreach(page qrx qrx-sim qrx-job)
+  if(NOT EXISTS ${prefix}/share/man/man1/${page}.1.gz)
+    message(FATAL_ERROR "the manual page of ${page} was not installed")
+  endif()
+endforeach()
+qrx_readme_build(${SOURCE_DIR}/README.md ${WORK_DIR}/readme-prefix ${SOURCE_DIR} ${prefix}/lib/pkgconfig "LD_LIBRARY_PATH=")
+qrx_readme_build(${SOURCE_DIR}/README.md ${WORK_DIR}/readme-build ${SOURCE_DIR} ${BUILD_DIR} "LD_LIBRARY_PATH=")

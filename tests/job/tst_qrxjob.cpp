@@ -2,7 +2,11 @@
 // FILE:LINE form, files left alone by check, in-place formatting, the JSON
 // round trip.
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -95,17 +99,27 @@ private slots:
         QVERIFY(result.err.contains("usage: qrx-job"));
     }
 
-    // check: diagnostics, warnings and status; the file is never changed.
+    // check: every problem once, on standard error, in the FILE:LINE form
+    // with the file's own line, in line order; nothing on standard output;
+    // the status; the file is never changed.
     void check_data()
     {
         QTest::addColumn<QByteArray>("content");
         QTest::addColumn<QStringList>("extra");
         QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("diagnostic"); // expected in standard error, "%1" the file
+        QTest::addColumn<QString>("diagnostics"); // all of standard error, "%1" the file
         QTest::newRow("valid") << kValid << QStringList{} << 0 << "";
         QTest::newRow("unknown keyword") << replaced(kValid, "TIMER T = 2", "FOO 1") << QStringList{} << 1
-                                         << "%1:17: error: syntax error\n";
-        QTest::newRow("no END") << replaced(kValid, "END\n", "") << QStringList{} << 1 << "%1:18: error: syntax error\n";
+                                         << "%1:17: error: syntax error at \"FOO 1\"\n";
+        QTest::newRow("instruction that does not read")
+            << replaced(kValid, "TIMER T = 2", "TIMER X = 2") << QStringList{} << 1
+            << "%1:17: error: syntax error at \"TIMER X = 2\"\n";
+        QTest::newRow("no END") << replaced(kValid, "END\n", "") << QStringList{} << 1
+                                << "%1:17: error: syntax error at the end of the file\n";
+        QTest::newRow("record cut short") << replaced(kValid, "INTV I1 = 3", "INTV I1 =") << QStringList{} << 1
+                                          << "%1:9: error: syntax error at the end of the line\n";
+        QTest::newRow("carriage returns") << replaced(kValid, "\n", "\r\n") << QStringList{} << 1
+                                          << "%1:10: error: syntax error at a carriage return (lines end with a line feed alone)\n";
         QTest::newRow("old version still checks") << replaced(kValid, "[1.0.5]", "[1.0.3]") << QStringList{} << 0 << "";
         QTest::newRow("unclosed IF") << replaced(kValid, "TIMER T = 2", "IF {(I1 == 1)}") << QStringList{} << 0
                                      << "%1:17: warning: IF block does not close\n";
@@ -116,7 +130,16 @@ private slots:
         QTest::newRow("undeclared position") << replaced(kValid, "MOVJ P0001", "MOVJ P0002") << QStringList{} << 0
                                              << "%1:16: warning: position P0002 is not declared\n";
         QTest::newRow("other robot type") << kValid << QStringList{"--robot-type", "R4"} << 0
-                                          << "%1:1: warning: the job is for robot type R6, not R4\n";
+                                          << "%1:12: warning: the job is for robot type R6, not R4\n";
+        QTest::newRow("several, in line order")
+            << replaced(replaced(kValid, "TIMER T = 2", "JUMP L9"), "MOVJ P0001", "MOVJ P0002")
+            << QStringList{"--robot-type", "R4"} << 0
+            << "%1:12: warning: the job is for robot type R6, not R4\n"
+               "%1:16: warning: position P0002 is not declared\n"
+               "%1:17: warning: JUMP to LABEL L9 that does not exist\n";
+        QTest::newRow("--werror fails a warning") << replaced(kValid, "TIMER T = 2", "JUMP L9") << QStringList{"--werror"}
+                                                  << 1 << "%1:17: warning: JUMP to LABEL L9 that does not exist\n";
+        QTest::newRow("--werror passes a clean file") << kValid << QStringList{"--werror"} << 0 << "";
     }
 
     void check()
@@ -124,17 +147,14 @@ private slots:
         QFETCH(QByteArray, content);
         QFETCH(QStringList, extra);
         QFETCH(int, status);
-        QFETCH(QString, diagnostic);
+        QFETCH(QString, diagnostics);
         QTemporaryDir dir;
         const QString path = write(dir, "JOB.JBR", content);
         const Run result = run(QStringList{"check", path} + extra);
+        QCOMPARE(result.err, diagnostics.arg(path));
+        QCOMPARE(result.out, QString());
         QCOMPARE(result.status, status);
-        if (diagnostic.isEmpty())
-            QCOMPARE(result.err, QString());
-        else
-            QVERIFY2(result.err.contains(diagnostic.arg(path)), qPrintable(result.err));
         QCOMPARE(read(path), content); // never modified, not even by the upgrade chain
-        QVERIFY(result.out.contains(status ? "Open and parse file fail: pro" + path : "Open and parse file success:" + path));
     }
 
     void checkSeveralFiles()
@@ -144,7 +164,7 @@ private slots:
         const QString bad = write(dir, "B.JBR", "garbage");
         const Run result = run({"check", good, bad, dir.filePath("C.JBR")});
         QCOMPARE(result.status, 1);
-        QVERIFY(result.err.contains(bad + ":1: error: syntax error"));
+        QVERIFY(result.err.contains(bad + ":1: error: syntax error at \"garbage\"\n"));
         QVERIFY(result.err.contains(dir.filePath("C.JBR") + ":1: error: cannot open the file"));
         QVERIFY(!result.err.contains(good));
     }
@@ -177,7 +197,7 @@ private slots:
         const QString path = write(dir, "F.JBR", bad);
         const Run result = run({"fmt", path, "-i"});
         QCOMPARE(result.status, 1);
-        QVERIFY(result.err.contains(path + ":17: error: syntax error"));
+        QCOMPARE(result.err, path + ":17: error: syntax error at \"TIMER X = 2\"\n");
         QCOMPARE(read(path), bad);
     }
 
@@ -206,6 +226,54 @@ private slots:
         QCOMPARE(run({"to-json", dir.filePath("K.JBR")}).out, json.out);
         const Run pretty = run({"to-json", path, "--pretty"});
         QVERIFY(pretty.out.contains("\n   \"instructions\" : ["));
+    }
+
+    // Each instruction carries the keyword of its line beside its type: the
+    // word the line starts with, where a type has several.
+    void toJsonNamesTheKeyword_data()
+    {
+        QTest::addColumn<QByteArray>("line");
+        QTest::addColumn<int>("type");
+        QTest::addColumn<QString>("keyword");
+        QTest::newRow("timer") << QByteArray("TIMER T = 2") << 7 << "TIMER";
+        QTest::newRow("move") << QByteArray("MOVL P0001 V = 100 mm/s PL = 3 ACC = 80 DEC = 70 1.5") << 2 << "MOVL";
+        QTest::newRow("ELSEIF is 11") << QByteArray("IF {(I1 == 1)}\nELSEIF {(I1 == 2)}\nENDIF") << 11 << "ELSEIF";
+        QTest::newRow("type 93 adding") << QByteArray("POSADD P1 1 3 10") << 93 << "POSADD";
+        QTest::newRow("type 93 subtracting") << QByteArray("POSSUB GP001 1 3 D001") << 93 << "POSSUB";
+    }
+
+    void toJsonNamesTheKeyword()
+    {
+        QFETCH(QByteArray, line);
+        QFETCH(int, type);
+        QFETCH(QString, keyword);
+        QTemporaryDir dir;
+        const Run result = run({"to-json", write(dir, "K.JBR", replaced(kValid, "TIMER T = 2", line))});
+        QCOMPARE(result.status, 0);
+        const QJsonArray instructions = QJsonDocument::fromJson(result.out.toUtf8()).object()["instructions"].toArray();
+        bool found = false;
+        for (const QJsonValue &instruction : instructions) {
+            const QJsonObject object = instruction.toObject();
+            QVERIFY2(object["keyword"].isString() && !object["keyword"].toString().isEmpty(),
+                     qPrintable(QJsonDocument(object).toJson()));
+            found = found || (object["type"].toInt() == type && object["keyword"].toString() == keyword);
+        }
+        QVERIFY2(found, qPrintable(result.out));
+    }
+
+    // The README's sample job (the heredoc that writes DEMO.JBR) passes check.
+    void readmeSampleJobChecks()
+    {
+        QFile readme(QStringLiteral(QRX_SOURCE_DIR "/README.md"));
+        QVERIFY(readme.open(QIODevice::ReadOnly));
+        const QRegularExpression sample(QStringLiteral("DEMO\\.JBR <<'JOB'\n((?:    [^\n]*\n)*?)    JOB\n"));
+        const QRegularExpressionMatch match = sample.match(QString::fromUtf8(readme.readAll()));
+        QVERIFY2(match.hasMatch(), "the README has no DEMO.JBR sample");
+        const QByteArray job = match.captured(1).replace(QRegularExpression("^    ", QRegularExpression::MultilineOption), "").toUtf8();
+        QTemporaryDir dir;
+        const Run result = run({"check", "--werror", write(dir, "DEMO.JBR", job)});
+        QCOMPARE(result.err, QString());
+        QCOMPARE(result.status, 0);
     }
 
     void fromJsonRefusesOtherDocuments_data()

@@ -1,11 +1,33 @@
 #include "JobJson.h"
 
 #include "job/CommandFactory.h"
+#include "job/InstructionTable.h"
 #include "job/JsonRead.h"
+#include "job/LineForms.h"
+
+#include <algorithm>
 
 namespace qrxjob {
 
 using namespace qrx::jsonread;
+
+namespace {
+
+// The keyword of an instruction's line ("POSSUB" for a type-93 line that
+// subtracts), from the instruction table: the line's own leading word when
+// the table gives it to this type, otherwise the type's first word.
+Json::Value keywordOf(const qrx::Command &command)
+{
+    const std::string line = command.toString();
+    const std::string_view lead = qrx::leadingKeyword(line);
+    const std::vector<int> &types = qrx::typesOfKeyword(lead);
+    if (lead != "///" && std::find(types.begin(), types.end(), command.type) != types.end())
+        return std::string(lead);
+    const char *keyword = qrx::instructionKeyword(command.type);
+    return keyword ? Json::Value(keyword) : Json::Value();
+}
+
+} // namespace
 
 Json::Value programToJson(const qrx::JobProgram &program)
 {
@@ -33,8 +55,11 @@ Json::Value programToJson(const qrx::JobProgram &program)
     json["floatVariables"] = floats;
     json["boolVariables"] = bools;
     Json::Value instructions(Json::arrayValue);
-    for (std::size_t i = 1; i + 1 < program.instructions.size(); ++i)
-        instructions.append(program.instructions[i]->toJson());
+    for (std::size_t i = 1; i + 1 < program.instructions.size(); ++i) {
+        Json::Value instruction = program.instructions[i]->toJson();
+        instruction["keyword"] = keywordOf(*program.instructions[i]); // beside "type"; from-json ignores it
+        instructions.append(instruction);
+    }
     json["instructions"] = instructions;
     return json;
 }

@@ -1,7 +1,7 @@
 #pragma once
 // A whole job program as one JSON document and back: header values,
 // positions, variables and the instructions between NOP and END as their
-// own JSON objects.
+// own JSON objects, each with its "keyword" beside its "type".
 
 #include "job/JobProgram.h"
 

@@ -1,14 +1,19 @@
 // qrx-job: check, format, upgrade and convert job files without a
 // controller.
 //
-//   qrx-job check FILE... [--robot-type T] [--double-robot D]
+//   qrx-job check FILE... [--robot-type T] [--double-robot D] [--werror]
 //   qrx-job fmt FILE [-i]
 //   qrx-job upgrade FILE... [--double-robot D]
 //   qrx-job to-json FILE [--pretty]
 //   qrx-job from-json JSON -o FILE
 //
-// Diagnostics read "FILE:LINE: error: ..." (LINE from 1); exit status 0 when
-// every file reads, 1 when one does not, 2 for a wrong command line.
+// Diagnostics go to standard error, one per problem, as
+// "FILE:LINE: error|warning: text" (LINE from 1), in line order. The reader's
+// own texts (the "[KVRSM]Parse error:..." and "Open and parse file ..."
+// lines that the library's loader writes to standard output) are not shown:
+// the tool says the same once, in this form. Exit status 0 when every file
+// reads (with --werror: and nothing is warned), 1 otherwise, 2 for a wrong
+// command line.
 
 #include "JobChecks.h"
 #include "JobJson.h"
@@ -23,6 +28,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 #include <json/reader.h>
@@ -42,12 +48,13 @@ const std::map<std::string, const char *> kHelp = {
          "  to-json FILE         the whole program as one JSON document\n"
          "  from-json JSON -o FILE  a job file from such a document\n\n"
          "qrx-job <command> --help describes a command.\n"},
-    {"check", "usage: qrx-job check FILE... [--robot-type TYPE] [--double-robot VALUE]\n"
-              "Reads each file on a temporary copy (the upgrade chain runs there) and prints\n"
-              "FILE:LINE: error: ... for a file that does not read, FILE:LINE: warning: ... for\n"
-              "blocks that do not close, jumps to missing labels, labels defined twice and\n"
-              "positions that are not declared. --robot-type warns when the job is of another\n"
-              "robot type. Exit status 0 when every file reads, 1 otherwise.\n"},
+    {"check", "usage: qrx-job check FILE... [--robot-type TYPE] [--double-robot VALUE] [--werror]\n"
+              "Reads each file on a temporary copy (the upgrade chain runs there) and prints on\n"
+              "standard error FILE:LINE: error: ... for a file that does not read,\n"
+              "FILE:LINE: warning: ... for blocks that do not close, jumps to missing labels,\n"
+              "labels defined twice and positions that are not declared. --robot-type warns\n"
+              "when the job is of another robot type. Exit status 0 when every file reads,\n"
+              "1 otherwise; --werror makes a warning fail too (for CI).\n"},
     {"fmt", "usage: qrx-job fmt FILE [-i]\n"
             "Reads FILE and writes it through the job file writer to standard output, or with\n"
             "-i back into FILE atomically (a crash never leaves half a file). The date line\n"
@@ -74,6 +81,7 @@ struct Args
     std::map<std::string, std::string> options; // --robot-type, --double-robot, -o
     bool inPlace = false;
     bool pretty = false;
+    bool werror = false;
     bool help = false;
     std::string error;
 };
@@ -89,6 +97,8 @@ Args parseArgs(const QStringList &list)
             args.inPlace = true;
         } else if (arg == "--pretty") {
             args.pretty = true;
+        } else if (arg == "--werror") {
+            args.werror = true;
         } else if (arg == "--robot-type" || arg == "--double-robot" || arg == "-o") {
             if (i + 1 >= list.size()) {
                 args.error = arg + " needs a value";
@@ -114,36 +124,75 @@ bool readText(const std::string &fileName, std::string &text)
     return true;
 }
 
-// The file line (from 1) of the NOP bracket.
-int nopLine(const std::string &text)
+// The file line (from 1) of the first line that starts with `start` after
+// `//INSTRUCTION`; 1 when there is none.
+int instructionSectionLine(const std::string &text, const std::string &start)
 {
     std::istringstream in(text);
     std::string line;
     bool instructions = false;
     for (int n = 1; std::getline(in, line); ++n) {
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
         if (line == "//INSTRUCTION")
             instructions = true;
-        else if (instructions && (line == "NOP" || line == "NOP\r"))
+        else if (instructions && line.compare(0, start.size(), start) == 0)
             return n;
     }
     return 1;
 }
 
-// Reads a file without changing it; diagnostics on standard error in the
-// editor form. Null when it does not read.
+struct Diagnostic
+{
+    int line; // from 1
+    bool error;
+    std::string text;
+};
+
+// Prints a file's diagnostics in line order; the number of warnings.
+int printDiagnostics(const std::string &fileName, std::vector<Diagnostic> diagnostics)
+{
+    std::stable_sort(diagnostics.begin(), diagnostics.end(),
+                     [](const Diagnostic &a, const Diagnostic &b) { return a.line < b.line; });
+    int warnings = 0;
+    for (const Diagnostic &diagnostic : diagnostics) {
+        std::cerr << fileName << ':' << diagnostic.line << (diagnostic.error ? ": error: " : ": warning: ")
+                  << diagnostic.text << '\n';
+        warnings += diagnostic.error ? 0 : 1;
+    }
+    return warnings;
+}
+
+// Standard output taken away for a scope: the job file writer logs each
+// rewrite there ("Job file:...|"), which the tool's output must not carry.
+class QuietStandardOutput
+{
+public:
+    QuietStandardOutput()
+        : m_old(std::cout.rdbuf(m_sink.rdbuf()))
+    {
+    }
+    ~QuietStandardOutput() { std::cout.rdbuf(m_old); }
+
+private:
+    std::ostringstream m_sink;
+    std::streambuf *m_old;
+};
+
+// Reads a file without changing it; a failure is one diagnostic on standard
+// error. Null when it does not read.
 std::unique_ptr<qrx::JobProgram> readOnly(const std::string &fileName, std::string *text = nullptr)
 {
     std::string content;
     if (!readText(fileName, content)) {
-        std::cerr << fileName << ":1: error: cannot open the file\n";
+        printDiagnostics(fileName, {{1, true, "cannot open the file"}});
         return nullptr;
     }
-    std::ostringstream out;
-    qrx::JobReadDriver driver(out);
+    std::ostringstream loaderTexts; // the reader's own report, said once below
+    qrx::JobReadDriver driver(loaderTexts);
     auto program = driver.read(content);
     if (!program) {
-        std::cerr << out.str();
-        std::cerr << fileName << ':' << driver.errorLine() + 1 << ": error: " << driver.errorMessage() << '\n';
+        printDiagnostics(fileName, {{driver.errorLine() + 1, true, driver.errorDescription()}});
         return nullptr;
     }
     if (text)
@@ -151,52 +200,51 @@ std::unique_ptr<qrx::JobProgram> readOnly(const std::string &fileName, std::stri
     return program;
 }
 
-std::string replaceAll(std::string text, const std::string &from, const std::string &to)
+// Reads one file as the controller's loader does (the upgrade chain on a
+// temporary copy), then looks for what would misrun. 0 when it reads and
+// (with --werror) nothing is warned, 1 otherwise.
+int checkFile(const Args &args, const std::string &fileName)
 {
-    for (std::size_t at = text.find(from); !from.empty() && at != std::string::npos; at = text.find(from, at + to.size()))
-        text.replace(at, from.size(), to);
-    return text;
+    std::string text;
+    if (!readText(fileName, text)) {
+        printDiagnostics(fileName, {{1, true, "cannot open the file"}});
+        return 1;
+    }
+    QTemporaryDir dir;
+    const std::string copy = QDir(dir.path()).filePath(QFileInfo(QString::fromStdString(fileName)).fileName()).toStdString();
+    std::ofstream(copy, std::ios::binary) << text;
+    const auto robotType = args.options.find("--robot-type");
+    const auto doubleRobot = args.options.find("--double-robot");
+    std::ostringstream loaderTexts; // the reader's own report, said once below
+    qrx::JobLoadReport report;
+    std::unique_ptr<qrx::JobProgram> program;
+    {
+        QuietStandardOutput quiet;
+        program = qrx::loadJobFile(copy, robotType == args.options.end() ? std::string() : robotType->second,
+                                   doubleRobot == args.options.end() ? std::string() : doubleRobot->second,
+                                   std::string(), loaderTexts, &report);
+    }
+    if (!program) {
+        printDiagnostics(fileName, {{report.errorLine + 1, true, report.errorDescription}});
+        return 1;
+    }
+    std::vector<Diagnostic> diagnostics;
+    for (const auto &[line, name] : report.missingPositions)
+        diagnostics.push_back({line + 1, false, "position " + name + " is not declared"});
+    if (robotType != args.options.end() && report.robotTypeMismatch)
+        diagnostics.push_back({instructionSectionLine(text, "ROBOTTYPE = ["), false,
+                               "the job is for robot type " + program->robotType + ", not " + robotType->second});
+    for (const qrxjob::Finding &finding : qrxjob::checkProgram(*program, instructionSectionLine(text, "NOP")))
+        diagnostics.push_back({finding.line, false, finding.message});
+    const int warnings = printDiagnostics(fileName, std::move(diagnostics));
+    return args.werror && warnings > 0 ? 1 : 0;
 }
 
 int check(const Args &args)
 {
     int status = 0;
-    for (const std::string &fileName : args.files) {
-        std::string text;
-        if (!readText(fileName, text)) {
-            std::cerr << fileName << ":1: error: cannot open the file\n";
-            status = 1;
-            continue;
-        }
-        QTemporaryDir dir;
-        const std::string copy = QDir(dir.path()).filePath(QFileInfo(QString::fromStdString(fileName)).fileName()).toStdString();
-        std::ofstream(copy, std::ios::binary) << text;
-        std::ostringstream out;
-        qrx::JobLoadReport report;
-        const auto robotType = args.options.find("--robot-type");
-        const auto doubleRobot = args.options.find("--double-robot");
-        auto program = qrx::loadJobFile(copy, robotType == args.options.end() ? std::string() : robotType->second,
-                                        doubleRobot == args.options.end() ? std::string() : doubleRobot->second,
-                                        std::string(), out, &report);
-        std::string texts = replaceAll(out.str(), copy, fileName);
-        if (robotType == args.options.end()) // no robot given: nothing to compare with
-            texts = replaceAll(texts, "作业中的机器人类型与当前机器人类型不一致 文件名：" + fileName + "\n", "");
-        texts = replaceAll(texts, "Job file:" + fileName + "|\n", "");
-        std::cout << texts;
-        if (!program) {
-            std::cerr << fileName << ':' << report.errorLine + 1 << ": error: " << report.errorMessage << '\n';
-            status = 1;
-            continue;
-        }
-        const int first = nopLine(text);
-        for (const auto &[line, name] : report.missingPositions)
-            std::cerr << fileName << ':' << line + 1 << ": warning: position " << name << " is not declared\n";
-        if (robotType != args.options.end() && report.robotTypeMismatch)
-            std::cerr << fileName << ":1: warning: the job is for robot type " << program->robotType << ", not "
-                      << robotType->second << '\n';
-        for (const qrxjob::Finding &finding : qrxjob::checkProgram(*program, first))
-            std::cerr << fileName << ':' << finding.line << ": warning: " << finding.message << '\n';
-    }
+    for (const std::string &fileName : args.files)
+        status |= checkFile(args, fileName);
     return status;
 }
 
@@ -233,11 +281,12 @@ int upgrade(const Args &args)
             continue;
         }
         const std::string from = program->version;
-        std::ostringstream ignored;
-        std::streambuf *old = std::cout.rdbuf(ignored.rdbuf()); // the writer's "Job file:" lines
-        const auto steps = qrx::upgradeJobProgram(
-            *program, fileName, doubleRobot == args.options.end() ? "NoCooperative" : doubleRobot->second);
-        std::cout.rdbuf(old);
+        std::vector<std::string> steps;
+        {
+            QuietStandardOutput quiet;
+            steps = qrx::upgradeJobProgram(*program, fileName,
+                                           doubleRobot == args.options.end() ? "NoCooperative" : doubleRobot->second);
+        }
         std::string previous = from.empty() ? "(none)" : from;
         for (const std::string &step : steps) {
             std::cout << fileName << ": " << previous << " -> " << step << '\n';
