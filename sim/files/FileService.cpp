@@ -216,6 +216,8 @@ private:
         m_fileSize = m_file.size(); // asked once: QFile::size() is a stat call
         header["size"] = Json::Int64(m_fileSize);
         sendJson(code::FileHeader, header);
+        if (name.startsWith(QLatin1String("job/")))
+            return; // a job file: the host confirms the header with 0x5524
         Json::Value begins(Json::objectValue);
         begins["name"] = utf8(name);
         begins["size"] = Json::Int64(m_fileSize);
