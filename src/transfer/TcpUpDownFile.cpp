@@ -147,7 +147,7 @@ void TcpUpDownFile::runEvents(int ms)
 {
     // Up to ms of this thread's events; a change of state ends it at once.
     QEventLoop loop;
-    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit); // a coarse one may end 5 % early
     m_waitLoop = &loop;
     loop.exec();
     m_waitLoop = nullptr;

@@ -150,6 +150,7 @@ void ScriptedPeer::advance()
             error(QStringLiteral("the script sends 0x%1 on the main link, which has no slot").arg(step.code, 0, 16));
         }
         ++m_next;
+        m_stepDone.start();
     }
 }
 
@@ -193,7 +194,10 @@ void ScriptedPeer::onHostFrame(Step::Link link, quint16 code, const QByteArray &
         m_next = m_script.size(); // one mismatch is enough: the rest would only echo it
         return;
     }
+    if (step.notBeforeMs > 0 && m_stepDone.elapsed() < step.notBeforeMs)
+        error(QStringLiteral("step %1 came after %2 ms, not %3").arg(m_next).arg(m_stepDone.elapsed()).arg(step.notBeforeMs));
     ++m_next;
+    m_stepDone.start();
     advance();
 }
 

@@ -15,11 +15,13 @@
 // values ("{}" when the table leaves the keys to the host): the frame must be
 // one compact JSON object followed by a line feed and hold at least those.
 // An expected raw payload (file data, the empty 0x5525) must match byte for
-// byte. The peer serves its file port in a thread of its own; main-link
+// byte. A step may ask for a pause before the host's frame (the pause between
+// the files of an upload). The peer serves its file port in a thread of its own; main-link
 // frames come from the transfer's MainLink.send, and the controller's
 // main-link notices go to the transfer's slots of the same names.
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QHostAddress>
 #include <QMetaType>
 #include <QObject>
@@ -44,6 +46,7 @@ struct Step
     quint16 code = 0;
     QByteArray payload;
     bool raw = false; // payload is raw bytes rather than JSON
+    int notBeforeMs = 0; // the host's frame comes at least this long after the step before
 
     // The host sends a JSON frame holding these members / these exact bytes.
     static Step host(Link link, quint16 code, const QByteArray &members) { return {HostSends, link, code, members, false}; }
@@ -52,6 +55,7 @@ struct Step
     static Step controller(Link link, quint16 code, const QByteArray &json) { return {ControllerSends, link, code, json + '\n', false}; }
     static Step controllerRaw(quint16 code, const QByteArray &bytes) { return {ControllerSends, File, code, bytes, true}; }
     static Step close() { return {ControllerCloses, File, 0, {}, false}; }
+    Step after(int ms) const { Step later = *this; later.notBeforeMs = ms; return later; }
 };
 using Script = QVector<Step>;
 
@@ -87,6 +91,7 @@ private:
     QObject *m_target;
     Script m_script;
     int m_next = 0;                 // the peer thread's
+    QElapsedTimer m_stepDone;       // since the step before m_next ended
     QTcpServer *m_server = nullptr; // the peer thread's
     QTcpSocket *m_socket = nullptr; // the peer thread's: the file connection
     QByteArray m_buffer;

@@ -149,9 +149,11 @@ void TestFileExchange::scenario_data()
     QTest::newRow("upload one file: 4097 bytes in 2048+2048+1")
         << "upload" << QStringList{"R1/A.JBR"} << oneJob << upload("job/R1/A.JBR", big) << QString() << 1 << oneJob;
     const Files two{{"robotJob/R1/A.JBR", small}, {"robotJob/R3/B.JBP", other}};
+    Script secondFile = upload("job/R3/B.JBP", other);
+    secondFile[0] = secondFile[0].after(1000); // the described pause between files
     QTest::newRow("upload several files")
         << "upload" << QStringList{"R1/A.JBR", "R3/B.JBP"} << two
-        << upload("job/R1/A.JBR", small) + upload("job/R3/B.JBP", other) << QString() << 2 << two;
+        << upload("job/R1/A.JBR", small) + secondFile << QString() << 2 << two;
     QTest::newRow("upload refused")
         << "upload" << QStringList{"R1/A.JBR", "R3/B.JBP"} << two
         << Script{Step::host(F, 0x5501, R"({"name":"job/R1/A.JBR","size":8})"),
