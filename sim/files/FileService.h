@@ -32,15 +32,11 @@ namespace qrxsim {
 class Simulator;
 class FileSession;
 
+// (The exchange's other faults are played by the tests' scripted controller.)
 struct FileFaults
 {
-    bool refuseUpload = false;   // 0x5502 {"answer":"no"}
-    bool refuseDownload = false; // 0x5505 {"answer":"no"}
-    bool wrongName = false;      // 0x5505 names another file
-    bool closeMidFile = false;   // the connection is closed after half the file
-    bool stallMidFile = false;   // nothing more is sent after half the file
-    bool splitFrames = false;    // every frame goes out in two writes, 2 ms apart
-    bool hostileName = false;    // lists carry a "../" name
+    bool refuseUpload = false; // 0x5502 {"answer":"no"}
+    bool splitFrames = false;  // every frame goes out in two writes, 2 ms apart
 };
 
 class FileService : public QObject
