@@ -102,7 +102,12 @@ void TcpUpDownFile::onConnectionStatus(int status)
 {
     if (status != 0 || m_state == State::Idle || m_state == State::Done || m_state == State::Failed)
         return;
-    fail(m_mode == Upload ? uploadFailureText(m_name) : brokenText());
+    fail(failureText());
+}
+
+QString TcpUpDownFile::failureText() const
+{
+    return m_mode == Upload ? uploadFailureText(m_name) : brokenText();
 }
 
 void TcpUpDownFile::setState(State state)
@@ -162,7 +167,7 @@ void TcpUpDownFile::waitWhile(State busy1, State busy2, State busy3)
     while (busy()) {
         runEvents(qBound(1, int(m_silenceMs - m_heard.elapsed()), 50));
         if (busy() && m_heard.elapsed() > m_silenceMs)
-            fail(m_mode == Upload ? uploadFailureText(m_name) : brokenText());
+            fail(failureText());
     }
 }
 
@@ -224,7 +229,7 @@ void TcpUpDownFile::uploadAnswer(const QByteArray &payload)
 {
     Json::Value v;
     if (m_state != State::Announced) {
-        fail(uploadFailureText(m_name)); // an answer nobody asked for
+        fail(failureText()); // an answer nobody asked for
         return;
     }
     if (!qrx::parsePayload(payload, v))
@@ -263,7 +268,7 @@ void TcpUpDownFile::uploadFinished(const QByteArray &payload)
 {
     Json::Value v;
     if (m_state != State::AwaitingStored || !qrx::parsePayload(payload, v) || !finishes(v)) {
-        fail(uploadFailureText(m_name));
+        fail(failureText());
         return;
     }
     m_sendFile.close();

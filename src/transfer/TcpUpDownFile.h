@@ -48,6 +48,7 @@
 // is complete.
 
 #include "link/FramedConnection.h"
+#include "transfer/LocalDigests.h"
 #include "transfer/MainLink.h"
 
 #include <QElapsedTimer>
@@ -148,6 +149,7 @@ private:
     void receiveList(const QByteArray &data, Mode mode);
     QString refusalText() const;
     QString brokenText() const;
+    QString failureText() const; // of a broken exchange in the current mode
 
     qrx::transfer::MainLink m_link;
     quint16 m_port = kFilePort;
@@ -171,6 +173,7 @@ private:
     qint64 m_received = 0;
     static std::atomic<bool> s_uploading; // one upload at a time, process-wide
 
+    qrx::transfer::LocalDigests m_localDigests; // of a job download, taken while the lists come
     QStringList m_downloadList; // controller names ("job/R1/A.JBR", "a.log")
     int m_downloadIndex = -1;
     int m_filesDone = 0;

@@ -21,6 +21,7 @@ void TcpUpDownFile::runJobDownload(int robot)
 {
     m_mode = JobDownload;
     setState(State::AwaitingList);
+    m_localDigests.start(m_jobRoot);
     sendMain(code::StartJobSync, jsonOf({{"robot", robot}}));
     waitUntilEnded();
 }
@@ -75,7 +76,7 @@ void TcpUpDownFile::recvJobFileSumList(QByteArray data)
             return;
         }
         const QString local = folder + QLatin1Char('/') + name;
-        if (QFileInfo::exists(local) && fileMd5(local) == textOf(entry, "MD5").toLower())
+        if (QFileInfo::exists(local) && m_localDigests.md5Of(local) == textOf(entry, "MD5").toLower())
             continue; // in step already
         // A differing local file stays until its replacement is complete.
         m_downloadList << QStringLiteral("job/R%1/").arg(robot) + name;
@@ -177,7 +178,7 @@ void TcpUpDownFile::downloadHeader(const QByteArray &payload)
 {
     Json::Value v;
     if (m_state != State::Requested) {
-        fail(brokenText()); // a header nobody asked for
+        fail(failureText()); // a header nobody asked for
         return;
     }
     if (!qrx::parsePayload(payload, v))
@@ -210,7 +211,7 @@ void TcpUpDownFile::fileBegins(const QByteArray &payload)
 {
     Json::Value v;
     if (m_state != State::AwaitingBegin) {
-        fail(brokenText());
+        fail(failureText());
         return;
     }
     if (!qrx::parsePayload(payload, v))
@@ -258,7 +259,7 @@ bool TcpUpDownFile::openTarget()
 void TcpUpDownFile::fileData(const QByteArray &payload)
 {
     if (m_state != State::Receiving || !m_target) {
-        fail(brokenText());
+        fail(failureText());
         return;
     }
     if (m_received < m_expected) { // the header's size tells data from the closing frame
