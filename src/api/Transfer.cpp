@@ -26,6 +26,7 @@ std::mutex outcomeMutex;
 int lastFailed = 0;
 QByteArray lastFailureText;
 std::atomic<qrx_transfer_progress> progressCallback{nullptr};
+std::atomic<int> pauseMs{TcpUpDownFile::kPauseMs};
 
 // What the transfer needs of the robot's main link.
 qrx::transfer::MainLink mainLinkOf(Robot *robot)
@@ -46,6 +47,7 @@ int transfer(Robot *robot, Run &&run)
     QObject::connect(robot, &Robot::robot_job_File_Info_Finish, &file, &TcpUpDownFile::recvJobFileInfoFinish);
     QObject::connect(robot, &Robot::robot_ControlLog_list, &file, &TcpUpDownFile::recvControlLogList);
     QObject::connect(robot, &Robot::robot_ControlENI_list, &file, &TcpUpDownFile::recvControlENIList);
+    file.setPauseMs(pauseMs.load());
     if (const qrx_transfer_progress callback = progressCallback.load()) {
         file.setProgress([callback](const QString &name, qint64 done, qint64 total) {
             callback(name.toUtf8().constData(), static_cast<long long>(done), static_cast<long long>(total));
@@ -103,6 +105,11 @@ void qrx_set_job_root(const char *path)
 void qrx_set_transfer_progress(qrx_transfer_progress callback)
 {
     progressCallback.store(callback);
+}
+
+void qrx_set_transfer_pause(int ms)
+{
+    pauseMs.store(std::max(ms, 0));
 }
 
 int qrx_last_transfer_failed(void)

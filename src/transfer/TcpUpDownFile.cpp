@@ -189,8 +189,8 @@ void TcpUpDownFile::runUpload(const QStringList &names)
     if (!connectFileSocket())
         return;
     for (int i = 0; i < names.size() && m_state == State::Ready; ++i) {
-        if (i > 0)
-            runEvents(kPauseMs); // a frame that comes meanwhile is unexpected: it fails the upload
+        if (i > 0 && m_pauseMs > 0)
+            runEvents(m_pauseMs); // a frame that comes meanwhile is unexpected: it fails the upload
         if (m_state != State::Ready)
             break;
         sendfileinfo(names.at(i));

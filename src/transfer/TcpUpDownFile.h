@@ -11,7 +11,7 @@
 // The exchange, one file at a time (H host, C controller; F file connection,
 // M main link; code names in protocol/Codes.h):
 //
-//   upload (mode 4), per file of the list, 1000 ms apart:
+//   upload (mode 4), per file of the list, 1000 ms apart (setPauseMs):
 //     H->F 0x5501 {"name":"job/R1/A.JBR","size":n}
 //     C->F 0x5502 {"answer":"yes"|…}
 //     H->F 0x5511 raw bytes, 2048 per frame, sent at once, then 0x5512 {"name","size"}
@@ -83,7 +83,7 @@ public:
     };
     static constexpr quint16 kFilePort = 5000;
     static constexpr int kChunkSize = 2048;
-    static constexpr int kPauseMs = 1000;   // between the files of an upload
+    static constexpr int kPauseMs = 1000;   // between the files of an upload, by default
     static constexpr int kSilenceMs = 5000; // a controller silent this long breaks the transfer
 
     explicit TcpUpDownFile(qrx::transfer::MainLink link, QObject *parent = nullptr);
@@ -93,6 +93,7 @@ public:
     void setJobRoot(const QString &root) { m_jobRoot = root; }
     void setFilePort(quint16 port) { m_port = port; }
     void setSilenceMs(int ms) { m_silenceMs = ms; }
+    void setPauseMs(int ms) { m_pauseMs = ms; } // between the files of an upload
     // Target folder of a configuration, log or ENI export.
     void setTargetFolder(const QString &folder) { m_targetFolder = folder; }
     // Remote folder of an upload ("job/" for job files, "config/" for an import).
@@ -154,6 +155,7 @@ private:
     qrx::transfer::MainLink m_link;
     quint16 m_port = kFilePort;
     int m_silenceMs = kSilenceMs;
+    int m_pauseMs = kPauseMs;
     // The file connection: no heartbeat, no reconnect, partial frames kept.
     qrx::FramedConnection m_connection{qrx::FramedConnection::fileConnectionOptions()};
     State m_state = State::Idle;

@@ -13,6 +13,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -83,6 +84,8 @@ private Q_SLOTS:
     void cleanupTestCase();
 
     void secondUploadRefused();
+    void uploadPause_data();
+    void uploadPause();
     void unreadableFile();
     void downloadSynchronises();
     void controllerDigests_data();
@@ -139,6 +142,7 @@ void TestTransfer::init()
 void TestTransfer::cleanup()
 {
     qrx_set_transfer_progress(nullptr);
+    qrx_set_transfer_pause(1000);
 }
 
 void TestTransfer::cleanupTestCase()
@@ -172,6 +176,37 @@ void TestTransfer::secondUploadRefused()
     // The refused call opened nothing and the running upload went on.
     QCOMPARE(fileFrames(0x5501).size(), 1);
     QCOMPARE(readFile(m_controller->path() + QStringLiteral("/job/R1/A.JBR")), data);
+}
+
+// Three files: two pauses between them, 1000 ms each unless the host sets
+// another (qrx_set_transfer_pause).
+void TestTransfer::uploadPause_data()
+{
+    QTest::addColumn<int>("pause"); // -1: never set
+    QTest::newRow("described pause") << -1;
+    QTest::newRow("no pause") << 0;
+}
+
+void TestTransfer::uploadPause()
+{
+    QFETCH(int, pause);
+    for (const char *name : {"R1/A.JBR", "R2/B.JBR", "R3/C.JBR"})
+        QVERIFY(writeFile(m_host->path() + QStringLiteral("/robotJob/") + QLatin1String(name), name));
+    if (pause >= 0)
+        qrx_set_transfer_pause(pause);
+    QElapsedTimer clock;
+    clock.start();
+
+    upload_job();
+
+    const qint64 took = clock.elapsed();
+    QCOMPARE(qrx_last_transfer_failed(), 0);
+    QCOMPARE(filesBelow(m_controller->path() + QStringLiteral("/job")),
+             (QStringList{"R1/A.JBR", "R2/B.JBR", "R3/C.JBR"}));
+    if (pause < 0)
+        QVERIFY2(took >= 2000, qPrintable(QString::number(took)));
+    else
+        QVERIFY2(took < 2000, qPrintable(QString::number(took))); // no pause: a few ms of loopback traffic
 }
 
 void TestTransfer::unreadableFile()
