@@ -253,7 +253,11 @@ void TcpUpDownFile::sendWholeFile(const QString &name)
     qint64 remaining = total;
     while (remaining > 0) {
         const QByteArray chunk = m_sendFile.read(qMin<qint64>(kChunkSize, remaining));
-        if (chunk.isEmpty() || !m_connection.isConnected()) {
+        if (chunk.isEmpty()) {
+            fail(tr("文件【") + name + tr("】无法打开"));
+            return;
+        }
+        if (!m_connection.isConnected()) {
             fail(uploadFailureText(name));
             return;
         }
