@@ -132,7 +132,7 @@ void TestFileExchange::scenario_data()
     QTest::addColumn<QStringList>("names");   // files to upload or to fetch
     QTest::addColumn<Files>("before");        // the host's folder before
     QTest::addColumn<Script>("script");
-    QTest::addColumn<QString>("failure");     // empty: the transfer succeeds
+    QTest::addColumn<QString>("failure");     // empty: the transfer succeeds; {host}: the host's folder
     QTest::addColumn<int>("moved");
     QTest::addColumn<Files>("after");         // the host's folder afterwards
 
@@ -254,6 +254,9 @@ void TestFileExchange::scenario_data()
     QTest::newRow("configuration import")
         << "import" << QStringList{"mine/global.json"} << Files{{"mine/global.json", small}}
         << upload("config/global.json", small) << QString() << 1 << Files{{"mine/global.json", small}};
+    QTest::newRow("configuration import: unreadable file")
+        << "import" << QStringList{"nowhere/global.json"} << Files() << Script{Step::hostRaw(0x5525, "")}
+        << QStringLiteral("无法读取上传程序：{host}/nowhere/global.json") << 0 << Files();
 }
 
 void TestFileExchange::scenario()
@@ -266,6 +269,7 @@ void TestFileExchange::scenario()
     QFETCH(int, moved);
     QFETCH(Files, after);
     QTemporaryDir host;
+    failure.replace(QLatin1String("{host}"), host.path());
     for (auto it = before.begin(); it != before.end(); ++it) {
         QVERIFY(QDir().mkpath(QFileInfo(host.filePath(it.key())).absolutePath()));
         QFile file(host.filePath(it.key()));

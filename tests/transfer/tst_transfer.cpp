@@ -86,7 +86,6 @@ private Q_SLOTS:
     void secondUploadRefused();
     void uploadPause_data();
     void uploadPause();
-    void unreadableFile();
     void downloadSynchronises();
     void controllerDigests_data();
     void controllerDigests();
@@ -207,15 +206,6 @@ void TestTransfer::uploadPause()
         QVERIFY2(took >= 2000, qPrintable(QString::number(took)));
     else
         QVERIFY2(took < 2000, qPrintable(QString::number(took))); // no pause: a few ms of loopback traffic
-}
-
-void TestTransfer::unreadableFile()
-{
-    const QString missing = m_host->path() + QStringLiteral("/nowhere/controller.json");
-    QCOMPARE(qrx_import_config(missing.toUtf8().constData()), -1);
-    QCOMPARE(lastError(), QStringLiteral("无法读取上传程序：") + missing);
-    QVERIFY(m_files->waitForFileFrame(0x5525));
-    QVERIFY(fileFrames(0x5501).isEmpty());
 }
 
 void TestTransfer::downloadSynchronises()
