@@ -214,21 +214,24 @@ void ScriptedPeer::error(const QString &text)
 
 QStringList ScriptedPeer::verdict()
 {
-    // The host closes the file connection at the end of every transfer; what
-    // it sent before then has been read once the peer sees the close.
+    // The transfer has returned, so every connection it made is established
+    // and closed: the peer takes the connections still waiting in the kernel,
+    // and has read what the host sent once it has seen the close. It waits
+    // for that and for the script's end (bounded: a step the host never
+    // sends ends the wait at the deadline).
     const QDeadlineTimer deadline(10000);
-    while (!deadline.hasExpired()) {
-        {
+    bool settled = false;
+    while (!settled && !deadline.hasExpired()) {
+        QMetaObject::invokeMethod(this, [&] {
+            m_server->waitForNewConnection(0); // hands a waiting one to newConnection
             std::lock_guard<std::mutex> lock(m_mutex);
-            if (!m_open)
-                break;
-        }
-        QThread::msleep(5);
+            settled = !m_open && m_next >= m_script.size();
+        }, Qt::BlockingQueuedConnection);
+        if (!settled)
+            QThread::msleep(5);
     }
     QStringList errors;
     QMetaObject::invokeMethod(this, [&] {
-        if (m_socket && m_socket->bytesAvailable())
-            onReadyRead();
         if (m_next < m_script.size())
             error(QStringLiteral("step %1 left unused: %2").arg(m_next).arg(describe(m_script.at(m_next))));
         std::lock_guard<std::mutex> lock(m_mutex);
