@@ -202,6 +202,8 @@ void TestFileExchange::scenario_data()
                            Step::host(F, 0x5524, "{}"), Step::controllerRaw(0x5522, small),
                            Step::controller(F, 0x5522, R"({"finish":"no"})"), Step::hostRaw(0x5525, "")}
         << broken << 0 << oldJob;
+    QTest::newRow("download: the lists never come")
+        << "jobs" << QStringList() << oldJob << Script{Step::host(M, 0x5532, "{}")} << broken << 0 << oldJob;
     QTest::newRow("download: hostile name, nothing asked")
         << "jobs" << QStringList() << oldJob
         << Script{Step::host(M, 0x5532, "{}"),
