@@ -19,6 +19,7 @@
 //     H->M 0x5061 {"name":…}                       the main link is told
 //   job download (mode 3):
 //     H->M 0x5532 {"robot":r}; C->M 0x5533 digest list per robot, 0x5535 at the end;
+//     (the local files are hashed meanwhile, LocalDigests.h);
 //     every file whose local MD5 differs or that is missing, in order:
 //     H->F 0x5504 {"name":"job/R1/A.JBR"}
 //     C->F 0x5505 {"answer":"yes","name":"job/R1/A.JBR","size":n}
