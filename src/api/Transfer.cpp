@@ -6,9 +6,11 @@
 #include "api/qrx_host.h"
 #include "common/Logging.h"
 #include "link/TcpConnectModule.h"
+#include "robot/Robot.h"
 #include "transfer/TcpUpDownFile.h"
 #include "transfer/TransferPaths.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
@@ -24,12 +26,28 @@ std::mutex outcomeMutex;
 int lastFailed = 0;
 QByteArray lastFailureText;
 std::atomic<qrx_transfer_progress> progressCallback{nullptr};
+std::atomic<int> pauseMs{TcpUpDownFile::kPauseMs};
+
+// What the transfer needs of the robot's main link.
+qrx::transfer::MainLink mainLinkOf(Robot *robot)
+{
+    return {robot->link()->ip(),
+            [robot](quint16 command, const QByteArray &payload) { return robot->send(command, payload); },
+            [robot] { robot->link()->setLastPingTime(QDateTime::currentDateTimeUtc()); }};
+}
 
 // Runs one transfer on a fresh object and keeps its outcome.
 template <class Run>
 int transfer(Robot *robot, Run &&run)
 {
-    TcpUpDownFile file(robot, robot->link()->ip());
+    TcpUpDownFile file(mainLinkOf(robot));
+    // The main link's file notifications reach the transfer in this thread.
+    QObject::connect(robot, &Robot::robot_job_Sum_list, &file, &TcpUpDownFile::recvJobFileSumList);
+    QObject::connect(robot, &Robot::robot_job_File_list, &file, &TcpUpDownFile::recvJobFileList);
+    QObject::connect(robot, &Robot::robot_job_File_Info_Finish, &file, &TcpUpDownFile::recvJobFileInfoFinish);
+    QObject::connect(robot, &Robot::robot_ControlLog_list, &file, &TcpUpDownFile::recvControlLogList);
+    QObject::connect(robot, &Robot::robot_ControlENI_list, &file, &TcpUpDownFile::recvControlENIList);
+    file.setPauseMs(pauseMs.load());
     if (const qrx_transfer_progress callback = progressCallback.load()) {
         file.setProgress([callback](const QString &name, qint64 done, qint64 total) {
             callback(name.toUtf8().constData(), static_cast<long long>(done), static_cast<long long>(total));
@@ -76,7 +94,7 @@ void upload_job(void)
 void download_job(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    transfer(robot, [](TcpUpDownFile &file) { file.runJobDownload(); });
+    transfer(robot, [robot](TcpUpDownFile &file) { file.runJobDownload(robot->currentRobot()); });
 }
 
 void qrx_set_job_root(const char *path)
@@ -87,6 +105,11 @@ void qrx_set_job_root(const char *path)
 void qrx_set_transfer_progress(qrx_transfer_progress callback)
 {
     progressCallback.store(callback);
+}
+
+void qrx_set_transfer_pause(int ms)
+{
+    pauseMs.store(std::max(ms, 0));
 }
 
 int qrx_last_transfer_failed(void)
