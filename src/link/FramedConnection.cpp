@@ -1,5 +1,7 @@
 #include "link/FramedConnection.h"
 
+#include "link/SessionRecorder.h"
+
 #include "common/HandOver.h"
 #include "common/Logging.h"
 
@@ -251,7 +253,8 @@ void FramedConnection::onReadyRead()
             break;
         QByteArray bytes;
         bytes.swap(m_unread);
-        m_receiveBuffer.feed(bytes, [this](quint16 command, const QByteArray &payload) {
+        m_receiveBuffer.feed(bytes, [this, &socket](quint16 command, const QByteArray &payload) {
+            recordReceived(*socket, command, payload);
             const State now = state();
             if (now != State::WaitingToConnect && now != State::Closing)
                 emit frameReceived(command, payload);
