@@ -14,11 +14,11 @@ import argparse
 import sys
 from typing import Any, Dict, List, Optional, Sequence, Tuple
 
-import matplotlib
+import matplotlib  # type: ignore[import]
 
 matplotlib.use("Agg")
-import matplotlib.pyplot as plt  # noqa: E402
-from matplotlib.figure import Figure  # noqa: E402
+import matplotlib.pyplot as plt  # type: ignore[import]  # noqa: E402
+from matplotlib.figure import Figure  # type: ignore[import]  # noqa: E402
 
 from . import recording  # noqa: E402
 from .types import Mode, ServoState  # noqa: E402
