@@ -12,7 +12,7 @@ from __future__ import annotations
 
 import argparse
 import sys
-from typing import Any, Dict, List, Optional, Sequence, Tuple
+from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple
 
 import matplotlib  # type: ignore[import]
 
@@ -25,11 +25,12 @@ from .types import Mode, ServoState  # noqa: E402
 
 POSITION_CODES = (0x2F08, 0x2A03)
 ERROR, WARNING = 0x2B03, 0x2B04
-# band: (code, key, how a value reads)
-BANDS = [
+RUNNING = {0: "stopped", 1: "paused", 2: "running"}  # 0x3D03 "status", as qrx status shows it
+# band: (name, code, key, how a value reads)
+BANDS: List[Tuple[str, int, str, Callable[[int], str]]] = [
     ("servo", 0x2003, "status", lambda v: ServoState(v).name.lower() if v in ServoState._value2member_map_ else str(v)),
     ("mode", 0x2103, "mode", lambda v: Mode(v).name.lower() if v in Mode._value2member_map_ else str(v)),
-    ("running", 0x3D03, "status", lambda v: "state %s" % v),
+    ("running", 0x3D03, "status", lambda v: RUNNING.get(v, "state %s" % v)),
 ]
 MIN_JOINTS = 6
 
@@ -105,7 +106,8 @@ def figure(frames: Sequence[recording.Frame], title: str = "") -> Figure:
         for t0, t1, text in spans[name]:
             color = palette.setdefault(text, colors[len(palette) % len(colors)])
             bands.broken_barh([(t0, max(t1 - t0, 1e-3))], (row - 0.4, 0.8), facecolors=color)
-            bands.text(t0, row, " " + text, va="center", ha="left", fontsize=8, clip_on=True)
+            if t1 - t0 >= 0.05 * (end - start):  # a label only where it fits
+                bands.text(t0, row, " " + text, va="center", ha="left", fontsize=8, clip_on=True)
     bands.set_yticks(range(len(BANDS)))
     bands.set_yticklabels([name for name, _, _, _ in BANDS])
     bands.set_ylim(-0.6, len(BANDS) - 0.4)
