@@ -4,6 +4,7 @@
 
 #include <QAbstractSocket>
 #include <QFile>
+#include <QHostAddress>
 #include <QLoggingCategory>
 
 #include <cerrno>
@@ -32,6 +33,27 @@ pcap::Endpoint endpoint(const QHostAddress &address, quint16 port)
     bool ok = false;
     const quint32 ipv4 = address.toIPv4Address(&ok);
     return {ok ? ipv4 : 0, port};
+}
+
+// The two ends of the socket a thread last recorded a frame of: a link
+// thread records many frames of one socket in a row. A socket is known by
+// its address and its two ports (a new socket at a freed address has new
+// ports).
+struct Ends
+{
+    const QAbstractSocket *socket = nullptr;
+    pcap::Endpoint host;
+    pcap::Endpoint controller;
+};
+
+const Ends &endsOf(const QAbstractSocket &socket)
+{
+    thread_local Ends ends;
+    const quint16 local = socket.localPort();
+    const quint16 peer = socket.peerPort();
+    if (ends.socket != &socket || ends.host.port != local || ends.controller.port != peer)
+        ends = {&socket, endpoint(socket.localAddress(), local), endpoint(socket.peerAddress(), peer)};
+    return ends;
 }
 
 } // namespace
@@ -110,8 +132,8 @@ void SessionRecorder::received(const QAbstractSocket &socket, quint16 command, c
 void SessionRecorder::append(const QAbstractSocket &socket, pcap::Sender sender, quint16 command,
                              const QByteArray &bytes)
 {
-    Entry entry{0,      sender, socket.localAddress(), socket.peerAddress(), socket.localPort(), socket.peerPort(),
-                command, bytes};
+    const Ends &ends = endsOf(socket);
+    Entry entry{0, sender, command, ends.host, ends.controller, bytes};
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_stopping || !m_file)
         return;
@@ -143,8 +165,7 @@ bool SessionRecorder::writeBatch(std::vector<Entry> &batch)
     for (const Entry &entry : batch) {
         const QByteArray wire =
             entry.sender == pcap::Sender::Host ? entry.bytes : encodeFrame(entry.command, entry.bytes);
-        out += m_packets.frame(entry.timeUs, entry.sender, endpoint(entry.host, entry.hostPort),
-                               endpoint(entry.controller, entry.controllerPort), wire);
+        out += m_packets.frame(entry.timeUs, entry.sender, entry.host, entry.controller, wire);
     }
     if (!out.isEmpty() && std::fwrite(out.constData(), 1, size_t(out.size()), m_file) != size_t(out.size())) {
         fail("write");

@@ -14,7 +14,6 @@
 #include "link/PcapSession.h"
 
 #include <QByteArray>
-#include <QHostAddress>
 #include <QString>
 
 #include <atomic>
@@ -56,11 +55,9 @@ private:
     {
         qint64 timeUs;
         pcap::Sender sender;
-        QHostAddress host;
-        QHostAddress controller;
-        quint16 hostPort;
-        quint16 controllerPort;
         quint16 command; // received frames: encoded by the writer
+        pcap::Endpoint host;
+        pcap::Endpoint controller;
         QByteArray bytes; // the frame (sent) or the payload (received)
     };
     void append(const QAbstractSocket &socket, pcap::Sender sender, quint16 command, const QByteArray &bytes);
