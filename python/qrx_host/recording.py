@@ -12,6 +12,7 @@ catalogue (qrx_code_name), so they match the dissector and the library.
 """
 from __future__ import annotations
 
+import functools
 import json
 import struct
 import zlib
@@ -50,6 +51,7 @@ class RecordingError(ValueError):
         self.frames = frames
 
 
+@functools.lru_cache(maxsize=None)
 def code_name(code: int, from_controller: bool, file_connection: bool = False) -> str:
     """The library's name of a code ("unknown" when it has none)."""
     name = _library.library().qrx_code_name(code, int(from_controller), int(file_connection))

@@ -78,7 +78,8 @@ SessionRecorder::~SessionRecorder()
 
 bool SessionRecorder::start(const QString &path)
 {
-    stop();
+    std::lock_guard<std::mutex> control(m_control);
+    stopLocked();
     std::FILE *file = std::fopen(QFile::encodeName(path).constData(), "wb");
     if (!file) {
         qCWarning(lcRecord, "cannot record into %s: %s", qPrintable(path), std::strerror(errno));
@@ -104,6 +105,12 @@ bool SessionRecorder::start(const QString &path)
 
 void SessionRecorder::stop()
 {
+    std::lock_guard<std::mutex> control(m_control);
+    stopLocked();
+}
+
+void SessionRecorder::stopLocked()
+{
     m_on.store(false);
     {
         std::lock_guard<std::mutex> lock(m_mutex);
@@ -121,7 +128,10 @@ void SessionRecorder::stop()
 
 void SessionRecorder::sent(const QAbstractSocket &socket, const QByteArray &frame)
 {
-    append(socket, pcap::Sender::Host, 0, frame);
+    // A write queued from another thread may find the socket closed: then
+    // nothing goes on the wire.
+    if (socket.state() == QAbstractSocket::ConnectedState)
+        append(socket, pcap::Sender::Host, 0, frame);
 }
 
 void SessionRecorder::received(const QAbstractSocket &socket, quint16 command, const QByteArray &payload)

@@ -60,6 +60,7 @@ private:
         pcap::Endpoint controller;
         QByteArray bytes; // the frame (sent) or the payload (received)
     };
+    void stopLocked(); // m_control held
     void append(const QAbstractSocket &socket, pcap::Sender sender, quint16 command, const QByteArray &bytes);
     void writeLoop();
     // Writer thread: false after a failed write (the recording has ended).
@@ -67,7 +68,8 @@ private:
     void fail(const char *what);
 
     std::atomic<bool> m_on{false};
-    std::mutex m_mutex; // guards the members below
+    std::mutex m_control; // one start or stop at a time
+    std::mutex m_mutex;   // guards the members below
     std::condition_variable m_wake;
     std::vector<Entry> m_queue;
     bool m_stopping = false;
