@@ -1,17 +1,15 @@
 #include "link/SessionRecorder.h"
 
+#include "common/Logging.h"
 #include "link/FrameCodec.h"
 
 #include <QAbstractSocket>
 #include <QFile>
 #include <QHostAddress>
-#include <QLoggingCategory>
 
 #include <cerrno>
 #include <chrono>
 #include <cstring>
-
-Q_LOGGING_CATEGORY(lcRecord, "qrx.record")
 
 namespace qrx {
 

@@ -222,3 +222,33 @@ def test_plot_shows_joints_states_and_the_error(sim: Sim, tmp_path: Path) -> Non
     header = out.read_bytes()[:24]
     assert header[:8] == b"\x89PNG\r\n\x1a\n"
     assert struct.unpack(">II", header[16:24]) == (1100, 650)
+
+
+def test_a_killed_host_keeps_all_but_its_last_milliseconds(sim: Sim, tmp_path: Path) -> None:
+    pcap = tmp_path / "killed.pcap"
+    # The host sets and reads back 20 speeds, waits 200 ms (everything before
+    # is that old at the kill), says so, and goes on until it is killed.
+    script = ("import itertools, sys, time, qrx_host\n"
+              "r = qrx_host.Robot(%r, timeout=5.0)\n"
+              "for speed in range(1, 21):\n"
+              "    r.jog_speed = speed\n"
+              "    assert r.jog_speed == speed\n"
+              "time.sleep(0.2)\n"
+              "print('ready', flush=True)\n"
+              "for speed in itertools.cycle(range(30, 40)):\n"
+              "    r.jog_speed = speed\n" % sim.address)
+    host = subprocess.Popen([sys.executable, "-c", script], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                            text=True, env=dict(os.environ, QRX_RECORD=str(pcap)))
+    try:
+        assert host.stdout is not None and host.stdout.readline().strip() == "ready"
+    finally:
+        host.kill()
+        host.wait(10)
+    try:
+        frames = recording.read(str(pcap))
+    except recording.RecordingError as error:  # killed inside a write: the frames before it
+        frames = error.frames
+    speeds = [f.json["speed"] for f in frames if f.name == "SetSpeed"]
+    assert speeds[:20] == list(range(1, 21))
+    answers = [f for f in frames if f.name == "receivedSpeedInfo"]
+    assert len(answers) >= 20
