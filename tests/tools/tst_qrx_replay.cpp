@@ -51,6 +51,7 @@ private slots:
 
     void replayedStatusPrintsTheSameText_data();
     void replayedStatusPrintsTheSameText();
+    void unaskedReportsKeepTheirTimes();
     void departuresAreReported();
     void damagedRecordingPlaysItsFirstPart();
 
@@ -157,6 +158,38 @@ void TestQrxReplay::replayedStatusPrintsTheSameText()
     QVERIFY(controllerSide(first).size() > 10);
     QCOMPARE(controllerSide(second), controllerSide(first));
     QVERIFY2(!replayErrors().contains(QLatin1String("link 1:")), qPrintable(replayErrors()));
+}
+
+// The controller's own heartbeats (0x7266, every 250 ms here) come unasked:
+// the replay sends them at their recorded times from the connection's start.
+void TestQrxReplay::unaskedReportsKeepTheirTimes()
+{
+    m_sim->setControllerHeartbeat(250);
+    const QString recorded = m_dir.filePath(QStringLiteral("beats.pcap"));
+    QCOMPARE(recordQrx(recorded, {QStringLiteral("status")}).exitCode, 0);
+    QVERIFY(startReplay(recorded));
+    const QString replayed = m_dir.filePath(QStringLiteral("beats-again.pcap"));
+    QCOMPARE(recordQrx(replayed, {QStringLiteral("status")}).exitCode, 0);
+
+    // Offsets (ms) of the controller's heartbeats from the first frame.
+    const auto beats = [](const qrx::pcap::Recording &r) {
+        QVector<double> at;
+        for (const RecordedFrame &f : r.frames) {
+            if (f.sender == Sender::Controller && f.code == 0x7266)
+                at.append(double(f.timeUs - r.frames.first().timeUs) / 1000.0);
+        }
+        return at;
+    };
+    const QVector<double> first = beats(readFile(recorded));
+    const QVector<double> second = beats(readFile(replayed));
+    QVERIFY2(first.size() >= 3, qPrintable(QString::number(first.size())));
+    // The replayed session may end a little sooner or later than the
+    // recorded one: the beats both sessions lasted for must agree.
+    const int common = int(qMin(first.size(), second.size()));
+    QVERIFY(common >= first.size() - 1);
+    for (int i = 0; i < common; ++i)
+        QVERIFY2(qAbs(second[i] - first[i]) < 150.0,
+                 qPrintable(QStringLiteral("beat %1: %2 ms, recorded %3 ms").arg(i).arg(second[i]).arg(first[i])));
 }
 
 // A host that does something else than the recorded one is answered as far
