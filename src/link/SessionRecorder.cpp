@@ -190,10 +190,15 @@ void SessionRecorder::fail(const char *what)
 {
     const int error = errno;
     m_on.store(false);
-    std::lock_guard<std::mutex> lock(m_mutex);
-    qCWarning(lcRecord, "recording stopped: cannot %s %s: %s", what, qPrintable(m_path), std::strerror(error));
-    m_stopping = true; // nothing more is queued until the next start
-    m_queue.clear();
+    QString path;
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_stopping = true; // nothing more is queued until the next start
+        m_queue.clear();
+        path = m_path;
+    }
+    // Outside the lock: a message handler may send (and so record) a frame.
+    qCWarning(lcRecord, "recording stopped: cannot %s %s: %s", what, qPrintable(path), std::strerror(error));
 }
 
 } // namespace qrx
