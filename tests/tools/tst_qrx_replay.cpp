@@ -7,8 +7,10 @@
 #include "QrxRun.h"
 #include "link/PcapSession.h"
 #include "sim/SimHandle.h"
+#include "sim/files/FileService.h"
 #include "support/Loopback.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -52,6 +54,7 @@ private slots:
     void replayedStatusPrintsTheSameText_data();
     void replayedStatusPrintsTheSameText();
     void unaskedReportsKeepTheirTimes();
+    void downloadReplaysOverTheFileConnection();
     void departuresAreReported();
     void damagedRecordingPlaysItsFirstPart();
 
@@ -190,6 +193,42 @@ void TestQrxReplay::unaskedReportsKeepTheirTimes()
     for (int i = 0; i < common; ++i)
         QVERIFY2(qAbs(second[i] - first[i]) < 150.0,
                  qPrintable(QStringLiteral("beat %1: %2 ms, recorded %3 ms").arg(i).arg(second[i]).arg(first[i])));
+}
+
+// A job download runs over the file connection (port 5000): the replay
+// plays that connection too, and the host stores the same file again.
+void TestQrxReplay::downloadReplaysOverTheFileConnection()
+{
+    QTemporaryDir controller;
+    QVERIFY(QDir(controller.path()).mkpath(QStringLiteral("jobs/R2")));
+    QByteArray job;
+    for (int i = 0; i < 5000; ++i)
+        job += char('A' + i % 26);
+    QFile file(controller.path() + QStringLiteral("/jobs/R2/DOWN.JBR"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(job);
+    file.close();
+    const QString recorded = m_dir.filePath(QStringLiteral("download.pcap"));
+    {
+        qrxsim::FileServiceHandle files(*m_sim);
+        QVERIFY(files.isListening());
+        files.with([&](qrxsim::FileService &service) { service.jobDir = controller.path() + QStringLiteral("/jobs"); });
+        QTemporaryDir host;
+        const QrxRun run = recordQrx(recorded, {QStringLiteral("download"), QStringLiteral("--root"), host.path()});
+        QVERIFY2(run.exitCode == 0, qPrintable(run.err));
+    }
+    int onFileConnection = 0;
+    for (const RecordedFrame &f : readFile(recorded).frames)
+        onFileConnection += f.onFileConnection() ? 1 : 0;
+    QVERIFY(onFileConnection >= 4);
+
+    QVERIFY(startReplay(recorded));
+    QTemporaryDir host;
+    const QrxRun run = runQrx(m_address, {QStringLiteral("download"), QStringLiteral("--root"), host.path()});
+    QVERIFY2(run.exitCode == 0, qPrintable(run.err + replayErrors()));
+    QFile stored(host.path() + QStringLiteral("/robotJob/R2/DOWN.JBR"));
+    QVERIFY(stored.open(QIODevice::ReadOnly));
+    QCOMPARE(stored.readAll(), job);
 }
 
 // A host that does something else than the recorded one is answered as far
