@@ -13,6 +13,8 @@
 // code), a code the recording never asked (once per code; not answered), a
 // code asked more often than recorded (once per code; its last answer
 // repeats), and, when the host leaves, the recorded requests it never sent.
+// The host's heartbeats (0x7266) are answered as recorded but never count
+// as a departure: how many there are depends on how long the host stays.
 
 #include "link/FrameCodec.h"
 #include "sim/replay/ReplayScript.h"
