@@ -1,8 +1,8 @@
 """Recorded sessions: the C demo recorded with QRX_RECORD reads back frame for
 frame as the simulated controller saw and sent them, tshark decodes the file
 with the dissector, a damaged file gives a clear error with the frames before
-the fault, qrx_record() starts and stops a recording, a full disk does not
-disturb the host, and the plot shows what it must."""
+the fault, qrx_record() starts, switches and stops a recording, a killed host
+keeps all but its last milliseconds, and the plot shows what it must."""
 from __future__ import annotations
 
 import os
@@ -165,22 +165,6 @@ def test_qrx_record_starts_switches_and_stops(sim: Sim, tmp_path: Path) -> None:
     assert [f.json for f in two if f.name == "SetSpeed"][0]["speed"] == 42
     assert "GetCoordinationMode" not in [f.name for f in one + two]
     assert lib.qrx_record(str(tmp_path / "no" / "such" / "folder.pcap").encode()) == -1
-
-
-@pytest.mark.skipif(not os.path.exists("/dev/full"), reason="no /dev/full")
-def test_full_disk_stops_recording_with_one_warning(sim: Sim) -> None:
-    script = ("import qrx_host\n"
-              "with qrx_host.Robot(%r, timeout=5.0) as r:\n"
-              "    for speed in range(20, 40):\n"
-              "        r.jog_speed = speed\n"
-              "        assert r.jog_speed == speed\n"
-              "print('host done')\n" % sim.address)
-    result = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True, timeout=120,
-                            env=dict(os.environ, QRX_RECORD="/dev/full", QT_LOGGING_RULES="qrx.*.debug=false"))
-    assert result.returncode == 0, result.stderr
-    assert "host done" in result.stdout
-    assert result.stderr.count("recording stopped") == 1, result.stderr
-    assert "/dev/full" in result.stderr
 
 
 def test_plot_shows_joints_states_and_the_error(sim: Sim, tmp_path: Path) -> None:
