@@ -14,6 +14,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QPair>
 #include <QString>
 #include <QVector>
 #include <QtGlobal>
@@ -52,6 +53,9 @@ public:
     // by the handshake when this (host, controller) pair is new.
     QByteArray frame(qint64 timeUs, Sender sender, Endpoint host, Endpoint controller, const QByteArray &wire);
 
+    // A connection: the host's and the controller's address and port.
+    using StreamKey = QPair<quint64, quint64>;
+
 private:
     struct Stream
     {
@@ -61,7 +65,7 @@ private:
     QByteArray segment(qint64 timeUs, Sender sender, Endpoint host, Endpoint controller, Stream &stream,
                        quint8 flags, const QByteArray &data);
 
-    QHash<QByteArray, Stream> m_streams; // key: host and controller endpoints
+    QHash<StreamKey, Stream> m_streams;
     quint16 m_ipId = 0;
 };
 

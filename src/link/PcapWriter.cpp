@@ -20,14 +20,6 @@ constexpr quint32 kHostIsn = 1000;
 constexpr quint32 kControllerIsn = 5000;
 
 template <typename T>
-void putBig(QByteArray &out, T value)
-{
-    char bytes[sizeof(T)];
-    qToBigEndian(value, bytes);
-    out.append(bytes, sizeof(T));
-}
-
-template <typename T>
 void putLittle(QByteArray &out, T value)
 {
     char bytes[sizeof(T)];
@@ -35,37 +27,28 @@ void putLittle(QByteArray &out, T value)
     out.append(bytes, sizeof(T));
 }
 
-// The Internet checksum (RFC 1071) over the concatenation of the parts.
-quint16 checksum(std::initializer_list<QByteArray> parts)
+// The one's-complement sum (RFC 1071) of 16-bit big-endian words, added to
+// sum; only the last part summed may have an odd size.
+quint32 addWords(quint32 sum, const char *data, int size)
 {
-    quint32 sum = 0;
-    bool odd = false;
-    quint8 pending = 0;
-    for (const QByteArray &part : parts) {
-        for (const char c : part) {
-            const quint8 byte = quint8(c);
-            if (odd)
-                sum += (quint32(pending) << 8) | byte;
-            else
-                pending = byte;
-            odd = !odd;
-        }
-    }
-    if (odd)
-        sum += quint32(pending) << 8;
+    const auto *p = reinterpret_cast<const uchar *>(data);
+    for (int i = 0; i + 1 < size; i += 2)
+        sum += (quint32(p[i]) << 8) | p[i + 1];
+    if (size % 2)
+        sum += quint32(p[size - 1]) << 8;
+    return sum;
+}
+
+quint16 fold(quint32 sum)
+{
     while (sum >> 16)
         sum = (sum & 0xFFFF) + (sum >> 16);
     return quint16(~sum);
 }
 
-QByteArray streamKey(Endpoint host, Endpoint controller)
+Writer::StreamKey streamKey(Endpoint host, Endpoint controller)
 {
-    QByteArray key;
-    putBig(key, host.ipv4);
-    putBig(key, host.port);
-    putBig(key, controller.ipv4);
-    putBig(key, controller.port);
-    return key;
+    return {(quint64(host.ipv4) << 16) | host.port, (quint64(controller.ipv4) << 16) | controller.port};
 }
 
 } // namespace
@@ -86,7 +69,7 @@ QByteArray Writer::fileHeader()
 QByteArray Writer::frame(qint64 timeUs, Sender sender, Endpoint host, Endpoint controller, const QByteArray &wire)
 {
     QByteArray out;
-    const QByteArray key = streamKey(host, controller);
+    const StreamKey key = streamKey(host, controller);
     auto it = m_streams.find(key);
     if (it == m_streams.end()) {
         it = m_streams.insert(key, Stream{kHostIsn, kControllerIsn});
@@ -107,51 +90,46 @@ QByteArray Writer::segment(qint64 timeUs, Sender sender, Endpoint host, Endpoint
     const Endpoint target = fromHost ? controller : host;
     quint32 &seq = fromHost ? stream.hostSeq : stream.controllerSeq;
     const quint32 ack = (flags & kAck) ? (fromHost ? stream.controllerSeq : stream.hostSeq) : 0;
+    const quint16 length = quint16(kIpHeader + kTcpHeader + data.size());
 
-    QByteArray tcp;
-    putBig(tcp, source.port);
-    putBig(tcp, target.port);
-    putBig(tcp, seq);
-    putBig(tcp, ack);
-    putBig<quint8>(tcp, 5 << 4); // header of five words
-    putBig(tcp, flags);
-    putBig<quint16>(tcp, 0xFFFF); // window
-    putBig<quint16>(tcp, 0);      // checksum, filled in below
-    putBig<quint16>(tcp, 0);      // urgent pointer
-    QByteArray pseudo;
-    putBig(pseudo, source.ipv4);
-    putBig(pseudo, target.ipv4);
-    putBig<quint16>(pseudo, 6);
-    putBig<quint16>(pseudo, quint16(kTcpHeader + data.size()));
-    const quint16 tcpSum = checksum({pseudo, tcp, data});
-    tcp[16] = char(tcpSum >> 8);
-    tcp[17] = char(tcpSum);
-
-    QByteArray ip;
-    putBig<quint8>(ip, 0x45);
-    putBig<quint8>(ip, 0);
-    putBig<quint16>(ip, quint16(kIpHeader + kTcpHeader + data.size()));
-    putBig<quint16>(ip, m_ipId++);
-    putBig<quint16>(ip, 0x4000); // don't fragment
-    putBig<quint8>(ip, 64);      // time to live
-    putBig<quint8>(ip, 6);       // TCP
-    putBig<quint16>(ip, 0);      // checksum, filled in below
-    putBig(ip, source.ipv4);
-    putBig(ip, target.ipv4);
-    const quint16 ipSum = checksum({ip});
-    ip[10] = char(ipSum >> 8);
-    ip[11] = char(ipSum);
+    // The packet record's header, then the IPv4 and TCP headers in place.
+    uchar head[16 + kIpHeader + kTcpHeader] = {};
+    qToLittleEndian(quint32(timeUs / 1000000), head);
+    qToLittleEndian(quint32(timeUs % 1000000), head + 4);
+    qToLittleEndian(quint32(length), head + 8);
+    qToLittleEndian(quint32(length), head + 12);
+    uchar *ip = head + 16;
+    ip[0] = 0x45;
+    qToBigEndian(length, ip + 2);
+    qToBigEndian(m_ipId++, ip + 4);
+    qToBigEndian(quint16(0x4000), ip + 6); // don't fragment
+    ip[8] = 64;                             // time to live
+    ip[9] = 6;                              // TCP
+    qToBigEndian(source.ipv4, ip + 12);
+    qToBigEndian(target.ipv4, ip + 16);
+    qToBigEndian(fold(addWords(0, reinterpret_cast<const char *>(ip), kIpHeader)), ip + 10);
+    uchar *tcp = ip + kIpHeader;
+    qToBigEndian(source.port, tcp);
+    qToBigEndian(target.port, tcp + 2);
+    qToBigEndian(seq, tcp + 4);
+    qToBigEndian(ack, tcp + 8);
+    tcp[12] = 5 << 4; // a header of five words
+    tcp[13] = flags;
+    qToBigEndian(quint16(0xFFFF), tcp + 14); // window
+    // The TCP checksum covers a pseudo header: both addresses, the protocol
+    // and the TCP length.
+    quint32 sum = addWords(0, reinterpret_cast<const char *>(ip + 12), 8) + 6 + quint32(kTcpHeader + data.size());
+    sum = addWords(sum, reinterpret_cast<const char *>(tcp), kTcpHeader);
+    qToBigEndian(fold(addWords(sum, data.constData(), data.size())), tcp + 16);
 
     // SYN counts as one byte of the sequence.
     seq += quint32(data.size()) + ((flags & kSyn) ? 1 : 0);
 
-    const quint32 length = quint32(ip.size() + tcp.size() + data.size());
     QByteArray out;
-    putLittle<quint32>(out, quint32(timeUs / 1000000));
-    putLittle<quint32>(out, quint32(timeUs % 1000000));
-    putLittle(out, length);
-    putLittle(out, length);
-    return out + ip + tcp + data;
+    out.reserve(int(sizeof head) + data.size());
+    out.append(reinterpret_cast<const char *>(head), int(sizeof head));
+    out.append(data);
+    return out;
 }
 
 } // namespace qrx::pcap
