@@ -14,14 +14,11 @@ import argparse
 import sys
 from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple
 
-import matplotlib  # type: ignore[import]
+import matplotlib.pyplot as plt  # type: ignore[import]
+from matplotlib.figure import Figure  # type: ignore[import]
 
-matplotlib.use("Agg")
-import matplotlib.pyplot as plt  # type: ignore[import]  # noqa: E402
-from matplotlib.figure import Figure  # type: ignore[import]  # noqa: E402
-
-from . import recording  # noqa: E402
-from .types import Mode, ServoState  # noqa: E402
+from . import recording
+from .types import Mode, ServoState
 
 POSITION_CODES = (0x2F08, 0x2A03)
 ERROR, WARNING = 0x2B03, 0x2B04
@@ -124,6 +121,7 @@ def main(argv: Optional[Sequence[str]] = None) -> int:
     parser.add_argument("-o", "--output", required=True, help="the picture to write (png, svg, pdf)")
     parser.add_argument("--title", default="", help="the picture's title (default: the file name)")
     args = parser.parse_args(argv)
+    plt.switch_backend("Agg")  # a file, no window
     try:
         frames = recording.read(args.recording)
     except recording.RecordingError as error:
