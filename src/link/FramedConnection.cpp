@@ -1,9 +1,8 @@
 #include "link/FramedConnection.h"
 
-#include "link/SessionRecorder.h"
-
 #include "common/HandOver.h"
 #include "common/Logging.h"
+#include "link/SessionRecorder.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
