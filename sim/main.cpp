@@ -4,6 +4,7 @@
 #include "sim/Describe.h"
 #include "sim/PositionStream.h"
 #include "sim/Simulator.h"
+#include "sim/replay/ReplayMain.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -88,7 +89,12 @@ int main(int argc, char *argv[])
         QStringLiteral("position-reports"),
         QStringLiteral("Send N unasked position reports 0x2F08 a second to every host (default 0: off)."),
         QStringLiteral("N"), QStringLiteral("0"));
-    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption, positionReportsOption});
+    const QCommandLineOption replayOption(
+        QStringLiteral("replay"),
+        QStringLiteral("Play the controller's side of a recording (QRX_RECORD, qrx_record) instead of "
+                       "simulating: answers as recorded, reports departures on standard error."),
+        QStringLiteral("FILE"));
+    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption, positionReportsOption, replayOption});
     qrxsim::addFileOptions(parser);
     parser.process(app);
 
@@ -104,6 +110,10 @@ int main(int argc, char *argv[])
     }
 
     qSetMessagePattern(QStringLiteral("%{message}"));
+    if (parser.isSet(replayOption)) {
+        quitOnSignals(app);
+        return qrxsim::replay::run(parser.value(replayOption), address, quint16(port));
+    }
     qrxsim::Simulator simulator;
     simulator.setVerbose(parser.isSet(verboseOption));
     simulator.recorder().setEnabled(false); // nobody reads it here

@@ -8,7 +8,11 @@
 The shared library is found through QRX_HOST_LIBRARY, a build folder
 (QRX_BUILD_DIR, or the source tree's build/), or where ``cmake --install``
 put it.
+
+qrx_host.recording.read(path) reads a recorded session (QRX_RECORD=PATH);
+python3 -m qrx_host.plot PATH -o out.png draws it.
 """
+from . import recording
 from ._library import load as load_library
 from .robot import Robot
 from .types import (CallTimedOut, ConnectionRefused, Coord, DigitalOut, Instruction, LinkEvent, LinkReason, Mode,

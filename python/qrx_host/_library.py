@@ -81,6 +81,8 @@ _SIGNATURES: Dict[str, Tuple[List[object], object]] = {
     "qrx_last_message": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
     "qrx_wait_move_done": ([_DOUBLE_P, ctypes.c_int, ctypes.c_double, ctypes.c_int], ctypes.c_int),
     "qrx_robot_type": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
+    "qrx_record": ([ctypes.c_char_p], ctypes.c_int),
+    "qrx_code_name": ([ctypes.c_int, ctypes.c_int, ctypes.c_int], ctypes.c_char_p),
     # file transfer
     "upload_job": ([], None),
     "download_job": ([], None),

@@ -584,6 +584,24 @@ QRX_HOST_API int QRX_HOST_CALL qrx_wait_move_done(const double *target, int coor
  * or size 0 copies nothing. Sends nothing; -1 before connect_robot(). */
 QRX_HOST_API int QRX_HOST_CALL qrx_robot_type(char *name, int size);
 
+/* Session recording: from this call on, every frame of the link and of the
+ * file connections, both directions, is written with its time to the pcap
+ * file path (created or truncated; Wireshark and tshark show it with the qrx
+ * dissector). A recording in progress ends first, its frames written; a null
+ * or empty path only ends it. The environment variable QRX_RECORD=PATH
+ * starts the same recording in any host without this call. Frames are
+ * written by a thread of the library every few milliseconds; a file that
+ * cannot be opened (-1) or written (a full disk) ends the recording with one
+ * warning in the category "qrx.record", and the link goes on untouched.
+ * Returns 0 when recording (or stopped), -1 when path cannot be opened. */
+QRX_HOST_API int QRX_HOST_CALL qrx_record(const char *path);
+/* The name of a command code as readers of a recording show it
+ * ("recriveMoreRobotCurPosition" for 0x2F08 from the controller,
+ * "GetCurrentPosition" for 0x2F07 to it), from the library's own catalogue;
+ * file_connection selects the codes of the file connection (port 5000).
+ * A static string, or null for a code the library does not know. */
+QRX_HOST_API const char *QRX_HOST_CALL qrx_code_name(int code, int from_controller, int file_connection);
+
 #ifdef __cplusplus
 } /* extern "C" */
 

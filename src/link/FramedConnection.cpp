@@ -2,6 +2,7 @@
 
 #include "common/HandOver.h"
 #include "common/Logging.h"
+#include "link/SessionRecorder.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -251,7 +252,8 @@ void FramedConnection::onReadyRead()
             break;
         QByteArray bytes;
         bytes.swap(m_unread);
-        m_receiveBuffer.feed(bytes, [this](quint16 command, const QByteArray &payload) {
+        m_receiveBuffer.feed(bytes, [this, &socket](quint16 command, const QByteArray &payload) {
+            recordReceived(*socket, command, payload);
             const State now = state();
             if (now != State::WaitingToConnect && now != State::Closing)
                 emit frameReceived(command, payload);

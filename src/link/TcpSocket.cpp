@@ -1,5 +1,7 @@
 #include "link/TcpSocket.h"
 
+#include "link/SessionRecorder.h"
+
 TcpSocket::TcpSocket(QObject *parent)
     : QTcpSocket(parent)
 {
@@ -7,5 +9,6 @@ TcpSocket::TcpSocket(QObject *parent)
 
 void TcpSocket::write(QByteArray data)
 {
+    qrx::recordSent(*this, data);
     QTcpSocket::write(data);
 }

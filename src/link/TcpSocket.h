@@ -15,5 +15,7 @@ public:
 public Q_SLOTS:
     // Writes the whole array; the result of QIODevice::write is not needed
     // by anyone (a lost frame shows as a missing answer or a time-out).
+    // Every write passes here in the socket's thread, so this is where a
+    // session recording (link/SessionRecorder.h) sees the frames sent.
     void write(QByteArray data);
 };
