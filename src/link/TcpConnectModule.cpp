@@ -36,9 +36,10 @@ bool TcpConnectModule::sendData(quint16 command, QByteArray payload)
     if (isRefused(payload))
         return false;
     const QByteArray frame = qrx::encodeFrame(command, payload);
-    if (frame.isEmpty())
+    if (frame.isEmpty() || !d->writeFrame(frame))
         return false;
-    return d->writeFrame(frame);
+    emit commandSent(command);
+    return true;
 }
 
 bool TcpConnectModule::sendBytes(QByteArray frame)
