@@ -70,7 +70,11 @@ class Transfers:
 
     def upload_jobs(self, root: Optional[PathLike] = None, progress: Optional[ProgressCallback] = None) -> None:
         """Uploads every file of the local job folders (under ``root`` when
-        given, else :attr:`job_root`), oldest first."""
+        given, else :attr:`job_root`), oldest first. A root that is not a
+        folder is a TransferFailed."""
+        folder = root if root is not None else self._job_root
+        if self._open and folder is not None and not Path(folder).is_dir():
+            raise TransferFailed(f"upload_job: no job folder at {os.fspath(folder)}")
         self._transfer("upload_job", lambda: self._lib.upload_job(), root, progress)
 
     def download_jobs(self, root: Optional[PathLike] = None, progress: Optional[ProgressCallback] = None) -> None:
