@@ -36,10 +36,12 @@ bool TcpConnectModule::sendData(quint16 command, QByteArray payload)
     if (isRefused(payload))
         return false;
     const QByteArray frame = qrx::encodeFrame(command, payload);
-    if (frame.isEmpty() || !d->writeFrame(frame))
+    if (frame.isEmpty())
         return false;
+    // Before the write: the answer may be taken on the link thread before
+    // this thread returns from it.
     emit commandSent(command);
-    return true;
+    return d->writeFrame(frame);
 }
 
 bool TcpConnectModule::sendBytes(QByteArray frame)

@@ -73,8 +73,9 @@ public:
     QString ip() const;
 
 Q_SIGNALS:
-    // A frame that sendData() handed to the link, emitted in the sending
-    // thread (the heartbeat, which the link writes itself, is not one).
+    // A frame that sendData() is about to hand to the link, emitted in the
+    // sending thread before the write (the heartbeat, which the link writes
+    // itself, is not one).
     void commandSent(quint16 command);
 
 public Q_SLOTS:
