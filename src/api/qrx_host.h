@@ -475,13 +475,17 @@ QRX_HOST_API void QRX_HOST_CALL download_job(void);
 /* Overrides the job root (UTF-8 path); NULL or "" goes back to the default. */
 QRX_HOST_API void QRX_HOST_CALL qrx_set_job_root(const char *path);
 /* Called in the transferring thread as bytes move: file name (UTF-8, valid
- * during the call), bytes done, bytes of the file. NULL switches it off. */
+ * during the call; a job file as "R<n>/<name>", up or down), bytes done,
+ * bytes of the file. NULL switches it off. */
 typedef void (QRX_HOST_CALL *qrx_transfer_progress)(const char *file, long long done, long long total);
 QRX_HOST_API void QRX_HOST_CALL qrx_set_transfer_progress(qrx_transfer_progress callback);
 /* Outcome of the last transfer call: how many failures ended it (0: all
  * files moved), and its last failure text (UTF-8, copied into text[size],
  * NUL-terminated; the result is the full length, 0 when none). */
 QRX_HOST_API int QRX_HOST_CALL qrx_last_transfer_failed(void);
+/* 1 when the controller itself refused the last transfer call (it answered
+ * a file request or an upload with anything but "yes"), 0 otherwise. */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_transfer_refused(void);
 QRX_HOST_API int QRX_HOST_CALL qrx_last_transfer_error(char *text, int size);
 /* Exports the controller's log files, ENI files or configuration files into
  * folder (created if missing); imports one configuration file (a local

@@ -125,6 +125,13 @@ void TcpUpDownFile::onSocketDisconnected()
 }
 
 // Every failure ends here: its text, an empty 0x5525, the connection closed.
+void TcpUpDownFile::refuse(const QString &text)
+{
+    if (!m_finished)
+        m_refused = true;
+    fail(text);
+}
+
 void TcpUpDownFile::fail(const QString &text)
 {
     if (m_finished)
@@ -261,7 +268,7 @@ void TcpUpDownFile::uploadAnswer(const QByteArray &payload)
     if (textOf(v, "answer") != QLatin1String("yes")) {
         if (m_mode == Upload) {
             s_uploading = false;
-            fail(tr("控制器拒绝上传程序：") + name);
+            refuse(tr("控制器拒绝上传程序：") + name);
         }
         return;
     }

@@ -93,6 +93,8 @@ public:
     bool isFinished() const { return m_finished; }
     int failedCount() const { return m_failed; }
     QString lastFailure() const { return m_lastFailure; }
+    // Whether the controller itself said no (answer other than "yes").
+    bool refusedByController() const { return m_refused; }
     int filesDone() const { return m_filesDone; }
 
 Q_SIGNALS:
@@ -126,6 +128,8 @@ private:
     void sendFrame(quint16 command, const QByteArray &payload);
     void sendJson(quint16 command, const QByteArray &payload) { sendFrame(command, payload); }
     void fail(const QString &text);
+    // A failure because the controller answered no.
+    void refuse(const QString &text);
     void finish();
     void waitUntilFinished();
     void runEventsBriefly();
@@ -180,4 +184,5 @@ private:
     int m_failed = 0;
     int m_filesDone = 0;
     QString m_lastFailure;
+    bool m_refused = false;
 };

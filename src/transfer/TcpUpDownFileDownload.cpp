@@ -16,6 +16,17 @@
 using namespace qrx::transfer;
 namespace code = qrx::protocol::code;
 
+namespace {
+
+// Remote job files are named "job/R<n>/<name>"; progress names a job file
+// as uploads do, "R<n>/<name>" (its place under robotJob).
+QString progressName(bool jobDownload, const QString &requested)
+{
+    return jobDownload ? requested.mid(4) : requested;
+}
+
+} // namespace
+
 // ---- download -----------------------------------------------------------------
 
 void TcpUpDownFile::startDownLoadJobFileFromController()
@@ -172,7 +183,7 @@ void TcpUpDownFile::downloadHeader(const QByteArray &payload)
         return;
     const QString requested = m_downloadList.value(m_downloadIndex);
     if (textOf(v, "answer") != QLatin1String("yes")) {
-        fail(refusalText());
+        refuse(refusalText());
         return;
     }
     const QString name = textOf(v, "name");
@@ -191,7 +202,7 @@ QString TcpUpDownFile::localPathFor(const QString &requested) const
 {
     if (m_mode == JobDownload) {
         // "job/R<n>/<name>" -> "<root>/robotJob/R<n>/<name>"
-        return m_jobRoot + QStringLiteral("/robotJob/") + requested.mid(4);
+        return m_jobRoot + QStringLiteral("/robotJob/") + progressName(true, requested);
     }
     return m_targetFolder + QLatin1Char('/') + QFileInfo(requested).fileName();
 }
@@ -246,7 +257,7 @@ void TcpUpDownFile::fileData(const QByteArray &payload)
         }
         m_received += payload.size();
         if (m_progress)
-            m_progress(requested, m_received, m_expected);
+            m_progress(progressName(m_mode == JobDownload, requested), m_received, m_expected);
         return;
     }
     Json::Value v;
@@ -256,7 +267,7 @@ void TcpUpDownFile::fileData(const QByteArray &payload)
     }
     m_target.reset();
     if (m_progress && m_expected == 0)
-        m_progress(requested, 0, 0);
+        m_progress(progressName(m_mode == JobDownload, requested), 0, 0);
     ++m_filesDone;
     sendJson(code::FileStored, jsonOf({{"name", utf8(requested)}, {"size", Json::Int64(m_received)}}));
     requestNext();
