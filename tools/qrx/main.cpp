@@ -113,14 +113,10 @@ int run(int argc, char **argv)
     if (!g.verbose)
         setenv("QT_LOGGING_RULES", "*.debug=false;*.info=false", 0);
 
-    if (command->needsLink) {
-        if (g.host.empty())
-            fail(ExitUsage, "no controller address: give --host ADDRESS or set QRX_HOST");
-        connectTo(g.host);
-    }
+    // Each command connects once its arguments are checked (goOnline).
+    setHost(g.host);
     command->run(args);
-    if (command->needsLink)
-        disconnectLink();
+    disconnectLink();
     return ExitOk;
 }
 
