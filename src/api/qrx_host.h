@@ -614,6 +614,12 @@ QRX_HOST_API int QRX_HOST_CALL qrx_wait_move_done(const double *target, int coor
  * or size 0 copies nothing. Sends nothing; -1 before connect_robot(). */
 QRX_HOST_API int QRX_HOST_CALL qrx_robot_type(char *name, int size);
 
+/* The operation mode the controller last reported (0 teach, 1 remote, 2
+ * run): it reports it when the link comes up, on each change and in answer
+ * to get_current_mode(). Sends nothing, so it does not wait for the mode
+ * reply's pause; -1 before connect_robot(). */
+QRX_HOST_API int QRX_HOST_CALL qrx_reported_mode(void);
+
 #ifdef __cplusplus
 } /* extern "C" */
 
