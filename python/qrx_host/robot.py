@@ -28,8 +28,9 @@ _SLICE_S = 0.1
 _CONNECT_S = 5.0
 # Room for the controller's text of a refusal (longer texts are shortened).
 _REFUSAL_TEXT = 4096
-# The command code of a job run (run_job, step_job).
+# The command codes of a job run (run_job, step_job) and of a jog step.
 _RUN_JOB = 0x2501
+_JOG_STEP = 0x2901
 # Pause between two looks at the servo state while the drives come up.
 _SERVO_POLL_S = 0.02
 # wait_move_done(timeout=ROBOT_TIMEOUT): the Robot's timeout.
@@ -359,6 +360,11 @@ class Robot(Transfers):
         return self.running_state == 2
 
     def start_jogging(self, axis: int, positive: bool = True) -> None:
+        """Jogs axis until :meth:`stop_jogging`; raises Refused when the
+        controller refuses, or when the drives do not run (the library then
+        sends no jog step)."""
+        if self.servo_state is not ServoState.RUNNING:
+            raise Refused("start_jogging: not sent, the servo is not running", _JOG_STEP, 0, "start_jogging")
         self._command(lambda: self._lib.start_jogging(axis, positive), "start_jogging")
 
     def stop_jogging(self, axis: int) -> None:

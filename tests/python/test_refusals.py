@@ -27,6 +27,7 @@ FAR = (170.0, -80.0, 60.0, 0.0, 90.0, 170.0)
                  id="output port out of range"),
     # Not sent at all: the library itself runs no job while the servo is off.
     pytest.param(lambda r: r.run_job("A"), 0x2501, "run_job: not sent, the servo is off", id="run job"),
+    pytest.param(lambda r: r.start_jogging(1), 0x2901, "start_jogging: not sent, the servo is not running", id="jog"),
 ])
 def test_refused_command_raises_in_its_own_call(robot: qrx_host.Robot, call: Callable[[qrx_host.Robot], Any],
                                                 command: int, text: str) -> None:
@@ -39,10 +40,22 @@ def test_refused_command_raises_in_its_own_call(robot: qrx_host.Robot, call: Cal
     assert robot.position() is not None
 
 
-def test_unknown_job_is_refused_once_the_drives_run(robot: qrx_host.Robot) -> None:
+def _jog_in_remote_mode(robot: qrx_host.Robot) -> None:
+    robot.mode = qrx_host.Mode.REMOTE
+    robot.start_jogging(2, False)
+
+
+# Refused by the controller with the drives running.
+@pytest.mark.parametrize("call, command, text", [
+    pytest.param(lambda r: r.run_job("NOSUCH"), 0x2501, "job not found: NOSUCH", id="unknown job"),
+    pytest.param(_jog_in_remote_mode, 0x2901, "jog refused: not in teach mode", id="jog outside teach mode"),
+])
+def test_refused_once_the_drives_run(robot: qrx_host.Robot, call: Callable[[qrx_host.Robot], Any], command: int,
+                                     text: str) -> None:
     robot.power_on()
-    with pytest.raises(qrx_host.Refused, match="job not found: NOSUCH"):
-        robot.run_job("NOSUCH")
+    with pytest.raises(qrx_host.Refused) as raised:
+        call(robot)
+    assert (str(raised.value), raised.value.command) == (text, command)
 
 
 def test_power_on_returns_with_the_drives_running(robot: qrx_host.Robot) -> None:
