@@ -36,7 +36,8 @@ constexpr int kServoAlarmType = 0x6010;
 struct Refusals
 {
     std::mutex mutex;
-    const Robot *robot = nullptr; // the Robot whose link is watched
+    const Robot *robot = nullptr; // the Robot whose link is watched (compared, never used)
+    const TcpConnectModule *link = nullptr; // its link (compared, never used)
     quint16 lastCommand = 0;      // the last command sent (0: none yet)
     quint16 answered = 0;         // the command the kept refusal answered (0: none)
     int type = 0;                 // its "type" (0 when it had none)
@@ -68,13 +69,13 @@ bool isHostCommand(quint16 command)
     return *ApiCall::currentFunction() != '\0' || command == protocol::code::JogStep;
 }
 
-void onSent(const Robot *robot, quint16 command)
+void onSent(const TcpConnectModule *link, quint16 command)
 {
     if (!isHostCommand(command))
         return;
     Refusals &r = refusals();
     std::lock_guard<std::mutex> lock(r.mutex);
-    if (r.robot == robot)
+    if (link && r.link == link)
         r.lastCommand = command;
 }
 
@@ -104,6 +105,7 @@ void attachRefusals(Robot *robot)
         Refusals &r = refusals();
         std::lock_guard<std::mutex> lock(r.mutex);
         r.robot = robot;
+        r.link = robot->link();
         r.lastCommand = r.answered = 0;
         r.type = 0;
         r.text.clear();
@@ -115,11 +117,13 @@ void attachRefusals(Robot *robot)
         Refusals &r = refusals();
         std::lock_guard<std::mutex> lock(r.mutex);
         r.wired.erase(robot);
+        if (r.robot == robot) {
+            r.robot = nullptr;
+            r.link = nullptr;
+        }
     });
+    TcpConnectModule::setSendObserver(onSent);
     TcpConnectModule *link = robot->link();
-    QObject::connect(
-        link, &TcpConnectModule::commandSent, robot, [robot](quint16 command) { onSent(robot, command); },
-        Qt::DirectConnection);
     QObject::connect(
         link, &LinkNotifications::receivedError, robot, [robot](const QByteArray &payload) { onError(robot, payload); },
         Qt::DirectConnection);

@@ -49,6 +49,11 @@ public:
     // it is the refused payload.
     // Callable from any thread: the write is queued into the link thread.
     bool sendData(quint16 command, QByteArray payload) override;
+    // Called in the sending thread with each frame sendData() is about to
+    // hand to a link, before the write (the heartbeat, which the link writes
+    // itself, is none). One for the process; null (the default): none.
+    using SendObserver = void (*)(const TcpConnectModule *link, quint16 command);
+    static void setSendObserver(SendObserver observer);
     // Writes bytes that are already framed, under the same conditions.
     bool sendBytes(QByteArray frame);
 
@@ -71,12 +76,6 @@ public:
     QDateTime lastReceiveTime() const;
     // The controller's address (the file connection opens port 5000 there).
     QString ip() const;
-
-Q_SIGNALS:
-    // A frame that sendData() is about to hand to the link, emitted in the
-    // sending thread before the write (the heartbeat, which the link writes
-    // itself, is not one).
-    void commandSent(quint16 command);
 
 public Q_SLOTS:
     void setLastPingTime(QDateTime rectime);
