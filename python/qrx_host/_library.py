@@ -92,6 +92,7 @@ _SIGNATURES: Dict[str, Tuple[List[object], object]] = {
     "qrx_set_job_root": ([ctypes.c_char_p], None),
     "qrx_set_transfer_progress": ([_TRANSFER_PROGRESS], None),
     "qrx_last_transfer_failed": ([], ctypes.c_int),
+    "qrx_last_transfer_refused": ([], ctypes.c_int),
     "qrx_last_transfer_error": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
     "qrx_export_logs": ([ctypes.c_char_p], ctypes.c_int),
     "qrx_export_eni": ([ctypes.c_char_p], ctypes.c_int),

@@ -81,11 +81,13 @@ class NotConnected(QrxError):
 
 class TransferFailed(QrxError):
     """A file transfer ended with failures; the message is the library's
-    last failure text (the controller's refusal, a broken connection, ...)."""
+    last failure text (the controller's refusal, a broken connection, ...).
+    ``refused`` is True when the controller itself said no."""
 
-    def __init__(self, message: str, failures: int = 1) -> None:
+    def __init__(self, message: str, failures: int = 1, refused: bool = False) -> None:
         super().__init__(message)
         self.failures = failures
+        self.refused = refused
 
 
 class SpeedUnit(enum.IntEnum):

@@ -146,6 +146,8 @@ def test_failures_raise(tmp_path: Path, without: Any, call: Callable[[qrx_host.R
     assert text in str(raised.value)
     assert raised.value.failures >= 1
     assert isinstance(raised.value, qrx_host.QrxError)
+    # Whether the controller said no, whatever the language of the text.
+    assert raised.value.refused == text.startswith("控制器拒绝")
 
 
 @pytest.mark.parametrize("call", [
