@@ -70,7 +70,11 @@ class Transfers:
 
     def upload_jobs(self, root: Optional[PathLike] = None, progress: Optional[ProgressCallback] = None) -> None:
         """Uploads every file of the local job folders (under ``root`` when
-        given, else :attr:`job_root`), oldest first."""
+        given, else :attr:`job_root`), oldest first. A root that is not a
+        folder is a TransferFailed."""
+        folder = root if root is not None else self._job_root
+        if self._open and folder is not None and not Path(folder).is_dir():
+            raise TransferFailed(f"upload_job: no job folder at {os.fspath(folder)}")
         self._transfer("upload_job", lambda: self._lib.upload_job(), root, progress)
 
     def download_jobs(self, root: Optional[PathLike] = None, progress: Optional[ProgressCallback] = None) -> None:
@@ -120,7 +124,7 @@ class Transfers:
                 try:
                     result = call()
                     outcome.extend([self._lib.qrx_last_transfer_failed(), _last_error(self._lib),
-                                    list(_progress_errors)])
+                                    list(_progress_errors), self._lib.qrx_last_transfer_refused() == 1])
                 finally:
                     self._lib.qrx_set_transfer_progress(_NO_PROGRESS)
                     _progress = None
@@ -129,13 +133,14 @@ class Transfers:
                 return result
 
         result = self._interruptible(locked, name)
-        failures, text, errors = outcome
+        failures, text, errors, refused = outcome
         if errors:
             for extra in errors[1:]:  # type: ignore[index]
                 traceback.print_exception(type(extra), extra, extra.__traceback__)
             raise errors[0]  # type: ignore[index]
         if failures or (isinstance(result, int) and result < 0):
-            raise TransferFailed(f"{name}: {text or 'the transfer failed'}", max(1, int(failures)))  # type: ignore[arg-type]
+            raise TransferFailed(f"{name}: {text or 'the transfer failed'}", max(1, int(failures)),  # type: ignore[arg-type]
+                                 bool(refused))
         return result
 
 

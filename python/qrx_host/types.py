@@ -61,17 +61,33 @@ class CallTimedOut(QrxError, TimeoutError):
     """A waiting call ran out of its bound before the controller answered."""
 
 
+class Refused(QrxError):
+    """The controller refused a command: its error message answered it.
+    ``str()`` is the controller's text; ``command`` is the code of the
+    command it answered, ``code`` the controller's error code ("type", 0 if
+    none) and ``call`` the Robot call that sent the command."""
+
+    def __init__(self, text: str, command: int = 0, code: int = 0, call: str = "") -> None:
+        super().__init__(text)
+        self.text = text
+        self.command = command
+        self.code = code
+        self.call = call
+
+
 class NotConnected(QrxError):
     """The Robot is closed."""
 
 
 class TransferFailed(QrxError):
     """A file transfer ended with failures; the message is the library's
-    last failure text (the controller's refusal, a broken connection, ...)."""
+    last failure text (the controller's refusal, a broken connection, ...).
+    ``refused`` is True when the controller itself said no."""
 
-    def __init__(self, message: str, failures: int = 1) -> None:
+    def __init__(self, message: str, failures: int = 1, refused: bool = False) -> None:
         super().__init__(message)
         self.failures = failures
+        self.refused = refused
 
 
 class SpeedUnit(enum.IntEnum):

@@ -72,9 +72,9 @@ Robot *robotFor(const QString &ip)
 
 } // namespace
 
-extern "C" {
+namespace qrx::api {
 
-int connect_robot(const char *ip)
+int connectPolling(const char *ip, int polls, int pollMs)
 {
     Robot *current = apiRobot();
     if (current && !current->isClosed())
@@ -89,7 +89,7 @@ int connect_robot(const char *ip)
     else
         robot->firstStart();
 
-    for (int poll = 0; poll < kConnectPolls; ++poll) {
+    for (int poll = 0; poll < polls; ++poll) {
         if (robot->connected.load()) {
             QString line;
             QDebug(&line).nospace() << robot;
@@ -97,11 +97,20 @@ int connect_robot(const char *ip)
             robot->send(code::PostConnection, QByteArray());
             return robot->connected.load();
         }
-        pauseWithEvents(g_connectPollMs.load());
+        pauseWithEvents(pollMs);
     }
     robot->close();
     finishApiLink(robot);
     return 0;
+}
+
+} // namespace qrx::api
+
+extern "C" {
+
+int connect_robot(const char *ip)
+{
+    return connectPolling(ip, kConnectPolls, g_connectPollMs.load());
 }
 
 void disconnect_robot(void)

@@ -63,6 +63,14 @@ void attachReplyCounters(Robot *robot);
 // 0. Returns the length of the whole text in bytes.
 int copyText(const std::string &text, char *buffer, int size);
 
+// The steps of connect_robot(), checking the connection polls times,
+// pollMs apart, before it gives up (Connection.cpp).
+int connectPolling(const char *ip, int polls, int pollMs);
+
+// Watches the Robot's link for the controller's refusals of commands
+// (ExtensionsRefusal.cpp); forgets those of the Robot before.
+void attachRefusals(Robot *robot);
+
 // Called once a Robot becomes the API's robot (before its link starts):
 // hooks the reply counters and the connection events to its link.
 void attachExtensions(Robot *robot);

@@ -1,6 +1,5 @@
 // The link as a host sees it through the extensions: connection events
-// (up, dropped, back, with the reason where the link shows it), a
-// connection to another port than the controller's, and the last
+// (up, dropped, back, with the reason where the link shows it) and the last
 // controller message as C text.
 
 #include "api/ApiState.h"
@@ -153,14 +152,13 @@ void attachLinkEvents(Robot *robot)
     qrx::takeOver(&handed);
 }
 
-std::mutex g_connectMutex;
-
 } // namespace
 
 void attachExtensions(Robot *robot)
 {
     attachReplyCounters(robot);
     attachLinkEvents(robot);
+    attachRefusals(robot);
 }
 
 int copyText(const std::string &text, char *buffer, int size)
@@ -188,18 +186,6 @@ void qrx_set_link_event_handler(qrx_link_event_handler handler, void *user)
 {
     std::lock_guard<std::recursive_mutex> lock(g_handlerMutex);
     g_handler = EventHandler{handler, user};
-}
-
-int qrx_connect_robot_port(const char *ip, int port)
-{
-    if (port < 1 || port > 65535)
-        return 0;
-    std::lock_guard<std::mutex> lock(g_connectMutex);
-    const quint16 usual = Robot::linkPort();
-    Robot::setLinkPort(quint16(port));
-    const int result = connect_robot(ip);
-    Robot::setLinkPort(usual);
-    return result;
 }
 
 int qrx_last_message(char *buffer, int size)

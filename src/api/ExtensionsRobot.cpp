@@ -1,6 +1,6 @@
-// The robot model as the host sees it: what the controller reported with
-// 0x2E03 when the link came up, read from the library's state (nothing is
-// sent).
+// What the controller reported by itself, read from the library's state
+// (nothing is sent): the robot model (0x2E03 when the link came up) and the
+// operation mode (0x2103).
 
 #include "api/ApiState.h"
 #include "api/Extensions.h"
@@ -15,6 +15,12 @@ int qrx_robot_type(char *name, int size)
     const int type = robot->robotType;
     qrx::api::copyText(qrx::robotTypeName(type).toStdString(), name, size);
     return type;
+}
+
+int qrx_reported_mode(void)
+{
+    QRX_ROBOT_OR_RETURN(robot, -1);
+    return robot->operationMode;
 }
 
 } // extern "C"

@@ -24,6 +24,7 @@ namespace {
 
 std::mutex outcomeMutex;
 int lastFailed = 0;
+bool lastRefused = false;
 QByteArray lastFailureText;
 std::atomic<qrx_transfer_progress> progressCallback{nullptr};
 std::atomic<int> pauseMs{TcpUpDownFile::kPauseMs};
@@ -56,6 +57,7 @@ int transfer(Robot *robot, Run &&run)
     run(file);
     std::lock_guard<std::mutex> lock(outcomeMutex);
     lastFailed = file.failedCount();
+    lastRefused = file.refusedByController();
     lastFailureText = file.lastFailure().toUtf8();
     return file.failedCount() ? -1 : file.filesDone();
 }
@@ -116,6 +118,12 @@ int qrx_last_transfer_failed(void)
 {
     std::lock_guard<std::mutex> lock(outcomeMutex);
     return lastFailed;
+}
+
+int qrx_last_transfer_refused(void)
+{
+    std::lock_guard<std::mutex> lock(outcomeMutex);
+    return lastRefused ? 1 : 0;
 }
 
 int qrx_last_transfer_error(char *text, int size)

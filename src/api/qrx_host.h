@@ -475,13 +475,17 @@ QRX_HOST_API void QRX_HOST_CALL download_job(void);
 /* Overrides the job root (UTF-8 path); NULL or "" goes back to the default. */
 QRX_HOST_API void QRX_HOST_CALL qrx_set_job_root(const char *path);
 /* Called in the transferring thread as bytes move: file name (UTF-8, valid
- * during the call), bytes done, bytes of the file. NULL switches it off. */
+ * during the call; a job file as "R<n>/<name>", up or down), bytes done,
+ * bytes of the file. NULL switches it off. */
 typedef void (QRX_HOST_CALL *qrx_transfer_progress)(const char *file, long long done, long long total);
 QRX_HOST_API void QRX_HOST_CALL qrx_set_transfer_progress(qrx_transfer_progress callback);
 /* Outcome of the last transfer call: how many failures ended it (0: all
  * files moved), and its last failure text (UTF-8, copied into text[size],
  * NUL-terminated; the result is the full length, 0 when none). */
 QRX_HOST_API int QRX_HOST_CALL qrx_last_transfer_failed(void);
+/* 1 when the controller itself refused the last transfer call (it answered
+ * a file request or an upload with anything but "yes"), 0 otherwise. */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_transfer_refused(void);
 QRX_HOST_API int QRX_HOST_CALL qrx_last_transfer_error(char *text, int size);
 /* Exports the controller's log files, ENI files or configuration files into
  * folder (created if missing); imports one configuration file (a local
@@ -562,6 +566,12 @@ QRX_HOST_API void QRX_HOST_CALL qrx_set_link_event_handler(qrx_link_event_handle
 /* connect_robot() to another port than 6001 (simulators, port forwarding):
  * the same steps and result. 0 at once for a port outside 1..65535. */
 QRX_HOST_API int QRX_HOST_CALL qrx_connect_robot_port(const char *ip, int port);
+/* connect_robot() to ip:port that returns as soon as the link is up: the
+ * same steps, with the connection checked every 5 ms for at most timeout_ms
+ * (instead of five checks a second apart); then the link is closed and the
+ * result is 0, as from connect_robot(). 0 at once for a port outside
+ * 1..65535 or a timeout_ms below 1. */
+QRX_HOST_API int QRX_HOST_CALL qrx_connect_robot_within(const char *ip, int port, int timeout_ms);
 
 /* Copies the last error, warning or information text of the controller
  * (UTF-8; "error" without a link, like show_log()) into buffer, at most
@@ -569,6 +579,35 @@ QRX_HOST_API int QRX_HOST_CALL qrx_connect_robot_port(const char *ip, int port);
  * the whole text in bytes (more than size-1: it was shortened). A null buffer
  * or size 0 copies nothing. */
 QRX_HOST_API int QRX_HOST_CALL qrx_last_message(char *buffer, int size);
+
+/* Refusals. The controller refuses a command with an error message (0x2B03
+ * {"data": text, "type": code}) and carries nothing of it out; the error
+ * callback hears it like any error. An error of type 0x6010 (a robot's servo
+ * alarm) answers no command. A query (a request answered by a reply of its
+ * own: 0x2F07 by 0x2F08, 0x3D02 by 0x3D03, ...) is never refused; every other
+ * request the host sends (through the functions above, jog steps included;
+ * not what the library sends by itself) is a command. The controller takes frames in order, so an error
+ * answers the last command the host sent before it arrived; an error before
+ * the link's first command answers nothing. The library keeps the first
+ * refusal after connect_robot() or qrx_clear_refusal(), until the next of
+ * them. Process-wide, like the link. */
+
+/* The code of the command the kept refusal answered (0x4501, 0x2501, ...),
+ * 0 when none is kept. Copies its "data" text (UTF-8) into text like
+ * qrx_last_message() copies ("" when none); null or size 0 copies nothing. */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_refusal(char *text, int size);
+/* The "type" of the kept refusal (the controller's error code), 0 when none
+ * is kept or the message had none. */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_refusal_type(void);
+/* Forgets the kept refusal: the next one is kept. */
+QRX_HOST_API void QRX_HOST_CALL qrx_clear_refusal(void);
+/* Waits until the controller has taken everything sent before: sends the
+ * running-state query (0x3D02) and waits for its own reply (0x3D03), within
+ * the bound of qrx_set_wait_timeout(). Returns what qrx_last_refusal()
+ * returns then (0: nothing refused), or -1 when the bound ran out, the link
+ * is down or there is none (qrx_last_call_timed_out() is then 1, except
+ * without a link). */
+QRX_HOST_API int QRX_HOST_CALL qrx_confirm(void);
 
 /* Move completion: queries the position in coord (0x2F07) every 50 ms until
  * every axis of target[6] is within tolerance, or, with a null target,
@@ -601,6 +640,12 @@ QRX_HOST_API int QRX_HOST_CALL qrx_record(const char *path);
  * file_connection selects the codes of the file connection (port 5000).
  * A static string, or null for a code the library does not know. */
 QRX_HOST_API const char *QRX_HOST_CALL qrx_code_name(int code, int from_controller, int file_connection);
+
+/* The operation mode the controller last reported (0 teach, 1 remote, 2
+ * run): it reports it when the link comes up, on each change and in answer
+ * to get_current_mode(). Sends nothing, so it does not wait for the mode
+ * reply's pause; -1 before connect_robot(). */
+QRX_HOST_API int QRX_HOST_CALL qrx_reported_mode(void);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -1,8 +1,10 @@
 // qrx_host for C++ hosts: a header-only layer over the C functions of
 // qrx_host.h. Failures are exceptions: a refused connection throws
 // qrx::ConnectionRefused, a waiting call whose bound ran out throws
-// qrx::TimedOut. Results are values (std::array for axes and ports, enums
-// for servo state, mode and coordinate system).
+// qrx::TimedOut, a command the controller refuses throws qrx::Refused with
+// the controller's text (each command returns once the controller has taken
+// it). Results are values (std::array for axes and ports, enums for servo
+// state, mode and coordinate system).
 //
 //   qrx::Connection robot("192.168.1.13", std::chrono::seconds(2));
 //   robot.setMode(qrx::Mode::Teach);
@@ -17,6 +19,7 @@
 
 #include <array>
 #include <chrono>
+#include <cstring>
 #include <functional>
 #include <mutex>
 #include <stdexcept>
@@ -60,6 +63,24 @@ public:
     using Error::Error;
 };
 
+// The controller refused a command: what() is the controller's text,
+// command() the code of the command it answered, code() the controller's
+// error code (0 when it gave none).
+class Refused : public Error
+{
+public:
+    Refused(const std::string &text, int command, int code)
+        : Error(text), m_command(command), m_code(code)
+    {
+    }
+    int command() const { return m_command; }
+    int code() const { return m_code; }
+
+private:
+    int m_command;
+    int m_code;
+};
+
 // Called with each connection event on a library thread (see
 // qrx_set_link_event_handler); it must not call waiting functions.
 using LinkEventHandler = std::function<void(LinkEvent, LinkReason)>;
@@ -67,12 +88,14 @@ using LinkEventHandler = std::function<void(LinkEvent, LinkReason)>;
 class Connection
 {
 public:
-    // Connects (about five seconds at most) or throws ConnectionRefused.
-    // bound limits every waiting call (zero: no bound).
+    // Connects as soon as the controller answers, within bound (about five
+    // seconds without one), or throws ConnectionRefused. bound limits every
+    // waiting call too (zero: no bound).
     explicit Connection(const std::string &ip, std::chrono::milliseconds bound = {}, int port = 6001)
     {
         setTimeout(bound);
-        if (qrx_connect_robot_port(ip.c_str(), port) != 1)
+        const int ms = bound.count() > 0 ? int(bound.count()) : 5000;
+        if (qrx_connect_robot_within(ip.c_str(), port, ms) != 1)
             throw ConnectionRefused("no controller answered at " + ip + ":" + std::to_string(port));
     }
     ~Connection()
@@ -112,28 +135,28 @@ public:
     // switching on). A report the controller sent before it saw the command
     // can answer it too, so wait for servoState() == Running to know the
     // drives are up.
-    bool powerOn() { return checked(servo_power_on(), "servo_power_on") == 1; }
+    bool powerOn() { return waiting(&servo_power_on, "servo_power_on") == 1; }
     void powerOff()
     {
-        servo_power_off();
-        checked(0, "servo_power_off");
+        waiting([] { servo_power_off(); return 0; }, "servo_power_off");
     }
-    void setMode(Mode mode) { set_current_mode(int(mode)); }
-    Mode mode() { return Mode(checked(get_current_mode(), "get_current_mode")); }
-    void setCoord(Coord coord) { set_current_coord(int(coord)); }
-    Coord coord() { return Coord(checked(get_current_coord(), "get_current_coord")); }
-    void setSpeed(int percent) { set_jogging_speed(percent); }
-    int speed() { return checked(get_jogging_speed(), "get_jogging_speed"); }
-    int runningState() { return checked(get_robot_running_state(), "get_robot_running_state"); }
+    void setMode(Mode mode) { command([mode] { set_current_mode(int(mode)); }, "set_current_mode"); }
+    Mode mode() { return Mode(waiting(&get_current_mode, "get_current_mode")); }
+    void setCoord(Coord coord) { command([coord] { set_current_coord(int(coord)); }, "set_current_coord"); }
+    Coord coord() { return Coord(waiting(&get_current_coord, "get_current_coord")); }
+    void setSpeed(int percent) { command([percent] { set_jogging_speed(percent); }, "set_jogging_speed"); }
+    int speed() { return waiting(&get_jogging_speed, "get_jogging_speed"); }
+    int runningState() { return waiting(&get_robot_running_state, "get_robot_running_state"); }
 
     // ---- motion ------------------------------------------------------------
+    // Return once the controller has taken the move, not when it ends.
     void movj(Axes target, int vel, Coord coord, int acc, int dec)
     {
-        robot_movj(target.data(), vel, int(coord), acc, dec);
+        command([&] { robot_movj(target.data(), vel, int(coord), acc, dec); }, "robot_movj");
     }
     void movl(Axes target, int vel, Coord coord, int acc, int dec)
     {
-        robot_movl(target.data(), vel, int(coord), acc, dec);
+        command([&] { robot_movl(target.data(), vel, int(coord), acc, dec); }, "robot_movl");
     }
     // Waits until every axis is within tolerance of target; throws TimedOut
     // when bound (zero: none) runs out first.
@@ -146,41 +169,74 @@ public:
     // ---- IO, positions, variables ------------------------------------------
     Axes position(Coord coord)
     {
-        Axes pos{};
-        get_current_position(pos.data(), int(coord));
-        return checked(pos, "get_current_position");
+        return waiting([coord] {
+            Axes pos{};
+            get_current_position(pos.data(), int(coord));
+            return pos;
+        }, "get_current_position");
     }
     Ports dout() { return ports(&get_dout, "get_dout"); }
     Ports din() { return ports(&get_din, "get_din"); }
     Ports aout() { return ports(&get_aout, "get_aout"); }
     Ports ain() { return ports(&get_ain, "get_ain"); }
-    void setDout(int port, bool on) { set_dout(port, on ? 1 : 0); }
-    void setAout(int port, double value) { set_aout(port, value); }
+    void setDout(int port, bool on) { command([=] { set_dout(port, on ? 1 : 0); }, "set_dout"); }
+    void setAout(int port, double value) { command([=] { set_aout(port, value); }, "set_aout"); }
     double globalVariable(const std::string &name)
     {
-        return checked(get_global_variant(name.c_str()), "get_global_variant");
+        return waiting([&name] { return get_global_variant(name.c_str()); }, "get_global_variant");
     }
-    void setGlobalVariable(const std::string &name, double value) { set_global_variant(name.c_str(), value); }
+    void setGlobalVariable(const std::string &name, double value)
+    {
+        command([&] { set_global_variant(name.c_str(), value); }, "set_global_variant");
+    }
 
     // ---- jobs and tools ----------------------------------------------------
-    void runJob(const std::string &name) { run_job(name.c_str()); }
-    void stopJob() { stop_job(); }
-    int tool() { return checked(get_current_tool_hand(), "get_current_tool_hand"); }
-    void switchTool(int tool) { switch_tool_hand(tool); }
+    void runJob(const std::string &name) { command([&name] { run_job(name.c_str()); }, "run_job"); }
+    void stopJob() { command(&stop_job, "stop_job"); }
+    int tool() { return waiting(&get_current_tool_hand, "get_current_tool_hand"); }
+    void switchTool(int tool) { command([tool] { switch_tool_hand(tool); }, "switch_tool_hand"); }
 
 private:
-    template <class T>
-    static T checked(T value, const char *call)
+    // A waiting call: throws Refused when the controller refused it,
+    // TimedOut when its bound ran out.
+    template <class Call>
+    static auto waiting(Call call, const char *name) -> decltype(call())
     {
-        if (qrx_last_call_timed_out())
-            throw TimedOut(std::string(call) + ": no reply within the bound");
+        qrx_clear_refusal();
+        auto value = call();
+        const bool timedOut = qrx_last_call_timed_out() != 0;
+        throwIfRefused();
+        if (timedOut)
+            throw TimedOut(std::string(name) + ": no reply within the bound");
         return value;
+    }
+    // A command: returns once the controller has taken it (qrx_confirm).
+    template <class Call>
+    static void command(Call call, const char *name)
+    {
+        qrx_clear_refusal();
+        call();
+        const int confirmed = qrx_confirm();
+        throwIfRefused();
+        if (confirmed < 0)
+            throw TimedOut(std::string(name) + ": the controller did not confirm within the bound");
+    }
+    static void throwIfRefused()
+    {
+        std::string text(1024, '\0');
+        const int answered = qrx_last_refusal(&text[0], int(text.size()));
+        if (answered != 0) {
+            text.resize(std::strlen(text.c_str()));
+            throw Refused(text, answered, qrx_last_refusal_type());
+        }
     }
     static Ports ports(void (*read)(double *), const char *call)
     {
-        Ports out{};
-        read(out.data());
-        return checked(out, call);
+        return waiting([read] {
+            Ports out{};
+            read(out.data());
+            return out;
+        }, call);
     }
 
     static std::mutex &handlerMutex()

@@ -4,6 +4,14 @@
 #include "link/FrameCodec.h"
 #include "link/TcpConnectModulePrivate.h"
 
+#include <atomic>
+
+namespace {
+
+std::atomic<TcpConnectModule::SendObserver> s_sendObserver{nullptr};
+
+} // namespace
+
 TcpConnectModule::TcpConnectModule(QString ip, quint16 port, int timeBase, QObject *parent)
     : LinkSenders(parent)
     , d(new TcpConnectModulePrivate(ip, port, timeBase))
@@ -38,7 +46,16 @@ bool TcpConnectModule::sendData(quint16 command, QByteArray payload)
     const QByteArray frame = qrx::encodeFrame(command, payload);
     if (frame.isEmpty())
         return false;
+    // Before the write: the answer may be taken on the link thread before
+    // this thread returns from it.
+    if (const SendObserver observer = s_sendObserver.load())
+        observer(this, command);
     return d->writeFrame(frame);
+}
+
+void TcpConnectModule::setSendObserver(SendObserver observer)
+{
+    s_sendObserver.store(observer);
 }
 
 bool TcpConnectModule::sendBytes(QByteArray frame)

@@ -49,6 +49,11 @@ public:
     // it is the refused payload.
     // Callable from any thread: the write is queued into the link thread.
     bool sendData(quint16 command, QByteArray payload) override;
+    // Called in the sending thread with each frame sendData() is about to
+    // hand to a link, before the write (the heartbeat, which the link writes
+    // itself, is none). One for the process; null (the default): none.
+    using SendObserver = void (*)(const TcpConnectModule *link, quint16 command);
+    static void setSendObserver(SendObserver observer);
     // Writes bytes that are already framed, under the same conditions.
     bool sendBytes(QByteArray frame);
 

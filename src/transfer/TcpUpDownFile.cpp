@@ -117,6 +117,14 @@ void TcpUpDownFile::setState(State state)
         m_waitLoop->quit();
 }
 
+// A failure because the controller answered no.
+void TcpUpDownFile::refuse(const QString &text)
+{
+    if (m_state != State::Done && m_state != State::Failed)
+        m_refused = true;
+    fail(text);
+}
+
 // Every failure ends here: its text, an empty 0x5525, the connection closed.
 void TcpUpDownFile::fail(const QString &text)
 {
@@ -235,7 +243,7 @@ void TcpUpDownFile::uploadAnswer(const QByteArray &payload)
     if (!qrx::parsePayload(payload, v))
         return;
     if (textOf(v, "answer") != QLatin1String("yes")) {
-        fail(tr("控制器拒绝上传程序：") + m_name);
+        refuse(tr("控制器拒绝上传程序：") + m_name);
         return;
     }
     sendWholeFile(m_name);

@@ -113,6 +113,8 @@ public:
     State state() const { return m_state; }
     int failedCount() const { return m_state == State::Failed ? 1 : 0; }
     QString lastFailure() const { return m_lastFailure; }
+    // Whether the controller itself said no (answer other than "yes").
+    bool refusedByController() const { return m_refused; }
     int filesDone() const { return m_filesDone; }
 
 public Q_SLOTS:
@@ -131,6 +133,9 @@ private:
     void sendMain(quint16 command, const QByteArray &payload);
     void setState(State state);
     void fail(const QString &text);
+    // A failure because the controller answered no.
+    void refuse(const QString &text);
+    QString progressName() const;
     void finish();
     void waitWhile(State busy1, State busy2 = State::Idle, State busy3 = State::Idle);
     void waitUntilEnded();
@@ -181,4 +186,5 @@ private:
     int m_downloadIndex = -1;
     int m_filesDone = 0;
     QString m_lastFailure;
+    bool m_refused = false;
 };

@@ -184,7 +184,7 @@ void TcpUpDownFile::downloadHeader(const QByteArray &payload)
     if (!qrx::parsePayload(payload, v))
         return;
     if (textOf(v, "answer") != QLatin1String("yes")) {
-        fail(refusalText());
+        refuse(refusalText());
         return;
     }
     const QString name = textOf(v, "name");
@@ -226,11 +226,18 @@ void TcpUpDownFile::fileBegins(const QByteArray &payload)
     }
 }
 
+// Remote job files are named "job/R<n>/<name>"; progress names a job file
+// as uploads do, "R<n>/<name>" (its place under robotJob).
+QString TcpUpDownFile::progressName() const
+{
+    return m_mode == JobDownload ? m_name.mid(4) : m_name;
+}
+
 // Creates the file being downloaded beside its place (QSaveFile); false,
 // after the failure, when its folder or the file cannot be made.
 bool TcpUpDownFile::openTarget()
 {
-    const QString path = m_mode == JobDownload ? m_jobRoot + QStringLiteral("/robotJob/") + m_name.mid(4)
+    const QString path = m_mode == JobDownload ? m_jobRoot + QStringLiteral("/robotJob/") + progressName()
                                                : m_targetFolder + QLatin1Char('/') + QFileInfo(m_name).fileName();
     const QString base = QFileInfo(m_name).fileName();
     if (!QDir().mkpath(QFileInfo(path).absolutePath())) {
@@ -269,7 +276,7 @@ void TcpUpDownFile::fileData(const QByteArray &payload)
         }
         m_received += payload.size();
         if (m_progress)
-            m_progress(m_name, m_received, m_expected);
+            m_progress(progressName(), m_received, m_expected);
         return;
     }
     Json::Value v;
@@ -279,7 +286,7 @@ void TcpUpDownFile::fileData(const QByteArray &payload)
     }
     m_target.reset();
     if (m_progress && m_expected == 0)
-        m_progress(m_name, 0, 0);
+        m_progress(progressName(), 0, 0);
     ++m_filesDone;
     sendFrame(code::FileStored, jsonOf({{"name", utf8(m_name)}, {"size", Json::Int64(m_received)}}));
     requestNext();

@@ -61,6 +61,7 @@ private slots:
     void disconnectSendsFarewellOnce();
     void reconnectBuildsFreshRobot();
     void connectWhereNothingListens();
+    void connectWithinABound();
     void cleanupTestCase();
 
 private:
@@ -254,6 +255,30 @@ void TestConnectionApi::connectWhereNothingListens()
     QCOMPARE(connect_robot(ipText().constData()), 1);
     QVERIFY(qrx::api::apiRobot());
     QVERIFY(!failed);
+}
+
+// The extension takes the same steps as connect_robot(), within the bound.
+void TestConnectionApi::connectWithinABound()
+{
+    QCOMPARE(qrx_connect_robot_within(ipText().constData(), 6001, 5000), 0); // already connected
+    disconnect_robot();
+    QTRY_COMPARE_WITH_TIMEOUT(m_sim->clientCount(), 0, 10000);
+    QCOMPARE(qrx_connect_robot_within(ipText().constData(), 6001, 0), 0); // no bound: no attempt
+    QVERIFY(qrx::api::apiRobot()->isClosed());
+
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(qrx_connect_robot_within(kSilentAddress, 6001, 300), 0);
+    // The 300 ms bound, not the five pauses of 1000 ms (generous for a
+    // loaded machine).
+    QVERIFY2(clock.elapsed() < 3000, qPrintable(QString::number(clock.elapsed())));
+    QVERIFY(qrx::api::apiRobot()->isClosed());
+
+    m_sim->clearReceived();
+    QCOMPARE(qrx_connect_robot_within(ipText().constData(), 6001, 10000), 1);
+    QCOMPARE(connection_status(), 1);
+    QVERIFY(m_sim->waitForFrame(0x5052));
+    QCOMPARE(m_sim->received(0x5052).size(), 1);
 }
 
 void TestConnectionApi::cleanupTestCase()

@@ -166,6 +166,7 @@ void TestLinkEvents::portOutOfRangeConnectsNothing()
     QElapsedTimer clock;
     clock.start();
     QCOMPARE(qrx_connect_robot_port(m_address.toLatin1().constData(), port), 0);
+    QCOMPARE(qrx_connect_robot_within(m_address.toLatin1().constData(), port, 5000), 0);
     QVERIFY(clock.elapsed() < 1000); // refused before any attempt
     QVERIFY(!qrx::api::apiRobot());
     QCOMPARE(m_sim->clientCount(), 0);

@@ -3,10 +3,13 @@
 #include <QProcessEnvironment>
 #include <QRegularExpression>
 
-void startQrx(QProcess &process, const QString &host, const QStringList &args)
+void startQrx(QProcess &process, const QString &host, const QStringList &args, const QString &language)
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("QRX_HOST"), host);
+    env.remove(QStringLiteral("QRX_LANG"));
+    if (!language.isEmpty())
+        env.insert(QStringLiteral("QRX_LANG"), language);
     env.remove(QStringLiteral("QT_LOGGING_RULES"));
     // qrx is a terminal program: it runs without the test's offscreen platform.
     env.remove(QStringLiteral("QT_QPA_PLATFORM"));
@@ -16,10 +19,10 @@ void startQrx(QProcess &process, const QString &host, const QStringList &args)
     process.start();
 }
 
-QrxRun runQrx(const QString &host, const QStringList &args)
+QrxRun runQrx(const QString &host, const QStringList &args, const QString &language)
 {
     QProcess process;
-    startQrx(process, host, args);
+    startQrx(process, host, args, language);
     QrxRun run;
     run.finished = process.waitForFinished(60000);
     if (!run.finished)

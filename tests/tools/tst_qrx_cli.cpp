@@ -226,6 +226,8 @@ void TestQrxCli::failures_data()
     QTest::newRow("not a number") << QStringList{"move", "joint", "1", "2", "x", "4", "5", "6"} << false << 2
                                   << "not a number: \"x\"";
     QTest::newRow("variable name") << QStringList{"var", "get", "X1"} << false << 2 << "GI, GD or GB";
+    QTest::newRow("variable kind") << QStringList{"var", "get", "GX001"} << false << 2 << "GI, GD or GB";
+    QTest::newRow("variable number") << QStringList{"var", "set", "GI0A1", "3"} << false << 2 << "three digits";
     QTest::newRow("jog with the servo off") << QStringList{"jog", "1", "+", "--for", "0.2"} << false << 4
                                             << "the servo is not running";
     QTest::newRow("move with the servo off") << QStringList{"move", "joint", "1", "2", "3", "4", "5", "6"} << false
@@ -253,6 +255,15 @@ void TestQrxCli::failures()
     // A refusal on the host's side sends no command.
     if (exitCode == 2 || message.contains("servo is"))
         QVERIFY(m_sim->received(0x2501).isEmpty() && m_sim->received(0x2901).isEmpty());
+    // A refused move ends when the controller refuses: no wait for arrival.
+    if (args.first() == "move")
+        QVERIFY(m_sim->received(0x2F07).isEmpty());
+    // The same status in English: it never depends on the texts.
+    QCOMPARE(runQrx(m_sim->address(), args, "en").exitCode, exitCode);
+    // A bad command line is seen before connecting: no controller needed
+    // (".invalid" names no host).
+    if (exitCode == 2)
+        QCOMPARE(runQrx("qrx-test.invalid", args).exitCode, 2);
 }
 
 void TestQrxCli::moveArrives()

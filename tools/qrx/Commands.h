@@ -19,7 +19,6 @@ struct Command
     const char *details;  // the rest of "qrx NAME --help"
     std::set<std::string> valueOptions;
     std::set<std::string> flags;
-    bool needsLink;
     std::function<void(const Args &)> run;
 };
 

@@ -85,7 +85,10 @@ std::vector<double> toVector(const double *values, std::size_t count)
 
 Report statusReport()
 {
-    const int mode = readMode();
+    // The mode the controller reported (on link-up and on each change):
+    // querying it would cost the mode reply's 200 ms pause.
+    settle();
+    const int mode = qrx_reported_mode();
     const int coord = readCoord();
     const int speed = readSpeed();
     const int tool = readTool();

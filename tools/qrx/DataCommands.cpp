@@ -6,6 +6,7 @@
 #include "Link.h"
 #include "qrx_host.h"
 
+#include <algorithm>
 #include <array>
 
 namespace qrxcli {
@@ -54,6 +55,7 @@ void runIo(const Args &args)
     if (verb == "get") {
         args.expect(2, 2, synopsis);
         const IoKind &kind = ioKind(args.word(1, "the IO kind"));
+        goOnline();
         print(Report().numbers(kind.name, readIo(kind)));
         return;
     }
@@ -69,9 +71,11 @@ void runIo(const Args &args)
         const long status = Args::toInteger(args.word(3, "VALUE"), "VALUE");
         if (status != 0 && status != 1)
             fail(ExitUsage, "a digital output is 0 or 1");
+        goOnline();
         sendChecked([port, status] { set_dout(int(port), int(status)); });
     } else if (name == "aout") {
         const double value = Args::toNumber(args.word(3, "VALUE"), "VALUE");
+        goOnline();
         sendChecked([port, value] { set_aout(int(port), value); });
     } else {
         fail(ExitUsage, "only dout and aout can be set");
@@ -87,15 +91,17 @@ void runVar(const Args &args)
         fail(ExitUsage, std::string("usage: qrx ") + synopsis);
     args.expect(verb == "get" ? 2 : 3, verb == "get" ? 2 : 3, synopsis);
     const std::string name = args.word(1, "NAME");
-    if (name.size() != 5 || (name.compare(0, 2, "GI") != 0 && name.compare(0, 2, "GD") != 0 &&
-                             name.compare(0, 2, "GB") != 0))
+    const bool digits = name.size() == 5 && std::all_of(name.begin() + 2, name.end(), [](char c) {
+                            return c >= '0' && c <= '9';
+                        });
+    if (!digits || (name.compare(0, 2, "GI") != 0 && name.compare(0, 2, "GD") != 0 && name.compare(0, 2, "GB") != 0))
         fail(ExitUsage, "NAME is GI, GD or GB and three digits, e.g. GI001");
-    if (verb == "set") {
-        const double value = Args::toNumber(args.word(2, "VALUE"), "VALUE");
+    const double value = verb == "set" ? Args::toNumber(args.word(2, "VALUE"), "VALUE") : 0.0;
+    goOnline();
+    if (verb == "set")
         sendChecked([name, value] { set_global_variant(name.c_str(), value); });
-    }
-    const double value = answered<double>("the variable " + name, [name] { return get_global_variant(name.c_str()); });
-    print(Report().text("name", name).number("value", value));
+    const double read = answered<double>("the variable " + name, [name] { return get_global_variant(name.c_str()); });
+    print(Report().text("name", name).number("value", read));
 }
 
 void runPos(const Args &args)
@@ -112,11 +118,13 @@ void runPos(const Args &args)
         }
         const int coord = int(choice(args.option("coord", "joint"), coordNames(), "--coord"));
         const std::string name = args.word(1, "NAME");
+        goOnline();
         sendChecked([name, coord, robotAxes, syncAxes]() mutable {
             set_GPosition(name.c_str(), coord, robotAxes.data(), syncAxes.data());
         });
     } else if (verb == "get") {
         args.expect(2, 2, synopsis);
+        goOnline();
     } else {
         fail(ExitUsage, std::string("usage: qrx ") + synopsis);
     }

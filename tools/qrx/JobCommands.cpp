@@ -37,6 +37,7 @@ void runJob(const Args &args)
     if (named) {
         args.expect(2, 2, kSynopsis);
         const std::string name = args.word(1, "NAME");
+        goOnline();
         if (verb == "open") {
             if (readRunning() == kJobRunning)
                 fail(ExitRefused, "refused: a job is running");
@@ -52,26 +53,30 @@ void runJob(const Args &args)
         args.expect(3, 3, kSynopsis);
         const std::string name = args.word(1, "NAME");
         const long line = Args::toInteger(args.word(2, "LINE"), "LINE");
+        goOnline();
         requireRunnable();
         sendChecked([name, line] { step_job(name.c_str(), int(line)); });
         showState();
     } else if (verb == "pause" || verb == "stop") {
         args.expect(1, 1, kSynopsis);
+        goOnline();
         sendChecked(verb == "pause" ? pause_job : stop_job);
         showState();
     } else if (verb == "continue") {
         args.expect(1, 1, kSynopsis);
-        const std::size_t mark = messageMark();
+        goOnline();
+        expectAnswer();
         const int result = bounded<int>("the operation mode", [] { return continue_job(); });
         if (result == 1)
             fail(ExitRefused, "refused: the controller is not in run mode; try \"qrx mode run\"");
         if (result == 2)
             fail(ExitRefused, "refused: the servo is not ready");
         settle();
-        failIfRefused(mark);
+        failIfRefused();
         showState();
     } else if (verb == "line") {
         args.expect(1, 1, kSynopsis);
+        goOnline();
         print(Report().integer("line", readJobLine()));
     } else {
         fail(ExitUsage, std::string("usage: qrx ") + kSynopsis);

@@ -4,84 +4,62 @@
 #include "qrx_host.h"
 
 #include <algorithm>
-#include <mutex>
+#include <string>
 
 namespace qrxcli {
 
 namespace {
 
-// The error callback runs on the library's link thread, possibly while the
-// process ends: the list is never destroyed.
-struct Messages
-{
-    std::mutex mutex;
-    std::vector<std::string> texts;
-};
+std::string g_host;
+bool g_online = false;
 
-Messages &messages()
-{
-    static Messages *all = new Messages;
-    return *all;
-}
-
-void onControllerMessage(const char *text)
-{
-    Messages &m = messages();
-    std::lock_guard<std::mutex> lock(m.mutex);
-    m.texts.emplace_back(text ? text : "");
-}
-
-// The prefix the library gives the controller's error messages.
-const std::string kErrorPrefix = "错误： ";
-
-// connect_robot bounds itself (five checks a second apart); a shorter
-// --timeout does not cut it short.
-constexpr std::chrono::milliseconds kConnectBound{6000};
+// The controller's port.
+constexpr int kControllerPort = 6001;
 
 } // namespace
 
-void connectTo(const std::string &host)
+void setHost(const std::string &host)
 {
-    setErrorHandle(onControllerMessage);
-    const bool within = runBounded(
-        [host] { connect_robot(host.c_str()); },
-        std::max(waitBound(), kConnectBound));
-    if (!within || !connection_status())
-        fail(ExitNotConnected, "not connected: no controller answered at " + host);
+    g_host = host;
+}
+
+void goOnline()
+{
+    if (g_online)
+        return;
+    if (g_host.empty())
+        fail(ExitUsage, "no controller address: give --host ADDRESS or set QRX_HOST");
+    // Returns as soon as the link is up; --timeout bounds it.
+    const int bound = int(std::max<long long>(1, waitBound().count()));
+    if (qrx_connect_robot_within(g_host.c_str(), kControllerPort, bound) != 1 || !connection_status())
+        fail(ExitNotConnected, "not connected: no controller answered at " + g_host);
+    g_online = true;
 }
 
 void disconnectLink()
 {
+    if (!g_online)
+        return;
+    g_online = false;
     disconnect_robot();
 }
 
-std::size_t messageMark()
+void expectAnswer()
 {
-    Messages &m = messages();
-    std::lock_guard<std::mutex> lock(m.mutex);
-    return m.texts.size();
-}
-
-std::vector<std::string> messagesSince(std::size_t mark)
-{
-    Messages &m = messages();
-    std::lock_guard<std::mutex> lock(m.mutex);
-    if (mark >= m.texts.size())
-        return {};
-    return std::vector<std::string>(m.texts.begin() + long(mark), m.texts.end());
+    qrx_clear_refusal();
 }
 
 void settle()
 {
-    for (int i = 0; i < 2; ++i)
-        bounded<int>("the controller's answer", [] { return get_robot_running_state(); });
+    if (qrx_confirm() < 0)
+        fail(ExitTimedOut, "timed out waiting for the controller's answer");
 }
 
-void failIfRefused(std::size_t mark)
+void failIfRefused()
 {
-    for (const std::string &text : messagesSince(mark))
-        if (text.compare(0, kErrorPrefix.size(), kErrorPrefix) == 0)
-            fail(ExitRefused, "refused by the controller: " + text.substr(kErrorPrefix.size()));
+    char text[1024] = {};
+    if (qrx_last_refusal(text, int(sizeof text)) != 0)
+        fail(ExitRefused, std::string("refused by the controller: ") + text);
 }
 
 } // namespace qrxcli

@@ -1,30 +1,30 @@
 #pragma once
-// The controller link as qrx uses it: connect within the bound, collect the
-// controller's messages from the error callback, and tell whether the
-// controller refused what was just sent.
+// The controller link as qrx uses it: connect once the command line has been
+// checked, within the bound, and tell whether the controller refused what
+// was just sent (from the refusal the library keeps, never from a text).
 
-#include <cstddef>
 #include <string>
-#include <vector>
 
 namespace qrxcli {
 
-// Connects to host (port 6001) or throws "not connected".
-void connectTo(const std::string &host);
-// Says goodbye to the controller (0x7277) and closes the link.
+// The controller's address (--host or QRX_HOST), used by goOnline().
+void setHost(const std::string &host);
+// Connects (port 6001) unless connected: called by each command once its
+// arguments are checked. Throws "not connected", or a usage error without
+// an address.
+void goOnline();
+// Says goodbye to the controller (0x7277) and closes the link, if it is up.
 void disconnectLink();
 
-// Position in the stream of controller messages: messagesSince(mark())
-// are those that arrived after the call.
-std::size_t messageMark();
-std::vector<std::string> messagesSince(std::size_t mark);
-
-// Waits until the controller has answered everything sent before (two
-// waiting queries in a row: the controller answers in order, so an error
-// about an earlier command arrives before them).
+// Forgets any earlier refusal: call before sending what failIfRefused()
+// is about.
+void expectAnswer();
+// Waits until the controller has taken everything sent before (a query
+// answered by its own reply: the controller answers in order, so a refusal
+// of an earlier command arrives before it); "timed out" after the bound.
 void settle();
 // After settle(): throws "refused by the controller" with the controller's
-// error text when one arrived since mark.
-void failIfRefused(std::size_t mark);
+// text when it refused a command sent since expectAnswer().
+void failIfRefused();
 
 } // namespace qrxcli

@@ -48,15 +48,16 @@ void runJog(const Args &args)
     if (seconds <= 0.0 || seconds > 60.0)
         fail(ExitUsage, "--for must be more than 0 and at most 60 seconds");
 
+    goOnline();
     const int servo = readServo();
     if (servo != kServoRunning)
         fail(ExitRefused, "refused: the servo is not running (" + nameOf(servo, servoNames()) + "); try \"qrx servo on\"");
-    const std::size_t mark = messageMark();
+    expectAnswer();
     start_jogging(int(axis), sign == "+");
     std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
     stop_jogging(int(axis));
     settle();
-    failIfRefused(mark);
+    failIfRefused();
     showPosition("joints", readPosition(0));
 }
 
@@ -76,23 +77,24 @@ void runMove(const Args &args)
     if (speed < 1 || speed > 100 || acc < 1 || acc > 100 || dec < 1 || dec > 100)
         fail(ExitUsage, "--speed, --acc and --dec must be 1..100");
 
-    const std::size_t mark = messageMark();
+    goOnline();
+    expectAnswer();
     std::array<double, 6> pos = target;
     if (linear)
         robot_movl(pos.data(), speed, coord, acc, dec);
     else
         robot_movj(pos.data(), speed, coord, acc, dec);
-    if (args.has("no-wait")) {
-        settle();
-        failIfRefused(mark);
+    // A refused move ends here, as soon as the controller says so.
+    settle();
+    failIfRefused();
+    if (args.has("no-wait"))
         return;
-    }
     // Arrival: every axis within the tolerance. The bound applies to a
     // robot that stops moving short of the target, not to a long move.
     std::array<double, 6> last = readPosition(coord);
     Clock::time_point lastProgress = Clock::now();
     while (farthest(last, target) > tolerance) {
-        failIfRefused(mark);
+        failIfRefused();
         if (Clock::now() - lastProgress > waitBound())
             fail(ExitTimedOut, "timed out: the robot stopped " + formatNumber(farthest(last, target)) +
                                    " short of the target");

@@ -33,6 +33,7 @@ void showOrSet(const Args &args, const char *key, const char *synopsis, const st
 {
     args.expect(0, 1, synopsis);
     if (args.count() == 0) {
+        goOnline();
         show(key, read(), names);
         return;
     }
@@ -40,6 +41,7 @@ void showOrSet(const Args &args, const char *key, const char *synopsis, const st
     const long want = names.empty() ? Args::toInteger(word, key) : choice(word, names, key);
     if (want < minimum || want > maximum)
         fail(ExitUsage, std::string(key) + " must be " + std::to_string(minimum) + ".." + std::to_string(maximum));
+    goOnline();
     setAndConfirm(key, [set, want] { set(int(want)); }, read, int(want));
     show(key, want, names);
 }
@@ -49,14 +51,16 @@ void showOrSet(const Args &args, const char *key, const char *synopsis, const st
 void setAndConfirm(const std::string &what, const std::function<void()> &send, const std::function<int()> &read,
                    int want)
 {
-    const std::size_t mark = messageMark();
+    expectAnswer();
     send();
+    settle();
+    failIfRefused();
     const Clock::time_point deadline = Clock::now() + waitBound();
     for (;;) {
         const int value = read();
         if (value == want)
             return;
-        failIfRefused(mark);
+        failIfRefused();
         if (Clock::now() > deadline)
             fail(ExitRefused, "refused by the controller: " + what + " stayed at " + std::to_string(value));
         std::this_thread::sleep_for(kPollPause);
@@ -65,25 +69,26 @@ void setAndConfirm(const std::string &what, const std::function<void()> &send, c
 
 void sendChecked(const std::function<void()> &send)
 {
-    const std::size_t mark = messageMark();
+    expectAnswer();
     send();
     settle();
-    failIfRefused(mark);
+    failIfRefused();
 }
 
 void runServo(const Args &args)
 {
     args.expect(1, 1, "servo on|off");
     const bool on = choice(args.word(0, "on or off"), {"off", "on"}, "servo") == 1;
+    goOnline();
     if (on) {
         setAndConfirm("the servo", [] { bounded<int>("the servo", [] { return servo_power_on(); }); }, readServo,
                       kServoRunning);
     } else {
-        const std::size_t mark = messageMark();
+        expectAnswer();
         boundedCall("the servo", [] { servo_power_off(); });
         const Clock::time_point deadline = Clock::now() + waitBound();
         while (readServo() == kServoRunning) {
-            failIfRefused(mark);
+            failIfRefused();
             if (Clock::now() > deadline)
                 fail(ExitRefused, "refused by the controller: the drives kept running");
             std::this_thread::sleep_for(kPollPause);

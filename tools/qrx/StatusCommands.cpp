@@ -3,6 +3,7 @@
 #include "Commands.h"
 #include "Controller.h"
 #include "Exit.h"
+#include "Link.h"
 
 #include <atomic>
 #include <chrono>
@@ -27,6 +28,7 @@ void onStopSignal(int)
 void runStatus(const Args &args)
 {
     args.expect(0, 0, "status");
+    goOnline();
     print(statusReport());
 }
 
@@ -36,6 +38,7 @@ void runWatch(const Args &args)
     const double interval = args.number("interval", 1.0);
     if (interval < 0.05 || interval > 3600.0)
         fail(ExitUsage, "--interval must be 0.05..3600 seconds");
+    goOnline();
     std::signal(SIGINT, onStopSignal);
     std::signal(SIGTERM, onStopSignal);
     const bool inPlace = !jsonOutput() && ::isatty(STDOUT_FILENO);

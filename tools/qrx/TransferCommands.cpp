@@ -4,6 +4,7 @@
 
 #include "Bound.h"
 #include "Commands.h"
+#include "Link.h"
 #include "Report.h"
 #include "qrx_host.h"
 
@@ -14,6 +15,7 @@
 #include <iostream>
 #include <mutex>
 #include <thread>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace qrxcli {
@@ -94,8 +96,7 @@ void finish(long moved)
     const int failed = qrx_last_transfer_failed();
     if (failed > 0 || moved < 0) {
         const std::string message = text[0] ? text : "the transfer failed";
-        // The controller's refusals start with "控制器拒绝" (the controller refuses).
-        fail(message.find("控制器拒绝") != std::string::npos ? ExitRefused : ExitFailed, message);
+        fail(qrx_last_transfer_refused() ? ExitRefused : ExitFailed, message);
     }
     Progress &p = progress();
     std::lock_guard<std::mutex> lock(p.mutex);
@@ -103,17 +104,23 @@ void finish(long moved)
 }
 
 // Job files live in <root>/robotJob/R1..R4: --root, else QRX_JOB_ROOT, else
-// the current folder.
-void chooseJobRoot(const Args &args)
+// the current folder. An upload needs the root to be there.
+void chooseJobRoot(const Args &args, bool mustExist)
 {
     std::string root = args.option("root", "");
-    if (root.empty() && !std::getenv("QRX_JOB_ROOT")) {
+    if (root.empty()) {
+        if (const char *env = std::getenv("QRX_JOB_ROOT"))
+            root = env;
+    }
+    if (root.empty()) {
         char cwd[4096];
         if (::getcwd(cwd, sizeof cwd))
             root = cwd;
     }
-    if (!root.empty())
-        qrx_set_job_root(root.c_str());
+    struct stat info {};
+    if (mustExist && (::stat(root.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)))
+        fail(ExitFailed, "no job folder at " + root);
+    qrx_set_job_root(root.c_str());
 }
 
 } // namespace
@@ -121,10 +128,12 @@ void chooseJobRoot(const Args &args)
 void runUpload(const Args &args)
 {
     args.expect(0, 0, "upload [--root DIR] [--pause MS]");
-    chooseJobRoot(args);
+    chooseJobRoot(args, true);
     const std::string pause = args.option("pause", "");
-    if (!pause.empty())
-        qrx_set_transfer_pause(int(Args::toInteger(pause, "--pause")));
+    const int pauseMs = pause.empty() ? -1 : int(Args::toInteger(pause, "--pause"));
+    goOnline();
+    if (pauseMs >= 0)
+        qrx_set_transfer_pause(pauseMs);
     runTransfer([] { upload_job(); });
     finish(progress().filesDone);
 }
@@ -132,7 +141,8 @@ void runUpload(const Args &args)
 void runDownload(const Args &args)
 {
     args.expect(0, 0, "download [--root DIR]");
-    chooseJobRoot(args);
+    chooseJobRoot(args, false);
+    goOnline();
     runTransfer([] { download_job(); });
     finish(progress().filesDone);
 }
@@ -142,6 +152,7 @@ void runExport(const Args &args)
     args.expect(2, 2, "export logs|eni|config DIR");
     const long kind = choice(args.word(0, "logs, eni or config"), {"logs", "eni", "config"}, "the export");
     const std::string folder = args.word(1, "DIR");
+    goOnline();
     auto moved = std::make_shared<int>(-1);
     runTransfer([kind, folder, moved] {
         *moved = kind == 0 ? qrx_export_logs(folder.c_str())
@@ -155,6 +166,7 @@ void runImport(const Args &args)
     args.expect(2, 2, "import config FILE");
     choice(args.word(0, "config"), {"config"}, "the import");
     const std::string file = args.word(1, "FILE");
+    goOnline();
     auto moved = std::make_shared<int>(-1);
     runTransfer([file, moved] { *moved = qrx_import_config(file.c_str()); });
     finish(*moved);

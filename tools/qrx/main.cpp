@@ -17,7 +17,7 @@ namespace {
 const char *kGlobalOptions =
     "Options for every command:\n"
     "  --host ADDRESS     the controller's IP address (default: $QRX_HOST)\n"
-    "  --timeout SECONDS  bound on every wait for the controller (default 5)\n"
+    "  --timeout SECONDS  bound on the connect and every wait for the controller (default 5)\n"
     "  --json             print results as one JSON object per line\n"
     "  --verbose          let the library's log lines through to standard error\n"
     "  --help             this text, or a command's (qrx COMMAND --help)\n"
@@ -113,14 +113,10 @@ int run(int argc, char **argv)
     if (!g.verbose)
         setenv("QT_LOGGING_RULES", "*.debug=false;*.info=false", 0);
 
-    if (command->needsLink) {
-        if (g.host.empty())
-            fail(ExitUsage, "no controller address: give --host ADDRESS or set QRX_HOST");
-        connectTo(g.host);
-    }
+    // Each command connects once its arguments are checked (goOnline).
+    setHost(g.host);
     command->run(args);
-    if (command->needsLink)
-        disconnectLink();
+    disconnectLink();
     return ExitOk;
 }
 
