@@ -172,9 +172,9 @@ def test_plot_shows_joints_states_and_the_error(sim: Sim, tmp_path: Path) -> Non
     lib = _library.library()
     assert lib.qrx_record(str(pcap).encode()) == 0
     with qrx_host.Robot(sim.address, timeout=5.0) as robot:
-        robot.movj([10, 0, 0, 0, 0, 0])  # refused: the servo is off
-        assert wait_for(lambda: "servo" in robot.last_message, 10)
-        refusal = robot.last_message
+        with pytest.raises(qrx_host.Refused) as refused:
+            robot.movj([10, 0, 0, 0, 0, 0])  # the servo is off
+        refusal = str(refused.value)
         robot.power_on()
         assert wait_for(lambda: robot.servo_state is qrx_host.ServoState.RUNNING, 10)
         robot.movj([20, -10, 5, 0, 30, 45], vel=100)
