@@ -26,6 +26,14 @@ StreamKey streamKey(const RecordedFrame &f)
     return {(quint64(f.host.ipv4) << 16) | f.host.port, (quint64(f.controller.ipv4) << 16) | f.controller.port};
 }
 
+void answer(Building &b, int request, const Sent &sent, qint64 timeUs)
+{
+    Request &r = b.script.requests[request];
+    if (r.answer.isEmpty())
+        r.answeredAtUs = timeUs - b.startUs;
+    r.answer.append(sent);
+}
+
 void add(Building &b, const RecordedFrame &f)
 {
     Script &s = b.script;
@@ -44,13 +52,13 @@ void add(Building &b, const RecordedFrame &f)
         for (const int i : s.byCode.value(row->pairedWith)) {
             if (!b.pairedAnswered[i]) {
                 b.pairedAnswered[i] = true;
-                s.requests[i].answer.append(sent);
+                answer(b, i, sent, f.timeUs);
                 return;
             }
         }
     }
     if (b.latestRequest >= 0 && f.timeUs - b.latestRequestUs <= kAnswerWindowUs) {
-        s.requests[b.latestRequest].answer.append(sent);
+        answer(b, b.latestRequest, sent, f.timeUs);
         return;
     }
     s.reports.append({f.timeUs - b.startUs, sent});

@@ -34,6 +34,9 @@ struct Request
     quint16 code = 0;
     QByteArray payload;
     QVector<Sent> answer; // may be empty
+    // When the answer's first frame came, from the connection's first frame
+    // (-1: no answer): the reports recorded before it go out before it.
+    qint64 answeredAtUs = -1;
 };
 
 struct Report

@@ -76,6 +76,8 @@ void ReplaySession::onRequest(quint16 code, const QByteArray &payload)
                    .arg(n + 1)
                    .arg(shown(payload), shown(request.payload)));
     }
+    // Reports the controller sent before this answer keep their place.
+    sendReportsUntil(request.answeredAtUs);
     for (const Sent &frame : request.answer)
         send(frame);
 }
@@ -96,11 +98,16 @@ void ReplaySession::checkOrder(quint16 code)
                : QStringLiteral("request %1 is %2, after the recorded requests ended").arg(m_orderAt + 1).arg(hex(code)));
 }
 
+void ReplaySession::sendReportsUntil(qint64 offsetUs)
+{
+    while (m_nextReport < m_script.reports.size() && m_script.reports[m_nextReport].offsetUs <= offsetUs)
+        send(m_script.reports[m_nextReport++].frame);
+}
+
 void ReplaySession::sendDueReports()
 {
     const qint64 elapsedUs = (QDateTime::currentMSecsSinceEpoch() - m_startMs) * 1000;
-    while (m_nextReport < m_script.reports.size() && m_script.reports[m_nextReport].offsetUs <= elapsedUs)
-        send(m_script.reports[m_nextReport++].frame);
+    sendReportsUntil(elapsedUs);
     if (m_nextReport < m_script.reports.size())
         m_reports.start(int((m_script.reports[m_nextReport].offsetUs - elapsedUs + 999) / 1000));
 }

@@ -42,6 +42,7 @@ private:
     void onRequest(quint16 code, const QByteArray &payload);
     void checkOrder(quint16 code);
     void sendDueReports();
+    void sendReportsUntil(qint64 offsetUs);
     void onDisconnected();
     void send(const Sent &frame);
     void depart(const QString &text);

@@ -163,11 +163,11 @@ void TestQrxReplay::replayedStatusPrintsTheSameText()
     QVERIFY2(!replayErrors().contains(QLatin1String("link 1:")), qPrintable(replayErrors()));
 }
 
-// The controller's own heartbeats (0x7266, every 250 ms here) come unasked:
+// The controller's own heartbeats (0x7266, every 50 ms here) come unasked:
 // the replay sends them at their recorded times from the connection's start.
 void TestQrxReplay::unaskedReportsKeepTheirTimes()
 {
-    m_sim->setControllerHeartbeat(250);
+    m_sim->setControllerHeartbeat(50);
     const QString recorded = m_dir.filePath(QStringLiteral("beats.pcap"));
     QCOMPARE(recordQrx(recorded, {QStringLiteral("status")}).exitCode, 0);
     QVERIFY(startReplay(recorded));
