@@ -396,11 +396,32 @@ void BM_DownloadJob64MiBKnownDigest(benchmark::State &state)
         [] { download_job(); });
 }
 
-// 20 files of 1 KiB: the time, and the share of it that is the 1000 ms pause
-// between two files (19 pauses).
+// The host holds an older copy: its MD5 must be known before the file is
+// asked for. The host hashes it while the request and the controller's
+// lists are under way (the controller hashes its own file meanwhile).
+void BM_DownloadJob64MiBOverLocalCopy(benchmark::State &state)
+{
+    bigTransfer(
+        state,
+        [](Rig &r) {
+            placedBelow(&Rig::controllerRoot, "/job/R1/BIG.JBR")(r);
+            const QString local = r.host.path() + QStringLiteral("/robotJob/R1/BIG.JBR");
+            writeBig(local);
+            QFile older(local);
+            older.open(QIODevice::ReadWrite);
+            older.write("older copy");
+        },
+        [] { download_job(); });
+}
+
+// 20 files of 1 KiB: the time, and the share of it that is the pause between
+// two files (19 pauses): the described 1000 ms (range 0 1000), and none at
+// all (range 0 0, qrx_set_transfer_pause(0)) for the rest of the cost.
 void BM_UploadTwentySmallFiles(benchmark::State &state)
 {
     Rig &r = rig();
+    const int pause = int(state.range(0));
+    qrx_set_transfer_pause(pause);
     double share = 0;
     for (auto _ : state) {
         state.PauseTiming();
@@ -415,8 +436,11 @@ void BM_UploadTwentySmallFiles(benchmark::State &state)
         QElapsedTimer clock;
         clock.start();
         upload_job();
-        share = 19 * 1000.0 / double(clock.elapsed());
+        share = 19 * double(pause) / double(clock.elapsed());
+        if (qrx_last_transfer_failed())
+            state.SkipWithError("transfer failed");
     }
+    qrx_set_transfer_pause(1000);
     state.counters["pause_share"] = share;
 }
 
@@ -427,8 +451,9 @@ BENCHMARK(BM_Md5Of64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealT
 BENCHMARK(BM_SaveFile64MiB)->Unit(benchmark::kMillisecond)->Iterations(3)->UseRealTime();
 BENCHMARK(BM_UploadJob64MiB)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 BENCHMARK(BM_DownloadJob64MiB)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
+BENCHMARK(BM_DownloadJob64MiBOverLocalCopy)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
 BENCHMARK(BM_DownloadJob64MiBKnownDigest)->Unit(benchmark::kMillisecond)->Iterations(2)->UseRealTime();
-BENCHMARK(BM_UploadTwentySmallFiles)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
+BENCHMARK(BM_UploadTwentySmallFiles)->Arg(1000)->Arg(0)->Unit(benchmark::kMillisecond)->Iterations(1)->UseRealTime();
 
 } // namespace
 

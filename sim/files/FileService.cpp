@@ -119,15 +119,7 @@ private:
     {
         if (!m_sending)
             return false;
-        const qint64 sent = m_file.pos();
-        if ((m_service.faults.closeMidFile || m_service.faults.stallMidFile) && sent >= m_fileSize / 2
-            && m_fileSize > 0) {
-            m_sending = false;
-            if (m_service.faults.closeMidFile)
-                m_socket->abort();
-            return false;
-        }
-        if (sent < m_fileSize) {
+        if (m_file.pos() < m_fileSize) {
             const QByteArray chunk = m_file.read(kChunk);
             const QByteArray frame = qrx::encodeFrame(code::FileData, chunk);
             if (m_service.faults.splitFrames) {
@@ -206,8 +198,8 @@ private:
         m_file.close();
         m_file.setFileName(path);
         Json::Value header(Json::objectValue);
-        header["name"] = utf8(m_service.faults.wrongName ? name + QStringLiteral(".other") : name);
-        if (m_service.faults.refuseDownload || path.isEmpty() || !m_file.open(QIODevice::ReadOnly)) {
+        header["name"] = utf8(name);
+        if (path.isEmpty() || !m_file.open(QIODevice::ReadOnly)) {
             header["answer"] = "no";
             sendJson(code::FileHeader, header);
             return;
@@ -216,6 +208,8 @@ private:
         m_fileSize = m_file.size(); // asked once: QFile::size() is a stat call
         header["size"] = Json::Int64(m_fileSize);
         sendJson(code::FileHeader, header);
+        if (name.startsWith(QLatin1String("job/")))
+            return; // a job file: the host confirms the header with 0x5524
         Json::Value begins(Json::objectValue);
         begins["name"] = utf8(name);
         begins["size"] = Json::Int64(m_fileSize);
@@ -293,12 +287,6 @@ void FileService::announceJobs(Session &session)
                 list.append(item);
             }
         }
-        if (faults.hostileName && robot == 1) {
-            Json::Value item(Json::objectValue);
-            item["name"] = "../evil.JBR";
-            item["MD5"] = "00";
-            list.append(item);
-        }
         Json::Value v(Json::objectValue);
         v["robot"] = robot;
         v["listnum"] = int(list.size());
@@ -319,8 +307,6 @@ void FileService::announceList(Session &session, int num)
         for (const QFileInfo &entry : QDir(dir).entryInfoList(QDir::Files, QDir::Name))
             list.append(utf8(entry.fileName()));
     }
-    if (faults.hostileName)
-        list.append("../evil.log");
     Json::Value v(Json::objectValue);
     v["absolutepath"] = utf8(QFileInfo(dir).absoluteFilePath());
     v[logs ? "logfilenum" : "ENIfilenum"] = int(list.size());

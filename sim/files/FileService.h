@@ -2,8 +2,13 @@
 // The simulated controller's file service: a second server (port 5000) that
 // stores uploaded job files and sends job, log, ENI and configuration files,
 // and the main-link answers that announce them (0x5532 -> 0x5533 per robot
-// and 0x5535; 0x5542 {"num":5|10} -> 0x5543 | 0x5546). It follows the
-// exchange table of the library's TcpUpDownFile.h, one file at a time.
+// and 0x5535; 0x5542 {"num":5|10} -> 0x5543 | 0x5546). One file at a time:
+//   upload: 0x5501 -> 0x5502 {"answer"}; 0x5511 data, 0x5512 -> 0x5513 {"finish"}
+//   job file: 0x5504 -> 0x5505 {"answer","name","size"}; 0x5524 -> 0x5522
+//     data, then 0x5522 {"finish":"yes"}
+//   configuration, log or ENI file: 0x5504 -> 0x5505, then 0x5521
+//     {"name","size"} (the file begins); 0x5524 -> 0x5522 as above
+//   0x5525 drops what is under way.
 //
 // Folders: the job folder holds R1..R4 ("job/R1/A.JBR" is <job dir>/R1/A.JBR);
 // log and ENI files are listed with their folder as "absolutepath";
@@ -27,15 +32,11 @@ namespace qrxsim {
 class Simulator;
 class FileSession;
 
+// (The exchange's other faults are played by the tests' scripted controller.)
 struct FileFaults
 {
-    bool refuseUpload = false;   // 0x5502 {"answer":"no"}
-    bool refuseDownload = false; // 0x5505 {"answer":"no"}
-    bool wrongName = false;      // 0x5505 names another file
-    bool closeMidFile = false;   // the connection is closed after half the file
-    bool stallMidFile = false;   // nothing more is sent after half the file
-    bool splitFrames = false;    // every frame goes out in two writes, 2 ms apart
-    bool hostileName = false;    // lists carry a "../" name
+    bool refuseUpload = false; // 0x5502 {"answer":"no"}
+    bool splitFrames = false;  // every frame goes out in two writes, 2 ms apart
 };
 
 class FileService : public QObject

@@ -7,9 +7,11 @@
 #include "api/qrx_host.h"
 #include "common/Logging.h"
 #include "link/TcpConnectModule.h"
+#include "robot/Robot.h"
 #include "transfer/TcpUpDownFile.h"
 #include "transfer/TransferPaths.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 
@@ -27,13 +29,29 @@ QString jobRootOf(const qrx::controller::Controller &controller)
     return own.isEmpty() ? qrx::transfer::jobRoot() : own;
 }
 
+// What the transfer needs of the robot's main link.
+qrx::transfer::MainLink mainLinkOf(Robot *robot)
+{
+    return {robot->link()->ip(),
+            [robot](quint16 command, const QByteArray &payload) { return robot->send(command, payload); },
+            [robot] { robot->link()->setLastPingTime(QDateTime::currentDateTimeUtc()); }};
+}
+
 // Runs one transfer on a fresh object and keeps its outcome.
 template <class Run>
 int transfer(const ApiCall &call, Run &&run)
 {
     Robot *robot = call.robot();
     qrx::controller::Controller &controller = *call.controller();
-    TcpUpDownFile file(robot, robot->link()->ip());
+    TcpUpDownFile file(mainLinkOf(robot));
+    // The main link's file notifications reach the transfer in this thread.
+    QObject::connect(robot, &Robot::robot_job_Sum_list, &file, &TcpUpDownFile::recvJobFileSumList);
+    QObject::connect(robot, &Robot::robot_job_File_list, &file, &TcpUpDownFile::recvJobFileList);
+    QObject::connect(robot, &Robot::robot_job_File_Info_Finish, &file, &TcpUpDownFile::recvJobFileInfoFinish);
+    QObject::connect(robot, &Robot::robot_ControlLog_list, &file, &TcpUpDownFile::recvControlLogList);
+    QObject::connect(robot, &Robot::robot_ControlENI_list, &file, &TcpUpDownFile::recvControlENIList);
+    if (const int pause = controller.transferPauseMs.load(); pause >= 0)
+        file.setPauseMs(pause);
     file.setJobRoot(jobRootOf(controller));
     if (const qrx_transfer_progress callback = controller.transferProgress.load()) {
         file.setProgress([callback](const QString &name, qint64 done, qint64 total) {
@@ -79,7 +97,7 @@ void upload_job(void)
 void download_job(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    transfer(robotApiCall, [](TcpUpDownFile &file) { file.runJobDownload(); });
+    transfer(robotApiCall, [robot](TcpUpDownFile &file) { file.runJobDownload(robot->currentRobot()); });
 }
 
 void qrx_set_job_root(const char *path)
@@ -92,6 +110,12 @@ void qrx_set_transfer_progress(qrx_transfer_progress callback)
 {
     QRX_CONTROLLER_OR_RETURN(controller);
     controller->transferProgress.store(callback);
+}
+
+void qrx_set_transfer_pause(int ms)
+{
+    QRX_CONTROLLER_OR_RETURN(controller);
+    controller->transferPauseMs.store(std::max(ms, 0));
 }
 
 int qrx_last_transfer_failed(void)

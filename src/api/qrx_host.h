@@ -492,6 +492,15 @@ QRX_HOST_API int QRX_HOST_CALL qrx_export_logs(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_export_eni(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_export_config(const char *folder);
 QRX_HOST_API int QRX_HOST_CALL qrx_import_config(const char *path);
+/* The pause between two files of an upload, in ms (1000 by default, as the
+ * controller expects it; values below 0 read as 0). It gives the controller
+ * time to store one file before the next is announced. A controller that
+ * stores files as they come needs none; one that needs it and does not get it
+ * refuses or misses the next announcement (0x5502 "no", or no answer): the
+ * upload then ends with that failure (qrx_last_transfer_error), the files
+ * before it stay stored, and the upload is repeated with the default pause.
+ * A host that never calls this sees the described pause. */
+QRX_HOST_API void QRX_HOST_CALL qrx_set_transfer_pause(int ms);
 
 /* ---- Extension: connect poll interval ---------------------------------------
  * connect_robot() checks the connection up to five times, pausing ms between
@@ -762,6 +771,7 @@ QRX_HOST_API void QRX_HOST_CALL qrxc_set_state_handler(qrx_controller *c, qrxc_s
     QRXC_DESCRIBED0(void, upload_job) \
     QRXC_DESCRIBED0(void, download_job) \
     QRXC_EXTENSION(void, set_job_root, (const char *path), (path)) \
+    QRXC_EXTENSION(void, set_transfer_pause, (int ms), (ms)) \
     QRXC_EXTENSION(void, set_transfer_progress, (qrx_transfer_progress callback), (callback)) \
     QRXC_EXTENSION0(int, last_transfer_failed) \
     QRXC_EXTENSION(int, last_transfer_error, (char *text, int size), (text, size)) \

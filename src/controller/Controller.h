@@ -123,6 +123,8 @@ public:
     void setJobRoot(const QString &root); // empty: the default root
     QString jobRoot() const;
     std::atomic<TransferProgress> transferProgress{nullptr};
+    // The pause between the files of an upload in ms (-1: the transfer's own).
+    std::atomic<int> transferPauseMs{-1};
     void setTransferOutcome(int failed, const QByteArray &text);
     int lastTransferFailed() const;
     QByteArray lastTransferError() const;

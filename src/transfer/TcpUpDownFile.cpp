@@ -1,21 +1,15 @@
 // TcpUpDownFile, the file connection and the host-to-controller side: the
-// frame reader, the one failure path, the blocking waits and the upload.
+// frame router, the one failure path, the blocking waits and the upload.
 
 #include "transfer/TcpUpDownFile.h"
 
-#include "common/CompactJson.h"
 #include "common/Logging.h"
-#include "protocol/Codes.h"
 #include "common/Payload.h"
-#include "link/TcpConnectModule.h"
-#include "robot/Robot.h"
+#include "protocol/Codes.h"
 #include "transfer/TransferJson.h"
 #include "transfer/TransferPaths.h"
 
 #include <QAbstractEventDispatcher>
-#include <QDateTime>
-#include <QDir>
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QTimer>
@@ -25,8 +19,6 @@ namespace code = qrx::protocol::code;
 
 namespace {
 
-// A transfer that hears nothing from the controller for this long is broken.
-constexpr int kSilenceMs = 5000;
 // Unsent bytes the socket may hold before the sender waits for it to drain.
 constexpr qint64 kWriteBacklog = 256 * 1024;
 
@@ -34,8 +26,8 @@ constexpr qint64 kWriteBacklog = 256 * 1024;
 
 std::atomic<bool> TcpUpDownFile::s_uploading{false};
 
-TcpUpDownFile::TcpUpDownFile(Robot *robot, QString ip, QObject *parent)
-    : QObject(parent), m_robot(robot), m_ip(std::move(ip)), m_jobRoot(jobRoot())
+TcpUpDownFile::TcpUpDownFile(MainLink link, QObject *parent)
+    : QObject(parent), m_link(std::move(link)), m_jobRoot(jobRoot())
 {
     // A host thread that is not a Qt thread gets its event dispatcher here,
     // before the socket exists: the socket's notifiers need one to report
@@ -46,6 +38,7 @@ TcpUpDownFile::TcpUpDownFile(Robot *robot, QString ip, QObject *parent)
             Qt::DirectConnection);
     connect(&m_connection, &qrx::FramedConnection::connectSucceed, this, &TcpUpDownFile::onConnectionStatus,
             Qt::DirectConnection);
+    m_heard.start();
 }
 
 TcpUpDownFile::~TcpUpDownFile()
@@ -54,19 +47,19 @@ TcpUpDownFile::~TcpUpDownFile()
     m_connection.release();
 }
 
-// ---- the file connection ----------------------------------------------------
+// ---- the file connection, the state and the one way to fail --------------------
 
 bool TcpUpDownFile::connectFileSocket()
 {
     if (m_connection.isConnected())
         return true;
-    m_connection.open(m_ip, m_port);
+    m_connection.open(m_link.address, m_port);
     m_connection.waitForConnection(1000);
     if (!m_connection.isConnected()) {
         fail(tr("socket连接失败....."));
         return false;
     }
-    m_opened = true;
+    setState(State::Ready);
     return true;
 }
 
@@ -76,169 +69,149 @@ void TcpUpDownFile::sendFrame(quint16 command, const QByteArray &payload)
         return;
     // Streaming: the socket never holds more than a few chunks' worth.
     while (m_connection.bytesToWrite() > kWriteBacklog && m_connection.isConnected()) {
-        if (!m_connection.waitForBytesWritten(kSilenceMs))
+        if (!m_connection.waitForBytesWritten(m_silenceMs))
             break;
     }
 }
 
-void TcpUpDownFile::onTcpSocketReadyRead()
+void TcpUpDownFile::sendMain(quint16 command, const QByteArray &payload)
 {
-    // The connection reads and decodes; bytes that arrive while a frame is
-    // handled (an upload writes its whole file from the answer's handler)
-    // are decoded when that handler returns.
-    m_connection.onReadyRead();
+    m_heard.restart(); // the bound counts from the request
+    if (m_link.send)
+        m_link.send(command, payload);
 }
 
 void TcpUpDownFile::onFrame(quint16 command, const QByteArray &payload)
 {
-    if (m_finished)
+    if (m_state == State::Done || m_state == State::Failed)
         return;
-    if (m_robot)
-        m_robot->link()->setLastPingTime(QDateTime::currentDateTimeUtc()); // as the link itself notes it
-    if (command >= code::UploadAnswer && command <= code::FileData)
-        route(command, payload);
-}
-
-void TcpUpDownFile::onConnectionStatus(int status)
-{
-    if (status == 0 && m_opened)
-        onSocketDisconnected();
-}
-
-void TcpUpDownFile::route(quint16 command, const QByteArray &payload)
-{
+    m_heard.restart();
+    if (m_link.noteAlive)
+        m_link.noteAlive();
     switch (command) {
     case code::UploadAnswer: uploadAnswer(payload); break;
     case code::FileHeader: downloadHeader(payload); break;
     case code::UploadFinished: uploadFinished(payload); break;
     case code::FileBegins: fileBegins(payload); break;
     case code::FileData: fileData(payload); break;
-    default: break;
+    default: break; // the other codes of the file connection mean nothing to the host
     }
 }
 
-void TcpUpDownFile::onSocketDisconnected()
+void TcpUpDownFile::onConnectionStatus(int status)
 {
-    if (m_finished)
+    if (status != 0 || m_state == State::Idle || m_state == State::Done || m_state == State::Failed)
         return;
-    fail(m_mode == Upload ? m_uploadList.value(m_uploadIndex) + tr(" 上传失败！") : brokenText());
+    fail(failureText());
+}
+
+QString TcpUpDownFile::failureText() const
+{
+    return m_mode == Upload ? uploadFailureText(m_name) : brokenText();
+}
+
+void TcpUpDownFile::setState(State state)
+{
+    m_state = state;
+    if (m_waitLoop)
+        m_waitLoop->quit();
 }
 
 // Every failure ends here: its text, an empty 0x5525, the connection closed.
 void TcpUpDownFile::fail(const QString &text)
 {
-    if (m_finished)
+    if (m_state == State::Done || m_state == State::Failed)
         return;
     qCInfo(lcTransfer).noquote() << text;
     m_lastFailure = text;
-    ++m_failed;
-    s_uploading = false;
+    if (m_mode == Upload)
+        s_uploading = false;
     if (m_target)
         m_target->cancelWriting();
     m_target.reset(); // the temporary beside the target goes with it
     m_sendFile.close();
     if (m_connection.write(qrx::encodeFrame(code::AbortTransfer, QByteArray())))
         m_connection.waitForBytesWritten(1000);
-    m_finished = true;
     m_connection.disconnect(this);
     m_connection.release(1000);
-    wake();
+    setState(State::Failed);
 }
 
 void TcpUpDownFile::finish()
 {
-    if (m_finished)
+    if (m_state == State::Done || m_state == State::Failed)
         return;
-    m_finished = true;
+    if (m_mode == Upload)
+        s_uploading = false;
     m_connection.disconnect(this);
     m_connection.release(1000);
-    wake();
+    setState(State::Done);
 }
 
-void TcpUpDownFile::runEventsBriefly()
+void TcpUpDownFile::runEvents(int ms)
 {
-    // Up to 50 ms of this thread's events; wake() ends it at once when the
-    // transfer or the file it waits for has ended.
+    // Up to ms of this thread's events; a change of state ends it at once.
     QEventLoop loop;
-    QTimer::singleShot(50, &loop, &QEventLoop::quit);
+    QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit); // a coarse one may end 5 % early
     m_waitLoop = &loop;
     loop.exec();
     m_waitLoop = nullptr;
 }
 
-void TcpUpDownFile::wake()
+void TcpUpDownFile::waitWhile(State busy1, State busy2, State busy3)
 {
-    if (m_waitLoop)
-        m_waitLoop->quit();
+    // Runs this thread's events (socket, queued list notifications) while the
+    // exchange stands in one of the busy states; a controller that stays
+    // silent past the bound breaks it.
+    const auto busy = [&] { return m_state == busy1 || m_state == busy2 || m_state == busy3; };
+    while (busy()) {
+        runEvents(qBound(1, int(m_silenceMs - m_heard.elapsed()), 50));
+        if (busy() && m_heard.elapsed() > m_silenceMs)
+            fail(failureText());
+    }
 }
 
-void TcpUpDownFile::waitUntilFinished()
+void TcpUpDownFile::waitUntilEnded()
 {
-    // Runs this thread's events (socket, queued list notifications) until the
-    // transfer ends; a controller that stays silent too long breaks it.
-    QElapsedTimer quiet;
-    quiet.start();
-    QDateTime lastSeen;
-    int lastFiles = -1;
-    qint64 lastReceived = -1;
-    while (!m_finished) {
-        runEventsBriefly();
-        if (m_filesDone != lastFiles || m_received != lastReceived) {
-            lastFiles = m_filesDone;
-            lastReceived = m_received;
-            quiet.restart();
-        }
-        if (quiet.elapsed() > kSilenceMs)
-            fail(brokenText());
-    }
+    while (m_state != State::Done && m_state != State::Failed)
+        waitWhile(m_state);
 }
 
 // ---- upload -------------------------------------------------------------------
 
-void TcpUpDownFile::setUpLoadJobFileName(QStringList jobfilelist)
+void TcpUpDownFile::runUpload(const QStringList &names)
 {
-    if (s_uploading) {
-        qCInfo(lcTransfer).noquote() << tr("上传文件中，不允许上传文件");
-        m_lastFailure = tr("上传文件中，不允许上传文件");
-        ++m_failed;
+    if (s_uploading.exchange(true)) {
+        fail(tr("上传文件中，不允许上传文件"));
         return;
     }
     m_mode = Upload;
-    m_uploadList = jobfilelist;
-    m_uploadIndex = -1;
     if (!connectFileSocket())
         return;
-    for (int i = 0; i < m_uploadList.size() && !m_finished; ++i) {
-        if (i > 0)
-            Robot::waitingPause(1000);
-        m_uploadIndex = i;
-        m_fileDone = false;
-        sendfileinfo();
-        QElapsedTimer quiet;
-        quiet.start();
-        qint64 seen = m_remaining;
-        while (!m_fileDone && !m_finished) {
-            runEventsBriefly();
-            if (m_remaining != seen) {
-                seen = m_remaining;
-                quiet.restart();
-            }
-            if (quiet.elapsed() > kSilenceMs)
-                fail(m_uploadList.at(i) + tr(" 上传失败！"));
-        }
+    for (int i = 0; i < names.size() && m_state == State::Ready; ++i) {
+        if (i > 0 && m_pauseMs > 0)
+            runEvents(m_pauseMs); // a frame that comes meanwhile is unexpected: it fails the upload
+        if (m_state != State::Ready)
+            break;
+        sendfileinfo(names.at(i));
+        waitWhile(State::Announced, State::AwaitingStored);
     }
     finish();
 }
 
-void TcpUpDownFile::runUpload(const QStringList &names)
+QString TcpUpDownFile::uploadFailureText(const QString &name) const
 {
-    setUpLoadJobFileName(names);
-    finish();
+    const QString base = QFileInfo(name).fileName();
+    if (base == QLatin1String("qrx.out") || base == QLatin1String("qrx2.out"))
+        return tr("上传控制器软件失败");
+    if (m_remotePrefix == QLatin1String("config/"))
+        return tr("导入配置文件失败");
+    return name + tr(" 上传失败！");
 }
 
-void TcpUpDownFile::sendfileinfo()
+void TcpUpDownFile::sendfileinfo(const QString &name)
 {
-    const QString name = m_uploadList.value(m_uploadIndex);
+    m_name = name;
     m_sendFile.close();
     const bool job = m_remotePrefix == QLatin1String("job/");
     m_sendFile.setFileName(job ? m_jobRoot + QStringLiteral("/robotJob/") + name : name);
@@ -247,87 +220,66 @@ void TcpUpDownFile::sendfileinfo()
         return;
     }
     const QString remote = m_remotePrefix + (job ? name : QFileInfo(name).fileName());
-    sendJson(code::AnnounceUpload, jsonOf({{"name", utf8(remote)}, {"size", Json::Int64(m_sendFile.size())}}));
-    m_chunk = kChunkSize;
-    m_remaining = m_sendFile.size();
+    setState(State::Announced);
+    m_heard.restart();
+    sendFrame(code::AnnounceUpload, jsonOf({{"name", utf8(remote)}, {"size", Json::Int64(m_sendFile.size())}}));
 }
 
 void TcpUpDownFile::uploadAnswer(const QByteArray &payload)
 {
     Json::Value v;
+    if (m_state != State::Announced) {
+        fail(failureText()); // an answer nobody asked for
+        return;
+    }
     if (!qrx::parsePayload(payload, v))
         return;
-    const QString name = m_uploadList.value(m_uploadIndex);
     if (textOf(v, "answer") != QLatin1String("yes")) {
-        if (m_mode == Upload) {
-            s_uploading = false;
-            fail(tr("控制器拒绝上传程序：") + name);
-        }
+        fail(tr("控制器拒绝上传程序：") + m_name);
         return;
     }
-    if (!m_sendFile.isOpen()) {
-        fail(tr("文件【") + name + tr("】无法打开"));
+    sendWholeFile(m_name);
+    if (m_state != State::Announced)
         return;
-    }
-    s_uploading = true;
-    sendWholeFile();
-    if (m_finished)
-        return;
-    sendJson(code::UploadEnd, jsonOf({{"name", utf8(name)}, {"size", Json::Int64(m_sendFile.size())}}));
-    s_uploading = false;
+    setState(State::AwaitingStored);
+    sendFrame(code::UploadEnd, jsonOf({{"name", utf8(m_name)}, {"size", Json::Int64(m_sendFile.size())}}));
 }
 
-void TcpUpDownFile::sendWholeFile()
+void TcpUpDownFile::sendWholeFile(const QString &name)
 {
     // Without waiting for acknowledgements: 2048 bytes per 0x5511, the last,
     // shorter piece as a final one.
-    const QString name = m_uploadList.value(m_uploadIndex);
     const qint64 total = m_sendFile.size();
-    m_remaining = total;
-    m_chunk = kChunkSize;
-    while (m_remaining > 0 && !m_stop && !m_finished) {
-        const QByteArray chunk = m_sendFile.read(qMin(m_chunk, m_remaining));
-        if (chunk.isEmpty() || !m_connection.isConnected()) {
-            fail(name + tr(" 上传失败！"));
+    qint64 remaining = total;
+    while (remaining > 0) {
+        const QByteArray chunk = m_sendFile.read(qMin<qint64>(kChunkSize, remaining));
+        if (chunk.isEmpty()) {
+            fail(tr("文件【") + name + tr("】无法打开"));
+            return;
+        }
+        if (!m_connection.isConnected()) {
+            fail(uploadFailureText(name));
             return;
         }
         sendFrame(code::UploadChunk, chunk);
-        m_remaining -= chunk.size();
+        remaining -= chunk.size();
         if (m_progress)
-            m_progress(name, total - m_remaining, total);
+            m_progress(name, total - remaining, total);
     }
 }
 
 void TcpUpDownFile::uploadFinished(const QByteArray &payload)
 {
     Json::Value v;
-    if (!qrx::parsePayload(payload, v))
-        return;
-    const QString name = m_uploadList.value(m_uploadIndex);
-    m_sendFile.close();
-    if (textOf(v, "finish") != QLatin1String("yes")) {
-        const QString base = QFileInfo(name).fileName();
-        if (base == QLatin1String("qrx.out") || base == QLatin1String("qrx2.out"))
-            fail(tr("上传控制器软件失败"));
-        else if (m_remotePrefix == QLatin1String("config/"))
-            fail(tr("导入配置文件失败"));
-        else
-            fail(name + tr(" 上传失败！"));
+    if (m_state != State::AwaitingStored || !qrx::parsePayload(payload, v) || !finishes(v)) {
+        fail(failureText());
         return;
     }
+    m_sendFile.close();
     qCInfo(lcTransfer).noquote() << (m_remotePrefix == QLatin1String("config/") ? tr("导入配置参数文件-%1")
                                                                                 : tr("导入程序-%1"))
-                                        .arg(name);
-    if (m_robot)
-        m_robot->send(code::UploadStoredNotice, jsonOf({{"name", utf8(name)}}));
+                                        .arg(m_name);
+    sendMain(code::UploadStoredNotice, jsonOf({{"name", utf8(m_name)}}));
     ++m_filesDone;
-    m_fileDone = true;
-    wake();
+    setState(State::Ready);
 }
-
-void TcpUpDownFile::stopDownloadFile()
-{
-    m_stop = true;
-    fail(brokenText());
-}
-

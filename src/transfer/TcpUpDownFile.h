@@ -1,52 +1,58 @@
 #pragma once
 // TcpUpDownFile moves files between the host and the controller over a
 // connection of its own (controller address, port 5000, the link's frame
-// format). Lists and start notices travel over the main link; file bytes over
-// the file connection. One object serves one transfer call and runs in the
-// thread that created it, blocking it while files move.
+// format). Lists and start notices travel over the main link (MainLink.h);
+// file bytes over the file connection, a FramedConnection with the file
+// connection's options: no heartbeat, no reconnect, partial frames kept.
+// One object serves one transfer call and runs in the thread that created it,
+// blocking it while files move, never longer than the silence bound after the
+// controller was last heard.
 //
 // The exchange, one file at a time (H host, C controller; F file connection,
-// M main link). qrx-sim's file service follows this same table; the codes'
-// names are in protocol/Codes.h (0x5501 AnnounceUpload … 0x5544
-// ExportFinished). The file connection is a FramedConnection with the file
-// connection's options: no heartbeat, no reconnect, partial frames kept.
+// M main link; code names in protocol/Codes.h):
 //
-//   upload (mode 4), per file of the list, 1000 ms apart:
+//   upload (mode 4), per file of the list, 1000 ms apart (setPauseMs):
 //     H->F 0x5501 {"name":"job/R1/A.JBR","size":n}
-//     C->F 0x5502 {"answer":"yes"|"no","name":...}
-//     H->F 0x5511 raw bytes, 2048 per frame (ceil(n/2048) frames)
-//     H->F 0x5512 {"name":...,"size":n}            end of the file's data
-//     C->F 0x5513 {"finish":"yes"|"no","name":...}  stored, or not
-//     H->M 0x5061 {"name":...}                      the main link is told
+//     C->F 0x5502 {"answer":"yes"|…}
+//     H->F 0x5511 raw bytes, 2048 per frame, sent at once, then 0x5512 {"name","size"}
+//     C->F 0x5513 {"finish":…}                     stored
+//     H->M 0x5061 {"name":…}                       the main link is told
 //   job download (mode 3):
-//     H->M 0x5532 {"robot":r}      C->M 0x5533 per robot 1..4, then 0x5535
-//   log / ENI export (mode 5 / mode 10):
-//     H->M 0x5542 {"num":5|10}     C->M 0x5543 log list | 0x5546 ENI list
-//   configuration export (mode 1): the names of the controller's
-//     configuration catalogue, requested one by one
-//   then, for every name to fetch, in order:
-//     H->F 0x5504 {"name":...}
-//     C->F 0x5505 {"answer":"yes"|"no","name":...,"size":n}
-//     C->F 0x5521 {"name":...,"size":n}             the file begins
-//     H->F 0x5524 {"name":...}                      ready for its data
-//     C->F 0x5522 raw bytes until n bytes have come, then 0x5522 {"finish":"yes"}
-//     H->F 0x5523 {"name":...,"size":n}             stored
-//   after the last name:
-//     H->F 0x5544 {"finish":"yes"}, then the file connection is closed.
-//   any failure: its text, H->F 0x5525 (empty), the connection is closed.
+//     H->M 0x5532 {"robot":r}; C->M 0x5533 digest list per robot, 0x5535 at the end;
+//     (the local files are hashed meanwhile, LocalDigests.h);
+//     every file whose local MD5 differs or that is missing, in order:
+//     H->F 0x5504 {"name":"job/R1/A.JBR"}
+//     C->F 0x5505 {"answer":"yes","name":"job/R1/A.JBR","size":n}
+//     H->F 0x5524 {"name":…}                       ready for the data
+//     C->F 0x5522 raw bytes (n in all), then 0x5522 {"finish":…}
+//     H->F 0x5523 {"name","size"}                  stored
+//   log / ENI export (mode 5 / mode 10), configuration export (mode 1):
+//     H->M 0x5542 {"num":5|10}; C->M 0x5543 log list | 0x5546 ENI list
+//     (configuration files: the names of the controller's catalogue);
+//     per name:
+//     H->F 0x5504 {"name":…}
+//     C->F 0x5505 {"answer":"yes","name":…,"size":n}
+//     C->F 0x5521 {"name":…}                       the file begins: created here
+//     H->F 0x5524 {"name":…}, C->F 0x5522 data then {"finish":…}, H->F 0x5523
+//     after the last log or ENI file: H->F 0x5544 {"finish":"yes"}.
+//   any failure: its text, H->F 0x5525 (empty) when the connection is up,
+//   the connection closed (fail(), the one way to end badly).
 //
-// Controller names ("job/R1/A.JBR" requests, list entries) are checked before
-// anything is written: a name with "..", a leading "/" or "\", a drive letter
-// or (for list entries) any separator is refused and the transfer aborted.
+// "finish" ends a file whatever its value, except an explicit "no" or false;
+// a download is whole when the header's "size" bytes have come before it.
 //
-// Nothing is lost: a download is written beside its target and renamed into
-// place when its last byte has come (QSaveFile). A local job file whose MD5
-// differs from the controller's stays in place until its replacement is
-// complete, instead of being deleted before the download starts, so a broken
-// transfer leaves the old file, never half a file and never none.
+// Controller names are checked before anything is written: a name with "..",
+// a leading "/" or "\", a drive letter or (for list entries) any separator is
+// refused and the transfer aborted. Nothing is lost: a download is written
+// beside its target and renamed into place when its "finish" has come
+// (QSaveFile); a local job file whose MD5 differs stays until its replacement
+// is complete.
 
 #include "link/FramedConnection.h"
+#include "transfer/LocalDigests.h"
+#include "transfer/MainLink.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QObject>
 #include <QSaveFile>
@@ -57,24 +63,38 @@
 #include <memory>
 
 class QEventLoop;
-class Robot;
 
 class TcpUpDownFile : public QObject
 {
     Q_OBJECT
 public:
     enum Mode { ConfigDownload = 1, JobDownload = 3, Upload = 4, LogDownload = 5, EniDownload = 10 };
+    // Where the exchange stands; one value at a time.
+    enum class State {
+        Idle,          // nothing started
+        AwaitingList,  // a list was asked for on the main link
+        Ready,         // the file connection is up, no file under way
+        Announced,     // 0x5501 sent, the controller's answer 0x5502 awaited
+        AwaitingStored,// the file's data and 0x5512 sent, 0x5513 awaited
+        Requested,     // 0x5504 sent, the header 0x5505 awaited
+        AwaitingBegin, // export: header accepted, 0x5521 awaited
+        Receiving,     // 0x5524 sent: data frames until "finish"
+        Done,
+        Failed,
+    };
     static constexpr quint16 kFilePort = 5000;
     static constexpr int kChunkSize = 2048;
+    static constexpr int kPauseMs = 1000;   // between the files of an upload, by default
+    static constexpr int kSilenceMs = 5000; // a controller silent this long breaks the transfer
 
-    // ip: the controller; robot: the main link's side (sends, setLastPingTime,
-    // list notifications); may be null for a transfer that needs no main link.
-    TcpUpDownFile(Robot *robot, QString ip, QObject *parent = nullptr);
+    explicit TcpUpDownFile(qrx::transfer::MainLink link, QObject *parent = nullptr);
     ~TcpUpDownFile() override;
 
     // Folder of the local job folders R1..R4 (the job root).
     void setJobRoot(const QString &root) { m_jobRoot = root; }
     void setFilePort(quint16 port) { m_port = port; }
+    void setSilenceMs(int ms) { m_silenceMs = ms; }
+    void setPauseMs(int ms) { m_pauseMs = ms; } // between the files of an upload
     // Target folder of a configuration, log or ENI export.
     void setTargetFolder(const QString &folder) { m_targetFolder = folder; }
     // Remote folder of an upload ("job/" for job files, "config/" for an import).
@@ -83,101 +103,82 @@ public:
     using Progress = std::function<void(const QString &, qint64, qint64)>;
     void setProgress(Progress progress) { m_progress = std::move(progress); }
 
-    // Blocking forms for the host API: start, then run the calling thread's
-    // events until the transfer has ended (or nothing came for a while).
+    // Blocking: each starts its transfer and runs the calling thread's events
+    // until it has ended.
     void runUpload(const QStringList &names);
-    void runJobDownload();
-    void runListExport(Mode mode);                  // LogDownload or EniDownload
+    void runJobDownload(int robot);
+    void runListExport(Mode mode);                             // LogDownload or EniDownload
     void runNameDownload(Mode mode, const QStringList &names); // e.g. the configuration files
 
-    bool isFinished() const { return m_finished; }
-    int failedCount() const { return m_failed; }
+    State state() const { return m_state; }
+    int failedCount() const { return m_state == State::Failed ? 1 : 0; }
     QString lastFailure() const { return m_lastFailure; }
     int filesDone() const { return m_filesDone; }
 
-Q_SIGNALS:
-    void reflushprolist();
-    void reflushprolistP();
-    void reflushprolistPunch();
-    void signal_startSyncJobFile();
-    void signal_downLoadConfigFileFinish();
-
 public Q_SLOTS:
-    void sendfileinfo();
-    void startDownLoadJobFileFromController();
-    void onTcpSocketReadyRead();
-    void stopDownloadFile();
-    void slot_startSyncJobFile();
+    // The main link's notifications (0x5533, 0x5534, 0x5535, 0x5543, 0x5546).
     void recvJobFileSumList(QByteArray data);
-    void setUpLoadJobFileName(QStringList jobfilelist);
     void recvJobFileList(QByteArray data);
     void recvJobFileInfoFinish();
     void recvControlLogList(QByteArray data);
     void recvControlENIList(QByteArray data);
-    void slot_existTeachbox(QByteArray data);
-    void slot_existTeachboxForController(QByteArray data);
-    void slot_autoSyncTeachbox();
 
 private:
     void onFrame(quint16 command, const QByteArray &payload);
     void onConnectionStatus(int status);
-    void route(quint16 command, const QByteArray &payload);
     bool connectFileSocket();
     void sendFrame(quint16 command, const QByteArray &payload);
-    void sendJson(quint16 command, const QByteArray &payload) { sendFrame(command, payload); }
+    void sendMain(quint16 command, const QByteArray &payload);
+    void setState(State state);
     void fail(const QString &text);
     void finish();
-    void waitUntilFinished();
-    void runEventsBriefly();
-    void wake();
+    void waitWhile(State busy1, State busy2 = State::Idle, State busy3 = State::Idle);
+    void waitUntilEnded();
+    void runEvents(int ms);
+    // upload
+    void sendfileinfo(const QString &name);
     void uploadAnswer(const QByteArray &payload);
+    void sendWholeFile(const QString &name);
     void uploadFinished(const QByteArray &payload);
-    void sendWholeFile();
+    QString uploadFailureText(const QString &name) const;
+    // download
+    void startDownloads();
     void requestNext();
     void downloadHeader(const QByteArray &payload);
     void fileBegins(const QByteArray &payload);
+    bool openTarget();
     void fileData(const QByteArray &payload);
     void receiveList(const QByteArray &data, Mode mode);
-    void onSocketDisconnected();
-    QString localPathFor(const QString &requested) const;
     QString refusalText() const;
     QString brokenText() const;
+    QString failureText() const; // of a broken exchange in the current mode
 
-    Robot *m_robot;
-    QString m_ip;
+    qrx::transfer::MainLink m_link;
     quint16 m_port = kFilePort;
+    int m_silenceMs = kSilenceMs;
+    int m_pauseMs = kPauseMs;
     // The file connection: no heartbeat, no reconnect, partial frames kept.
     qrx::FramedConnection m_connection{qrx::FramedConnection::fileConnectionOptions()};
-    bool m_opened = false; // connected once: a loss from now on breaks the transfer
+    State m_state = State::Idle;
     Mode m_mode = JobDownload;
     QString m_jobRoot;
     QString m_targetFolder;
     QString m_remotePrefix = QStringLiteral("job/");
     Progress m_progress;
+    QElapsedTimer m_heard;               // since the controller was last heard (or asked)
+    QEventLoop *m_waitLoop = nullptr;    // the wait that a change of state ends
 
-    // upload
-    QStringList m_uploadList;
-    int m_uploadIndex = -1;
+    // the file in progress: its name, and for a download its size and target
+    QString m_name;
     QFile m_sendFile;
-    qint64 m_chunk = kChunkSize;
-    qint64 m_remaining = 0;
-    bool m_stop = false;
-    static std::atomic<bool> s_uploading; // one upload at a time, process-wide
-    bool m_fileDone = false;
-
-    // download
-    QStringList m_downloadList; // controller names ("job/R1/A.JBR", "a.log")
-    int m_downloadIndex = -1;
     std::unique_ptr<QSaveFile> m_target;
     qint64 m_expected = 0;
     qint64 m_received = 0;
-    bool m_listSeen = false;
-    QStringList m_jobLists[4];
-    QByteArray m_consent = "no";
+    static std::atomic<bool> s_uploading; // one upload at a time, process-wide
 
-    bool m_finished = false;
-    QEventLoop *m_waitLoop = nullptr; // the wait that wake() ends
-    int m_failed = 0;
+    qrx::transfer::LocalDigests m_localDigests; // of a job download, taken while the lists come
+    QStringList m_downloadList; // controller names ("job/R1/A.JBR", "a.log")
+    int m_downloadIndex = -1;
     int m_filesDone = 0;
     QString m_lastFailure;
 };

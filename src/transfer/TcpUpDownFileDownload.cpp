@@ -1,12 +1,11 @@
 // TcpUpDownFile, the controller-to-host side: the job synchronisation by
-// MD5, the configuration, log and ENI exports, and the consent polling.
+// MD5, and the configuration, log and ENI exports.
 
 #include "transfer/TcpUpDownFile.h"
 
 #include "common/Logging.h"
-#include "protocol/Codes.h"
 #include "common/Payload.h"
-#include "robot/Robot.h"
+#include "protocol/Codes.h"
 #include "transfer/TransferJson.h"
 #include "transfer/TransferPaths.h"
 
@@ -16,53 +15,48 @@
 using namespace qrx::transfer;
 namespace code = qrx::protocol::code;
 
-// ---- download -----------------------------------------------------------------
+// ---- starting points ------------------------------------------------------------
 
-void TcpUpDownFile::startDownLoadJobFileFromController()
+void TcpUpDownFile::runJobDownload(int robot)
 {
     m_mode = JobDownload;
-    if (m_robot)
-        m_robot->send(code::StartJobSync, jsonOf({{"robot", m_robot->currentRobot()}}));
-}
-
-void TcpUpDownFile::runJobDownload()
-{
-    if (m_robot) {
-        connect(m_robot, &Robot::robot_job_Sum_list, this, &TcpUpDownFile::recvJobFileSumList);
-        connect(m_robot, &Robot::robot_job_File_list, this, &TcpUpDownFile::recvJobFileList);
-        connect(m_robot, &Robot::robot_job_File_Info_Finish, this, &TcpUpDownFile::recvJobFileInfoFinish);
-    }
-    startDownLoadJobFileFromController();
-    waitUntilFinished();
+    setState(State::AwaitingList);
+    m_localDigests.start(m_jobRoot);
+    sendMain(code::StartJobSync, jsonOf({{"robot", robot}}));
+    waitUntilEnded();
 }
 
 void TcpUpDownFile::runListExport(Mode mode)
 {
     m_mode = mode;
-    if (m_robot) {
-        connect(m_robot, &Robot::robot_ControlLog_list, this, &TcpUpDownFile::recvControlLogList);
-        connect(m_robot, &Robot::robot_ControlENI_list, this, &TcpUpDownFile::recvControlENIList);
-        m_robot->send(code::RequestFileList, jsonOf({{"num", int(mode)}}));
-    }
-    waitUntilFinished();
+    setState(State::AwaitingList);
+    sendMain(code::RequestFileList, jsonOf({{"num", int(mode)}}));
+    waitUntilEnded();
 }
 
 void TcpUpDownFile::runNameDownload(Mode mode, const QStringList &names)
 {
     m_mode = mode;
     m_downloadList = names;
-    m_downloadIndex = -1;
-    if (!names.isEmpty() && connectFileSocket())
-        requestNext();
-    else if (names.isEmpty())
-        finish();
-    waitUntilFinished();
+    startDownloads();
+    waitUntilEnded();
 }
+
+void TcpUpDownFile::startDownloads()
+{
+    m_downloadIndex = -1;
+    if (m_downloadList.isEmpty())
+        finish();
+    else if (connectFileSocket())
+        requestNext();
+}
+
+// ---- the job lists of the main link ------------------------------------------------
 
 void TcpUpDownFile::recvJobFileSumList(QByteArray data)
 {
     Json::Value v;
-    if (!qrx::parsePayload(data, v) || !v.isObject())
+    if (m_state != State::AwaitingList || m_mode != JobDownload || !qrx::parsePayload(data, v) || !v.isObject())
         return;
     const int robot = v["robot"].isIntegral() ? v["robot"].asInt() : 0;
     const Json::Value &list = v["jobfilelist"];
@@ -82,73 +76,88 @@ void TcpUpDownFile::recvJobFileSumList(QByteArray data)
             return;
         }
         const QString local = folder + QLatin1Char('/') + name;
-        if (QFileInfo::exists(local) && fileMd5(local) == textOf(entry, "MD5").toLower())
+        if (QFileInfo::exists(local) && m_localDigests.md5Of(local) == textOf(entry, "MD5").toLower())
             continue; // in step already
         // A differing local file stays until its replacement is complete.
         m_downloadList << QStringLiteral("job/R%1/").arg(robot) + name;
     }
-    m_listSeen = true;
 }
 
 void TcpUpDownFile::recvJobFileList(QByteArray data)
 {
-    // The plain name list of one robot: kept for the application's lists.
+    // The plain name list of one robot: only its count is checked.
     Json::Value v;
-    if (!qrx::parsePayload(data, v) || !v.isObject())
-        return;
-    const int robot = v["robot"].asInt();
-    if (robot < 1 || robot > 4)
+    if (m_state != State::AwaitingList || !qrx::parsePayload(data, v) || !v.isObject())
         return;
     const Json::Value &list = v["jobfilelist"];
-    if (v["jobfilenum"].isIntegral() && list.isArray() && v["jobfilenum"].asInt() != int(list.size())) {
+    if (v["jobfilenum"].isIntegral() && list.isArray() && v["jobfilenum"].asInt() != int(list.size()))
         qCInfo(lcTransfer).noquote() << tr("控制器发送文件名个数不符");
-        return;
-    }
-    m_jobLists[robot - 1].clear();
-    for (const Json::Value &name : list)
-        m_jobLists[robot - 1] << QString::fromStdString(name.asString());
 }
 
 void TcpUpDownFile::recvJobFileInfoFinish()
 {
-    if (m_finished || m_mode != JobDownload)
-        return;
-    slot_startSyncJobFile();
+    if (m_state == State::AwaitingList && m_mode == JobDownload)
+        startDownloads();
 }
 
-void TcpUpDownFile::slot_startSyncJobFile()
+// ---- the log and ENI lists -----------------------------------------------------------
+
+void TcpUpDownFile::recvControlLogList(QByteArray data)
 {
-    emit signal_startSyncJobFile();
-    m_downloadIndex = -1;
-    if (m_downloadList.isEmpty()) {
-        emit reflushprolist();
-        emit reflushprolistP();
-        emit reflushprolistPunch();
-        finish();
+    if (m_mode == LogDownload)
+        receiveList(data, LogDownload);
+}
+
+void TcpUpDownFile::recvControlENIList(QByteArray data)
+{
+    if (m_mode == EniDownload)
+        receiveList(data, EniDownload);
+}
+
+void TcpUpDownFile::receiveList(const QByteArray &data, Mode mode)
+{
+    Json::Value v;
+    if (m_state != State::AwaitingList || !qrx::parsePayload(data, v) || !v.isObject())
+        return;
+    const bool logs = mode == LogDownload;
+    const Json::Value &list = v[logs ? "logfilelist" : "ENIfilelist"];
+    const QString folder = textOf(v, "absolutepath");
+    QStringList names;
+    if (list.isArray()) {
+        for (const Json::Value &entry : list) {
+            const QString name = entry.isString() ? QString::fromStdString(entry.asString()) : QString();
+            const QString path = folder.isEmpty() ? name : folder + QLatin1Char('/') + name;
+            if (!isPlainName(name) || !isRelativePath(path.startsWith(QLatin1Char('/')) ? path.mid(1) : path)) {
+                fail(tr("控制器发送的文件名不安全，已中止传输：") + name);
+                return;
+            }
+            names << path;
+        }
+    }
+    if (names.isEmpty()) {
+        fail(logs ? tr("控制器发送的日志列表为空，无法导出控制器日志")
+                  : tr("控制器发送的ENI列表为空，无法导出控制器ENI"));
         return;
     }
-    if (connectFileSocket())
-        requestNext();
+    m_downloadList = names;
+    startDownloads();
 }
+
+// ---- one file after the other ------------------------------------------------------------
 
 void TcpUpDownFile::requestNext()
 {
-    ++m_downloadIndex;
-    if (m_downloadIndex >= m_downloadList.size()) {
-        sendJson(code::ExportFinished, jsonOf({{"finish", "yes"}}));
-        if (m_mode == JobDownload) {
-            emit reflushprolist();
-            emit reflushprolistP();
-            emit reflushprolistPunch();
-        } else if (m_mode == ConfigDownload) {
-            emit signal_downLoadConfigFileFinish();
-        }
+    if (++m_downloadIndex >= m_downloadList.size()) {
+        if (m_mode == LogDownload || m_mode == EniDownload)
+            sendFrame(code::ExportFinished, jsonOf({{"finish", "yes"}}));
         finish();
         return;
     }
+    m_name = m_downloadList.at(m_downloadIndex);
     m_expected = -1;
     m_received = 0;
-    sendJson(code::RequestFile, jsonOf({{"name", utf8(m_downloadList.at(m_downloadIndex))}}));
+    setState(State::Requested);
+    sendFrame(code::RequestFile, jsonOf({{"name", utf8(m_name)}}));
 }
 
 QString TcpUpDownFile::brokenText() const
@@ -168,55 +177,70 @@ QString TcpUpDownFile::refusalText() const
 void TcpUpDownFile::downloadHeader(const QByteArray &payload)
 {
     Json::Value v;
+    if (m_state != State::Requested) {
+        fail(failureText()); // a header nobody asked for
+        return;
+    }
     if (!qrx::parsePayload(payload, v))
         return;
-    const QString requested = m_downloadList.value(m_downloadIndex);
     if (textOf(v, "answer") != QLatin1String("yes")) {
         fail(refusalText());
         return;
     }
     const QString name = textOf(v, "name");
-    if (name != requested) {
-        fail(tr("文件名有误：") + requested + QStringLiteral(" -- ") + name);
+    if (name != m_name) {
+        fail(tr("文件名有误：") + m_name + QStringLiteral(" -- ") + name);
         return;
     }
     if (!v["size"].isIntegral() || v["size"].asInt64() < 0) {
-        fail(tr("程序下载失败：") + requested);
+        fail(tr("程序下载失败：") + m_name);
         return;
     }
     m_expected = v["size"].asInt64();
-}
-
-QString TcpUpDownFile::localPathFor(const QString &requested) const
-{
-    if (m_mode == JobDownload) {
-        // "job/R<n>/<name>" -> "<root>/robotJob/R<n>/<name>"
-        return m_jobRoot + QStringLiteral("/robotJob/") + requested.mid(4);
+    if (m_mode != JobDownload) {
+        setState(State::AwaitingBegin); // the controller announces the file with 0x5521
+        return;
     }
-    return m_targetFolder + QLatin1Char('/') + QFileInfo(requested).fileName();
+    if (openTarget()) { // a job file: the host confirms at once
+        setState(State::Receiving);
+        sendFrame(code::FileReady, jsonOf({{"name", utf8(m_name)}}));
+    }
 }
 
 void TcpUpDownFile::fileBegins(const QByteArray &payload)
 {
     Json::Value v;
-    if (!qrx::parsePayload(payload, v))
-        return;
-    const QString requested = m_downloadList.value(m_downloadIndex);
-    if (m_expected < 0 || textOf(v, "name") != requested) {
-        fail(tr("文件名有误：") + requested + QStringLiteral(" -- ") + textOf(v, "name"));
+    if (m_state != State::AwaitingBegin) {
+        fail(failureText());
         return;
     }
-    const QString path = localPathFor(requested);
-    const QString folder = QFileInfo(path).absolutePath();
-    const QString base = QFileInfo(requested).fileName();
-    if (!QDir().mkpath(folder)) {
+    if (!qrx::parsePayload(payload, v))
+        return;
+    if (v.isObject() && v.isMember("name") && textOf(v, "name") != m_name) {
+        fail(tr("文件名有误：") + m_name + QStringLiteral(" -- ") + textOf(v, "name"));
+        return;
+    }
+    if (openTarget()) {
+        setState(State::Receiving);
+        sendFrame(code::FileReady, jsonOf({{"name", utf8(m_name)}}));
+    }
+}
+
+// Creates the file being downloaded beside its place (QSaveFile); false,
+// after the failure, when its folder or the file cannot be made.
+bool TcpUpDownFile::openTarget()
+{
+    const QString path = m_mode == JobDownload ? m_jobRoot + QStringLiteral("/robotJob/") + m_name.mid(4)
+                                               : m_targetFolder + QLatin1Char('/') + QFileInfo(m_name).fileName();
+    const QString base = QFileInfo(m_name).fileName();
+    if (!QDir().mkpath(QFileInfo(path).absolutePath())) {
         switch (m_mode) {
         case ConfigDownload: fail(tr("无法创建配置文件路径，无法继续下载")); break;
         case LogDownload: fail(tr("无法创建日志文件路径，无法继续下载")); break;
         case EniDownload: fail(tr("无法创建ENI文件路径，无法继续下载")); break;
-        default: fail(tr("程序下载失败：") + requested); break;
+        default: fail(tr("程序下载失败：") + m_name); break;
         }
-        return;
+        return false;
     }
     m_target = std::make_unique<QSaveFile>(path);
     if (!m_target->open(QIODevice::WriteOnly)) {
@@ -226,115 +250,37 @@ void TcpUpDownFile::fileBegins(const QByteArray &payload)
         case EniDownload: fail(tr("无法创建ENI文件【") + base + tr("】")); break;
         default: fail(tr("创建文件失败")); break;
         }
-        return;
+        return false;
     }
     m_received = 0;
-    sendJson(code::FileReady, jsonOf({{"name", utf8(requested)}}));
+    return true;
 }
 
 void TcpUpDownFile::fileData(const QByteArray &payload)
 {
-    const QString requested = m_downloadList.value(m_downloadIndex);
-    if (!m_target) {
-        fail(brokenText());
+    if (m_state != State::Receiving || !m_target) {
+        fail(failureText());
         return;
     }
-    if (m_received < m_expected) {
+    if (m_received < m_expected) { // the header's size tells data from the closing frame
         if (m_received + payload.size() > m_expected || m_target->write(payload) != payload.size()) {
             fail(brokenText());
             return;
         }
         m_received += payload.size();
         if (m_progress)
-            m_progress(requested, m_received, m_expected);
+            m_progress(m_name, m_received, m_expected);
         return;
     }
     Json::Value v;
-    if (!qrx::parsePayload(payload, v) || textOf(v, "finish") != QLatin1String("yes") || !m_target->commit()) {
+    if (!qrx::parsePayload(payload, v) || !finishes(v) || !m_target->commit()) {
         fail(brokenText());
         return;
     }
     m_target.reset();
     if (m_progress && m_expected == 0)
-        m_progress(requested, 0, 0);
+        m_progress(m_name, 0, 0);
     ++m_filesDone;
-    sendJson(code::FileStored, jsonOf({{"name", utf8(requested)}, {"size", Json::Int64(m_received)}}));
+    sendFrame(code::FileStored, jsonOf({{"name", utf8(m_name)}, {"size", Json::Int64(m_received)}}));
     requestNext();
-}
-
-// ---- configuration, log and ENI lists --------------------------------------------
-
-void TcpUpDownFile::recvControlLogList(QByteArray data)
-{
-    if (m_mode == LogDownload)
-        receiveList(data, LogDownload);
-}
-
-void TcpUpDownFile::recvControlENIList(QByteArray data)
-{
-    if (m_mode == EniDownload)
-        receiveList(data, EniDownload);
-}
-
-void TcpUpDownFile::receiveList(const QByteArray &data, Mode mode)
-{
-    Json::Value v;
-    if (m_finished || !qrx::parsePayload(data, v) || !v.isObject())
-        return;
-    const bool logs = mode == LogDownload;
-    const Json::Value &list = v[logs ? "logfilelist" : "ENIfilelist"];
-    const QString folder = textOf(v, "absolutepath");
-    QStringList names;
-    if (list.isArray()) {
-        for (const Json::Value &entry : list) {
-            const QString name = entry.isString() ? QString::fromStdString(entry.asString()) : QString();
-            if (!isPlainName(name)) {
-                fail(tr("控制器发送的文件名不安全，已中止传输：") + name);
-                return;
-            }
-            names << (folder.isEmpty() ? name : folder + QLatin1Char('/') + name);
-        }
-    }
-    if (names.isEmpty()) {
-        const QString text = logs ? tr("控制器发送的日志列表为空，无法导出控制器日志")
-                                  : tr("控制器发送的ENI列表为空，无法导出控制器ENI");
-        qCInfo(lcTransfer).noquote() << text;
-        m_lastFailure = text;
-        ++m_failed;
-        finish();
-        return;
-    }
-    for (const QString &name : names) {
-        if (!isRelativePath(name.startsWith(QLatin1Char('/')) ? name.mid(1) : name)) {
-            fail(tr("控制器发送的文件名不安全，已中止传输：") + name);
-            return;
-        }
-    }
-    m_downloadList = names;
-    m_downloadIndex = -1;
-    if (connectFileSocket())
-        requestNext();
-}
-
-// ---- consent ------------------------------------------------------------------------
-
-void TcpUpDownFile::slot_existTeachbox(QByteArray data)
-{
-    Json::Value v;
-    if (qrx::parsePayload(data, v))
-        m_consent = textOf(v, "answer").toUtf8();
-}
-
-void TcpUpDownFile::slot_existTeachboxForController(QByteArray data)
-{
-    slot_existTeachbox(data);
-}
-
-void TcpUpDownFile::slot_autoSyncTeachbox()
-{
-    // "no": ask again after 500 ms, at most 10 times; "yes": synchronise.
-    for (int attempt = 0; attempt < 10 && m_consent != "yes"; ++attempt)
-        Robot::waitingPause(500);
-    if (m_consent == "yes")
-        startDownLoadJobFileFromController();
 }

@@ -33,4 +33,14 @@ inline QString textOf(const Json::Value &v, const char *key)
     return member.isString() ? QString::fromStdString(member.asString()) : QString();
 }
 
+// A message that carries "finish" ends its file, whatever the value, unless
+// the value says no outright ("no" or false).
+inline bool finishes(const Json::Value &v)
+{
+    if (!v.isObject() || !v.isMember("finish"))
+        return false;
+    const Json::Value &value = v["finish"];
+    return !(value.isBool() && !value.asBool()) && !(value.isString() && value.asString() == "no");
+}
+
 } // namespace qrx::transfer

@@ -69,11 +69,13 @@ const std::vector<Command> &commands()
          "without \".JBR\"); line shows the line being executed. run and step need\n"
          "the servo on and no job running.\n",
          {}, {}, true, runJob},
-        {"upload", "upload [--root DIR]", "send the local job files to the controller",
+        {"upload", "upload [--root DIR] [--pause MS]", "send the local job files to the controller",
          "Uploads every job file of DIR/robotJob/R1..R4 (DIR: --root, else $QRX_JOB_ROOT,\n"
          "else the current folder), with a progress bar on a terminal and one line per\n"
-         "file otherwise. Fails with \"timed out\" when nothing moves for --timeout.\n",
-         {"root"}, {}, true, runUpload},
+         "file otherwise. Fails with \"timed out\" when nothing moves for --timeout.\n"
+         "--pause: ms between two files (1000 by default, as the controller expects;\n"
+         "0 for a controller that stores files as they come).\n",
+         {"root", "pause"}, {}, true, runUpload},
         {"download", "download [--root DIR]", "fetch the controller's job files that differ",
          "Fetches the controller's job files whose MD5 differs from the local copy in\n"
          "DIR/robotJob/R1..R4 (DIR as for upload).\n",

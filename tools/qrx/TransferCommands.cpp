@@ -120,8 +120,11 @@ void chooseJobRoot(const Args &args)
 
 void runUpload(const Args &args)
 {
-    args.expect(0, 0, "upload [--root DIR]");
+    args.expect(0, 0, "upload [--root DIR] [--pause MS]");
     chooseJobRoot(args);
+    const std::string pause = args.option("pause", "");
+    if (!pause.empty())
+        qrx_set_transfer_pause(int(Args::toInteger(pause, "--pause")));
     runTransfer([] { upload_job(); });
     finish(progress().filesDone);
 }
