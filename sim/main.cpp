@@ -2,8 +2,7 @@
 
 #include "sim/files/FileOptions.h"
 #include "sim/Describe.h"
-#include "sim/PositionStream.h"
-#include "sim/Simulator.h"
+#include "sim/Fleet.h"
 #include "sim/replay/ReplayMain.h"
 
 #include <QCommandLineParser>
@@ -94,7 +93,12 @@ int main(int argc, char *argv[])
         QStringLiteral("Play the controller's side of a recording (QRX_RECORD, qrx_record) instead of "
                        "simulating: answers as recorded, reports departures on standard error."),
         QStringLiteral("FILE"));
-    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption, positionReportsOption, replayOption});
+    const QCommandLineOption countOption(
+        QStringLiteral("count"),
+        QStringLiteral("Simulate N independent controllers, on N consecutive addresses from --address (default 1)."),
+        QStringLiteral("N"), QStringLiteral("1"));
+    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption, positionReportsOption, countOption,
+                       replayOption});
     qrxsim::addFileOptions(parser);
     parser.process(app);
 
@@ -104,8 +108,11 @@ int main(int argc, char *argv[])
     const uint port = parser.value(portOption).toUInt(&portOk);
     bool heartbeatOk = false;
     const int heartbeat = parser.value(heartbeatOption).toInt(&heartbeatOk);
-    if (address.isNull() || !portOk || port > 0xFFFF || !heartbeatOk || heartbeat < 0) {
-        err << "qrx-sim: bad --address, --port or --heartbeat value; see --help\n";
+    bool countOk = false;
+    const int count = parser.value(countOption).toInt(&countOk);
+    if (address.isNull() || !portOk || port > 0xFFFF || !heartbeatOk || heartbeat < 0 || !countOk || count < 1 ||
+        (count > 1 && address.protocol() != QAbstractSocket::IPv4Protocol)) {
+        err << "qrx-sim: bad --address, --port, --heartbeat or --count value; see --help\n";
         return 2;
     }
 
@@ -114,21 +121,17 @@ int main(int argc, char *argv[])
         quitOnSignals(app);
         return qrxsim::replay::run(parser.value(replayOption), address, quint16(port));
     }
-    qrxsim::Simulator simulator;
-    simulator.setVerbose(parser.isSet(verboseOption));
-    simulator.recorder().setEnabled(false); // nobody reads it here
-    if (!simulator.listen(address, quint16(port)))
+    QTextStream out(stdout);
+    qrxsim::FleetOptions options;
+    options.verbose = parser.isSet(verboseOption);
+    options.heartbeatMs = heartbeat;
+    options.positionReports = qMax(0, parser.value(positionReportsOption).toInt());
+    qrxsim::Fleet fleet;
+    if (!fleet.start(address, quint16(port), count, options, parser, out))
         return 1;
-    simulator.setControllerHeartbeat(heartbeat);
-    qrxsim::startFileService(simulator, parser, address);
-    simulator.model().job.folder = parser.value(QStringLiteral("job-dir")).toStdString(); // jobs run from there
-    qrxsim::PositionStream positionStream(simulator, qMax(0, parser.value(positionReportsOption).toInt()));
     quitOnSignals(app);
 
-    QTextStream out(stdout);
-    out << "qrx-sim listening on " << address.toString() << ':' << simulator.port() << Qt::endl;
-
     const int code = app.exec();
-    simulator.shutdown();
+    fleet.shutdown();
     return code;
 }

@@ -5,7 +5,7 @@ import ctypes
 import ctypes.util
 import os
 from pathlib import Path
-from typing import Dict, List, Optional, Sequence, Tuple
+from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple
 
 from ._records import MotionRecord
 
@@ -103,6 +103,56 @@ _SIGNATURES: Dict[str, Tuple[List[object], object]] = {
 }
 
 
+# The functions that concern no single controller: no handle twin.
+_PROCESS_WIDE = ("connect_robot", "disconnect_robot", "qrx_connect_robot_port", "qrx_connect_robot_within",
+                 "qrx_last_call_timed_out", "qrx_record", "qrx_code_name")
+
+
+def twin(name: str) -> str:
+    """The handle API's name of a function: get_servo_state -> qrxc_get_servo_state,
+    qrx_wait_timeout -> qrxc_wait_timeout."""
+    return "qrxc_" + (name[4:] if name.startswith("qrx_") else name)
+
+
+_HANDLE = ctypes.c_void_p
+# The handle API: each function of one controller with the handle first,
+# and the handle's own calls.
+_HANDLE_SIGNATURES: Dict[str, Tuple[List[object], object]] = {
+    twin(name): ([_HANDLE] + args, result) for name, (args, result) in _SIGNATURES.items()
+    if name not in _PROCESS_WIDE
+}
+_HANDLE_SIGNATURES.update({
+    "qrxc_new": ([ctypes.c_char_p, ctypes.c_int], _HANDLE),
+    "qrxc_connect": ([_HANDLE], ctypes.c_int),
+    "qrxc_close": ([_HANDLE], None),
+    "qrxc_link_up": ([_HANDLE], ctypes.c_int),
+})
+
+
+class Bound:
+    """The library's functions acting on one controller: ``bound.get_servo_state()``
+    is ``qrxc_get_servo_state(handle)``, ``bound.qrx_wait_timeout()`` is
+    ``qrxc_wait_timeout(handle)``; the calling thread's own
+    ``qrx_last_call_timed_out`` is the library's. A handle of None (NULL)
+    gives each function's result without a link."""
+
+    def __init__(self, library: ctypes.CDLL, handle: Optional[int]) -> None:
+        self.library = library
+        self.handle = handle
+
+    def __getattr__(self, name: str) -> Callable[..., Any]:
+        if name in _PROCESS_WIDE:
+            function: Callable[..., Any] = getattr(self.library, name)
+            return function
+        twin_function: Callable[..., Any] = getattr(self.library, twin(name))
+        handle = self.handle
+
+        def call(*args: object) -> Any:
+            return twin_function(handle, *args)
+
+        return call
+
+
 def candidates() -> List[Path]:
     """Where the library is looked for, in order.
 
@@ -139,7 +189,7 @@ def load(path: Optional[str] = None) -> ctypes.CDLL:
     if library is None:
         raise OSError("libqrx_host not found; set QRX_HOST_LIBRARY to its path (looked in: "
                       + ", ".join(str(p) for p in tried[:4]) + ", ...)")
-    for name, (args, result) in _SIGNATURES.items():
+    for name, (args, result) in list(_SIGNATURES.items()) + list(_HANDLE_SIGNATURES.items()):
         function = getattr(library, name)
         function.argtypes = args
         function.restype = result

@@ -54,7 +54,7 @@ class RecordingError(ValueError):
 @functools.lru_cache(maxsize=None)
 def code_name(code: int, from_controller: bool, file_connection: bool = False) -> str:
     """The library's name of a code ("unknown" when it has none)."""
-    name = _library.library().qrx_code_name(code, int(from_controller), int(file_connection))
+    name: Optional[bytes] = _library.library().qrx_code_name(code, int(from_controller), int(file_connection))
     return name.decode() if name else "unknown"
 
 

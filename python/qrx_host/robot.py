@@ -3,11 +3,13 @@ from __future__ import annotations
 
 import atexit
 import ctypes
+import os
 import queue
 import threading
 import time
 import traceback
-from typing import Callable, Iterable, List, Optional, Sequence, Tuple, TypeVar
+import weakref
+from typing import Any, Callable, Iterable, List, Optional, Sequence, Tuple, TypeVar
 
 from . import _library
 from ._records import MotionRecord
@@ -43,7 +45,7 @@ class _Dispatcher:
     library's thread and never takes the library down."""
 
     def __init__(self) -> None:
-        self._queue: "queue.Queue[Tuple[Callable[..., None], tuple]]" = queue.Queue()
+        self._queue: "queue.Queue[Tuple[Callable[..., None], Tuple[object, ...]]]" = queue.Queue()
         self._thread = threading.Thread(target=self._run, name="qrx_host callbacks", daemon=True)
         self._thread.start()
 
@@ -73,18 +75,25 @@ def _dispatch() -> _Dispatcher:
         return _dispatcher
 
 
-@_library.ERROR_HANDLER
 def _on_message(text: bytes) -> None:
     callback = _message_callback
     if callback is not None:
         _dispatch().post(callback, text.decode("utf-8", "replace"))
 
 
-@_library.LINK_EVENT_HANDLER
 def _on_link_event(event: int, reason: int, _user: object) -> None:
     callback = _link_callback
     if callback is not None:
         _dispatch().post(callback, LinkEvent(event), LinkReason(reason))
+
+
+# What the library calls: kept alive here for the life of the process.
+_MESSAGE_POINTER = _library.ERROR_HANDLER(_on_message)
+_LINK_EVENT_POINTER = _library.LINK_EVENT_HANDLER(_on_link_event)
+
+# Every Robot with a controller of its own in the library (a handle).
+_robots: "weakref.WeakSet[Robot]" = weakref.WeakSet()
+_robots_lock = threading.Lock()
 
 
 @atexit.register
@@ -96,13 +105,13 @@ def _release_handlers() -> None:
     ended, so nothing of ours runs on its threads after this."""
     global _message_callback, _link_callback
     _message_callback = _link_callback = None
-    lib = _library.loaded()
-    if lib is not None:
-        lib.setErrorHandle(_library.ERROR_HANDLER())
-        lib.qrx_set_link_event_handler(_library.LINK_EVENT_HANDLER(), None)
+    with _robots_lock:
+        robots = list(_robots)
+    for robot in robots:
+        robot._release_handlers()
 
 
-def _doubles(n: int) -> ctypes.Array:
+def _doubles(n: int) -> "ctypes.Array[ctypes.c_double]":
     return (ctypes.c_double * n)()
 
 
@@ -125,19 +134,22 @@ class Robot(Transfers):
     (one round trip), so a refusal is raised by the call that caused it.
     ``matched_replies`` makes each call wait for the controller's answer to
     its own query (on by default here; the C library's default is off).
-    The library drives one controller per process: use one Robot at a time.
+    Each Robot is a controller of its own in the library (a handle of the
+    qrxc_ API): a process holds as many as it likes, each usable from
+    several threads at once.
     Files move with :meth:`upload_jobs`, :meth:`download_jobs`, the
     ``export_*`` calls and :meth:`import_config` (see :mod:`qrx_host.transfer`).
     """
 
     def __init__(self, address: str, timeout: Optional[float] = 2.0, *, port: int = 6001,
                  matched_replies: bool = True, connect: bool = True) -> None:
-        self._lib = _library.library()
+        self._raw = _library.library()
         self.address = address
         self.port = port
         self._open = False
-        self.timeout = timeout
-        self._lib.qrx_set_matched_replies(1 if matched_replies else 0)
+        self._lib = _library.Bound(self._raw, None)
+        self._timeout_s = timeout
+        self._matched_replies = matched_replies
         if connect:
             self.connect()
 
@@ -145,17 +157,44 @@ class Robot(Transfers):
     def connect(self) -> None:
         """Connects as soon as the controller answers, within ``timeout``
         (about five seconds without one); raises ConnectionRefused."""
-        bound = self.timeout or _CONNECT_S
-        ms = max(1, int(round(bound * 1000)))
-        if self._lib.qrx_connect_robot_within(self.address.encode("ascii"), self.port, ms) != 1:
+        if self._open:
+            return
+        bound = self._timeout_s or _CONNECT_S
+        handle = self._raw.qrxc_new(self.address.encode("ascii"), self.port)
+        if not handle:
+            raise ConnectionRefused(f"no controller at {self.address}:{self.port}")
+        self._lib = _library.Bound(self._raw, handle)
+        with _robots_lock:
+            _robots.add(self)
+        self._lib.setErrorHandle(_MESSAGE_POINTER)
+        self._lib.qrx_set_link_event_handler(_LINK_EVENT_POINTER, None)
+        self._lib.qrx_set_matched_replies(1 if self._matched_replies else 0)
+        self._lib.qrx_set_wait_timeout(max(1, int(round(bound * 1000))))
+        if self._job_root is not None:
+            self._lib.qrx_set_job_root(os.fspath(self._job_root).encode("utf-8"))
+        if self._raw.qrxc_connect(handle) != 1:
+            self._forget()
             raise ConnectionRefused(f"no controller answered at {self.address}:{self.port} within {bound:g} s")
+        self.timeout = self._timeout_s
         self._open = True
 
     def close(self) -> None:
         """Disconnects; the Robot can connect() again."""
         if self._open:
             self._open = False
-            self._lib.disconnect_robot()
+            self._forget()
+
+    def _forget(self) -> None:
+        """Closes the handle: its link ends, its calls give no-link results."""
+        handle = self._lib.handle
+        self._lib = _library.Bound(self._raw, None)
+        with _robots_lock:
+            _robots.discard(self)
+        self._raw.qrxc_close(handle)
+
+    def _release_handlers(self) -> None:
+        self._lib.setErrorHandle(_library.ERROR_HANDLER(0))
+        self._lib.qrx_set_link_event_handler(_library.LINK_EVENT_HANDLER(0), None)
 
     def __enter__(self) -> "Robot":
         return self
@@ -171,11 +210,11 @@ class Robot(Transfers):
     @property
     def timeout(self) -> Optional[float]:
         """The bound of every waiting call in seconds (None: no bound)."""
-        ms = self._lib.qrx_wait_timeout()
-        return ms / 1000.0 if ms > 0 else None
+        return self._timeout_s
 
     @timeout.setter
     def timeout(self, seconds: Optional[float]) -> None:
+        self._timeout_s = seconds
         self._lib.qrx_set_wait_timeout(0 if not seconds else max(1, int(round(seconds * 1000))))
 
     @property
@@ -201,24 +240,18 @@ class Robot(Transfers):
     @staticmethod
     def on_message(callback: Optional[MessageCallback]) -> None:
         """Calls callback(text) with each controller error, warning and
-        information text ("错误： ...", "警告： ...", "消息： ..."), on a
-        thread of qrx_host's Python layer; None switches it off."""
+        information text ("错误： ...", "警告： ...", "消息： ...") of every
+        Robot, on a thread of qrx_host's Python layer; None switches it off."""
         global _message_callback
         _message_callback = callback
-        Robot._library().setErrorHandle(_on_message if callback else _library.ERROR_HANDLER())
 
     @staticmethod
     def on_link_event(callback: Optional[LinkCallback]) -> None:
-        """Calls callback(event, reason) when the link comes up, drops and
-        comes back, on a thread of qrx_host's Python layer; None: off."""
+        """Calls callback(event, reason) when the link of a Robot comes up,
+        drops and comes back, on a thread of qrx_host's Python layer; None:
+        off."""
         global _link_callback
         _link_callback = callback
-        lib = Robot._library()
-        lib.qrx_set_link_event_handler(_on_link_event if callback else _library.LINK_EVENT_HANDLER(), None)
-
-    @staticmethod
-    def _library() -> ctypes.CDLL:
-        return _library.library()
 
     # ---- waiting calls and commands ----------------------------------------
     def _wait(self, call: Callable[[], T], name: str) -> T:
@@ -235,7 +268,7 @@ class Robot(Transfers):
             raise CallTimedOut(f"{name}: no reply from the controller in time")
         return value
 
-    def _command(self, call: Callable[[], None], name: str) -> None:
+    def _command(self, call: Callable[[], Any], name: str) -> None:
         """Runs a C call that only sends, then waits until the controller
         has taken it (within the timeout): raises Refused when the
         controller refused it, CallTimedOut when it did not answer."""
@@ -395,7 +428,7 @@ class Robot(Transfers):
         if timeout == ROBOT_TIMEOUT:
             timeout = self.timeout
         ms = 0 if not timeout else max(1, int(timeout * 1000))
-        done = self._wait(lambda: self._lib.qrx_wait_move_done(goal, int(coord), tolerance, ms), "wait_move_done")
+        done = self._wait(lambda: int(self._lib.qrx_wait_move_done(goal, int(coord), tolerance, ms)), "wait_move_done")
         if done != 1:
             raise CallTimedOut("wait_move_done: the robot did not get there in time")
 
@@ -430,7 +463,7 @@ class Robot(Transfers):
 
     def global_variable(self, name: str) -> float:
         """A global variable ("GI001", "GD002", "GB003")."""
-        return float(self._wait(lambda: self._lib.get_global_variant(_text(name)), "get_global_variant"))
+        return self._wait(lambda: float(self._lib.get_global_variant(_text(name))), "get_global_variant")
 
     def set_global_variable(self, name: str, value: float) -> None:
         self._command(lambda: self._lib.set_global_variant(_text(name), value), "set_global_variant")

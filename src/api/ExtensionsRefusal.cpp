@@ -25,31 +25,14 @@
 
 #include <mutex>
 #include <string>
-#include <unordered_set>
 
 namespace qrx::api {
+
+using qrx::controller::Controller;
 
 namespace {
 
 constexpr int kServoAlarmType = 0x6010;
-
-struct Refusals
-{
-    std::mutex mutex;
-    const Robot *robot = nullptr; // the Robot whose link is watched (compared, never used)
-    const TcpConnectModule *link = nullptr; // its link (compared, never used)
-    quint16 lastCommand = 0;      // the last command sent (0: none yet)
-    quint16 answered = 0;         // the command the kept refusal answered (0: none)
-    int type = 0;                 // its "type" (0 when it had none)
-    std::string text;             // its "data"
-    std::unordered_set<const Robot *> wired; // Robots whose link is connected to this
-};
-
-Refusals &refusals()
-{
-    static Refusals *all = new Refusals; // reached from library threads until the end
-    return *all;
-}
 
 bool isQuery(quint16 request)
 {
@@ -69,17 +52,15 @@ bool isHostCommand(quint16 command)
     return *ApiCall::currentFunction() != '\0' || command == protocol::code::JogStep;
 }
 
-void onSent(const TcpConnectModule *link, quint16 command)
+void onSent(Controller &controller, quint16 command)
 {
     if (!isHostCommand(command))
         return;
-    Refusals &r = refusals();
-    std::lock_guard<std::mutex> lock(r.mutex);
-    if (link && r.link == link)
-        r.lastCommand = command;
+    std::lock_guard<std::mutex> lock(controller.refusalMutex);
+    controller.refusal.lastCommand = command;
 }
 
-void onError(const Robot *robot, const QByteArray &payload)
+void onError(Controller &controller, const QByteArray &payload)
 {
     Json::Value root;
     if (!parsePayload(payload, root) || !root.isObject() || !root.isMember("data"))
@@ -88,9 +69,9 @@ void onError(const Robot *robot, const QByteArray &payload)
     const int type = typed ? jsonInt(root, "type") : 0;
     if (typed && type == kServoAlarmType)
         return;
-    Refusals &r = refusals();
-    std::lock_guard<std::mutex> lock(r.mutex);
-    if (r.robot != robot || r.lastCommand == 0 || r.answered != 0)
+    std::lock_guard<std::mutex> lock(controller.refusalMutex);
+    Controller::Refusal &r = controller.refusal;
+    if (r.lastCommand == 0 || r.answered != 0)
         return;
     r.answered = r.lastCommand;
     r.type = type;
@@ -99,33 +80,19 @@ void onError(const Robot *robot, const QByteArray &payload)
 
 } // namespace
 
-void attachRefusals(Robot *robot)
+void attachRefusals(Controller &controller, Robot *robot)
 {
     {
-        Refusals &r = refusals();
-        std::lock_guard<std::mutex> lock(r.mutex);
-        r.robot = robot;
-        r.link = robot->link();
-        r.lastCommand = r.answered = 0;
-        r.type = 0;
-        r.text.clear();
-        // A Robot that connects again keeps the connections it has.
-        if (!r.wired.insert(robot).second)
-            return;
+        std::lock_guard<std::mutex> lock(controller.refusalMutex);
+        controller.refusal = Controller::Refusal();
     }
-    QObject::connect(robot, &QObject::destroyed, [robot] {
-        Refusals &r = refusals();
-        std::lock_guard<std::mutex> lock(r.mutex);
-        r.wired.erase(robot);
-        if (r.robot == robot) {
-            r.robot = nullptr;
-            r.link = nullptr;
-        }
-    });
-    TcpConnectModule::setSendObserver(onSent);
+    // The Robot is the controller's from now on: its link's frames are this
+    // controller's commands and errors.
     TcpConnectModule *link = robot->link();
+    Controller *const owner = &controller;
+    link->setSendObserver([owner](quint16 command) { onSent(*owner, command); });
     QObject::connect(
-        link, &LinkNotifications::receivedError, robot, [robot](const QByteArray &payload) { onError(robot, payload); },
+        link, &LinkNotifications::receivedError, robot, [owner](const QByteArray &payload) { onError(*owner, payload); },
         Qt::DirectConnection);
 }
 
@@ -137,23 +104,25 @@ extern "C" {
 
 int qrx_last_refusal(char *text, int size)
 {
-    Refusals &r = refusals();
-    std::lock_guard<std::mutex> lock(r.mutex);
+    QRX_CONTROLLER_OR_RETURN(controller, 0);
+    std::lock_guard<std::mutex> lock(controller->refusalMutex);
+    const Controller::Refusal &r = controller->refusal;
     copyText(r.answered ? r.text : std::string(), text, size);
     return r.answered;
 }
 
 int qrx_last_refusal_type(void)
 {
-    Refusals &r = refusals();
-    std::lock_guard<std::mutex> lock(r.mutex);
-    return r.answered ? r.type : 0;
+    QRX_CONTROLLER_OR_RETURN(controller, 0);
+    std::lock_guard<std::mutex> lock(controller->refusalMutex);
+    return controller->refusal.answered ? controller->refusal.type : 0;
 }
 
 void qrx_clear_refusal(void)
 {
-    Refusals &r = refusals();
-    std::lock_guard<std::mutex> lock(r.mutex);
+    QRX_CONTROLLER_OR_RETURN(controller);
+    std::lock_guard<std::mutex> lock(controller->refusalMutex);
+    Controller::Refusal &r = controller->refusal;
     r.answered = 0;
     r.type = 0;
     r.text.clear();
@@ -167,7 +136,7 @@ int qrx_confirm(void)
         // Its own reply ends the wait, whatever the host chose for getters.
         ReplyTicket ticket;
         ticket.reply = replyCodeFor(qrx::protocol::code::GetRunStatus);
-        ticket.seen = replyCount(robot, ticket.reply);
+        ticket.seen = replyCount(ticket.reply);
         if (!robot->send(qrx::protocol::code::GetRunStatus, payloadOf(withCurrentRobot(robot)))) {
             setLastCallTimedOut(true); // the link is down: no answer comes
             return -1;

@@ -2,15 +2,8 @@
 
 #include "common/Logging.h"
 #include "link/FrameCodec.h"
+#include "link/IoThreads.h"
 #include "link/TcpConnectModulePrivate.h"
-
-#include <atomic>
-
-namespace {
-
-std::atomic<TcpConnectModule::SendObserver> s_sendObserver{nullptr};
-
-} // namespace
 
 TcpConnectModule::TcpConnectModule(QString ip, quint16 port, int timeBase, QObject *parent)
     : LinkSenders(parent)
@@ -34,6 +27,11 @@ void TcpConnectModule::start()
     d->startLink();
 }
 
+void TcpConnectModule::useSharedIoThread()
+{
+    d->setIoThread(qrx::sharedIoThread());
+}
+
 void TcpConnectModule::setReceiveTimeout(int msecs)
 {
     d->setReceiveTimeout(msecs);
@@ -48,14 +46,18 @@ bool TcpConnectModule::sendData(quint16 command, QByteArray payload)
         return false;
     // Before the write: the answer may be taken on the link thread before
     // this thread returns from it.
-    if (const SendObserver observer = s_sendObserver.load())
-        observer(this, command);
+    {
+        std::lock_guard<std::mutex> lock(m_observerMutex);
+        if (m_sendObserver)
+            m_sendObserver(command);
+    }
     return d->writeFrame(frame);
 }
 
 void TcpConnectModule::setSendObserver(SendObserver observer)
 {
-    s_sendObserver.store(observer);
+    std::lock_guard<std::mutex> lock(m_observerMutex);
+    m_sendObserver = std::move(observer);
 }
 
 bool TcpConnectModule::sendBytes(QByteArray frame)

@@ -26,6 +26,8 @@
 #include <QDateTime>
 #include <QSharedPointer>
 #include <QString>
+#include <functional>
+#include <mutex>
 
 class TcpConnectModulePrivate;
 
@@ -39,6 +41,9 @@ public:
 
     // Starts the link thread; returns once its timers run.
     void start();
+    // Has the link served by one of the library's shared I/O threads
+    // (link/IoThreads.h) rather than a thread of its own; before start().
+    void useSharedIoThread();
     // How long a connected link may stay silent before the time-out closes
     // it: 7 s unless set (the controller's own figure, whatever the time
     // base). A test of many silent drops sets a short one.
@@ -51,9 +56,9 @@ public:
     bool sendData(quint16 command, QByteArray payload) override;
     // Called in the sending thread with each frame sendData() is about to
     // hand to a link, before the write (the heartbeat, which the link writes
-    // itself, is none). One for the process; null (the default): none.
-    using SendObserver = void (*)(const TcpConnectModule *link, quint16 command);
-    static void setSendObserver(SendObserver observer);
+    // itself, is none). Empty (the default): none.
+    using SendObserver = std::function<void(quint16 command)>;
+    void setSendObserver(SendObserver observer);
     // Writes bytes that are already framed, under the same conditions.
     bool sendBytes(QByteArray frame);
 
@@ -84,4 +89,6 @@ public Q_SLOTS:
 
 private:
     QSharedPointer<TcpConnectModulePrivate> d;
+    std::mutex m_observerMutex;
+    SendObserver m_sendObserver;
 };

@@ -11,7 +11,7 @@ WORK="$3"
 rm -rf "$WORK"
 mkdir -p "$WORK"
 cp -r "$SOURCE" "$WORK/source"
-"$PYTHON" -m pip install --quiet --no-index --disable-pip-version-check --target "$WORK/site" "$WORK/source"
+"$PYTHON" -m pip install --quiet --no-index --no-build-isolation --disable-pip-version-check --target "$WORK/site" "$WORK/source"
 left=$(diff <(cd "$SOURCE" && find . -not -name '*.pyc' -not -name __pycache__ | sort) \
             <(cd "$WORK/source" && find . -not -name '*.pyc' -not -name __pycache__ | sort) || true)
 if [ -n "$left" ]; then

@@ -50,15 +50,17 @@ def demo(tmp_path_factory: pytest.TempPathFactory) -> Iterator[Demo]:
     jobs.mkdir()
     sim = Sim(next_address(), options=["--job-dir", str(jobs)])
     sim.start()
-    pcap = folder / "demo.pcap"
-    result = subprocess.run([DEMO, sim.address, "--job-files"], capture_output=True, text=True, timeout=120,
-                            env=dict(os.environ, QRX_RECORD=str(pcap)))
-    run = Demo(sim, jobs, pcap, result)
-    sent = sum(1 for f in run.frames if f.direction == recording.TO_CONTROLLER and not f.file_connection)
-    # The simulator traces what it reads; the host may have left before that.
-    assert wait_for(lambda: sim.log.read_text().count("\n<- ") >= sent, 20)
-    yield run
-    sim.stop()
+    try:
+        pcap = folder / "demo.pcap"
+        result = subprocess.run([DEMO, sim.address, "--job-files"], capture_output=True, text=True, timeout=120,
+                                env=dict(os.environ, QRX_RECORD=str(pcap)))
+        run = Demo(sim, jobs, pcap, result)
+        sent = sum(1 for f in run.frames if f.direction == recording.TO_CONTROLLER and not f.file_connection)
+        # The simulator traces what it reads; the host may have left before that.
+        assert wait_for(lambda: sim.log.read_text().count("\n<- ") >= sent, 20)
+        yield run
+    finally:
+        sim.stop()
     sim.log.unlink()
 
 
