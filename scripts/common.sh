@@ -10,6 +10,7 @@ QRX_PACKAGES=(cmake ninja-build g++ pkg-config qtbase5-dev qtbase5-dev-tools
   clang libclang-rt-14-dev)
 QRX_PACKAGES+=(tshark) # the dissector's test reads captures with it
 QRX_PACKAGES+=(python3-pytest python3-setuptools python3-wheel python3-pip)
+QRX_PACKAGES+=(libmosquitto-dev libsystemd-dev mosquitto mosquitto-clients) # qrx-bridge and its tests
 
 qrx_install_missing() {
   local missing=()

@@ -95,7 +95,7 @@ int main(int argc, char **argv)
         std::cerr << "qrx-bridge: " << error << '\n';
         return 1;
     }
-    std::thread signals([&] {
+    std::thread signalWaiter([&] {
         int signal = 0;
         sigwait(&stopSignals, &signal);
         qCInfo(lcBridge, "signal %d: stopping", signal);
@@ -105,6 +105,6 @@ int main(int argc, char **argv)
     Watchdog watchdog;
     bridge.run([&] { watchdog.tick(); });
     sd_notify(0, "STOPPING=1");
-    signals.join();
+    signalWaiter.join();
     return 0;
 }

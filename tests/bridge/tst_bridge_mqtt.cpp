@@ -1,0 +1,401 @@
+// qrx-bridge as a plant runs it: a real mosquitto broker with passwords and
+// an ACL, simulated controllers (qrx-sim), two bridges of one cell on the
+// one broker, and clients that read states and alarms and send commands.
+// Controllers and the broker are killed and stopped on purpose.
+
+#include "MqttProbe.h"
+#include "support/Loopback.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <json/reader.h>
+#include <map>
+#include <memory>
+#include <set>
+#include <signal.h>
+#include <unistd.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int kBrokerPort = 1883;
+const char *const kStateFields[] = {"cartesian", "coord", "joints", "line", "link", "mode", "running",
+                                    "servo", "speed", "time", "tool", "type"};
+
+Json::Value parse(const std::string &text)
+{
+    Json::Value value;
+    Json::Reader().parse(text, value);
+    return value;
+}
+
+// The last byte of the broker's address plus n: the controllers' addresses.
+QString nextAddress(const QString &base, int n)
+{
+    QStringList bytes = base.split('.');
+    bytes[3] = QString::number(bytes[3].toInt() + n);
+    return bytes.join('.');
+}
+
+} // namespace
+
+class TestBridgeMqtt : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void cleanupTestCase();
+    void brokerRefusesStrangers();
+    void bridgesAndStatesRetained();
+    void commandAnsweredAndStateFollows();
+    void badInputNeverReachesController_data();
+    void badInputNeverReachesController();
+    void refusedAlarmPublished();
+    void commandsOffByDefault();
+    void requestsWithoutAnswerOrRetained();
+    void silentControllerBusyOthersGoOn();
+    void killedControllerShowsLinkLost();
+    void brokerRestartRepublishes();
+    void cleanStopAndWill();
+
+private:
+    void startBroker();
+    void startSim(int n);
+    void startBridge(const QString &id, const QStringList &controllers, bool allowCommands);
+    std::unique_ptr<MqttProbe> client(const QString &user);
+    QByteArray simLog(int n) const;
+    static int count(const QByteArray &log, const QByteArray &what) { return log.count(what); }
+
+    QTemporaryDir m_dir;
+    QString m_address;
+    std::unique_ptr<QProcess> m_broker;
+    std::map<int, std::unique_ptr<QProcess>> m_sims;
+    std::map<QString, std::unique_ptr<QProcess>> m_bridges;
+    std::unique_ptr<MqttProbe> m_operator;
+};
+
+void TestBridgeMqtt::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    m_address = testsupport::loopbackAddress();
+    QVERIFY2(m_address.split('.')[3].toInt() <= 250, "the controllers take the four addresses after the broker's");
+
+    // Three users: the bridges, an operator who may send commands, a reader.
+    const QString passwd = m_dir.filePath("passwd");
+    for (const char *user : {"bridge", "operator", "reader"}) {
+        QStringList args{"-b", passwd, user, QString(user) + "-secret"};
+        if (QString(user) == "bridge")
+            args.prepend("-c");
+        QCOMPARE(QProcess::execute(QRX_MOSQUITTO_PASSWD_PATH, args), 0);
+    }
+    QFile acl(m_dir.filePath("acl"));
+    QVERIFY(acl.open(QIODevice::WriteOnly));
+    acl.write("user bridge\ntopic readwrite qrx/#\ntopic write replies/#\n\n"
+              "user operator\ntopic read qrx/#\ntopic write qrx/+/+/cmd/#\ntopic read replies/#\n\n"
+              "user reader\ntopic read qrx/#\ntopic read replies/#\n");
+    acl.close();
+    QFile conf(m_dir.filePath("mosquitto.conf"));
+    QVERIFY(conf.open(QIODevice::WriteOnly));
+    conf.write(QStringLiteral("listener %1 %2\nallow_anonymous false\npassword_file %3\nacl_file %4\n"
+                              "persistence false\nlog_dest stderr\n%5")
+                   .arg(kBrokerPort)
+                   .arg(m_address, passwd, acl.fileName(), getuid() == 0 ? "user root\n" : "")
+                   .toUtf8());
+    conf.close();
+    startBroker();
+
+    for (int n = 1; n <= 4; ++n)
+        startSim(n);
+    // Bridge a serves r1 to r3 and runs commands; bridge b serves r4 only
+    // and refuses them: two bridges of one cell on one broker.
+    startBridge("a", {"r1=" + nextAddress(m_address, 1), "r2=" + nextAddress(m_address, 2),
+                      "r3=" + nextAddress(m_address, 3)},
+                true);
+    startBridge("b", {"r4=" + nextAddress(m_address, 4)}, false);
+    m_operator = client("operator");
+    QCOMPARE(m_operator->connectResult(), 0);
+    QVERIFY(m_operator->subscribe("qrx/#"));
+}
+
+void TestBridgeMqtt::cleanupTestCase()
+{
+    m_operator.reset();
+    for (auto &[id, bridge] : m_bridges)
+        bridge->terminate();
+    for (auto &[id, bridge] : m_bridges)
+        bridge->waitForFinished(10000);
+    m_bridges.clear();
+    m_sims.clear(); // QProcess kills what still runs
+    m_broker.reset();
+}
+
+void TestBridgeMqtt::startBroker()
+{
+    m_broker = std::make_unique<QProcess>();
+    m_broker->setStandardOutputFile(m_dir.filePath("broker.log"), QIODevice::Append);
+    m_broker->setStandardErrorFile(m_dir.filePath("broker.log"), QIODevice::Append);
+    m_broker->start(QRX_MOSQUITTO_PATH, {"-c", m_dir.filePath("mosquitto.conf")});
+    QVERIFY(m_broker->waitForStarted());
+    // Up when a known user gets in.
+    QTRY_VERIFY_WITH_TIMEOUT(client("reader")->connectResult() == 0, 20000);
+}
+
+void TestBridgeMqtt::startSim(int n)
+{
+    auto sim = std::make_unique<QProcess>();
+    sim->setStandardOutputFile(m_dir.filePath(QString("sim%1.log").arg(n)));
+    sim->setStandardErrorFile(m_dir.filePath(QString("sim%1.log").arg(n)));
+    sim->start(QRX_SIM_PATH, {"--address", nextAddress(m_address, n), "--verbose", "--file-port", "0"});
+    QVERIFY(sim->waitForStarted());
+    m_sims[n] = std::move(sim);
+    QTRY_VERIFY_WITH_TIMEOUT(simLog(n).contains("listening on"), 20000);
+}
+
+QByteArray TestBridgeMqtt::simLog(int n) const
+{
+    QFile log(m_dir.filePath(QString("sim%1.log").arg(n)));
+    return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
+}
+
+void TestBridgeMqtt::startBridge(const QString &id, const QStringList &controllers, bool allowCommands)
+{
+    QFile password(m_dir.filePath("bridge.password"));
+    password.open(QIODevice::WriteOnly);
+    password.write("bridge-secret\n");
+    password.close();
+    QStringList args{"--broker", m_address + ':' + QString::number(kBrokerPort), "--cell", "c1", "--id", id,
+                     "--username", "bridge", "--password-file", password.fileName(), "--queue", "4"};
+    for (const QString &c : controllers)
+        args << "--controller" << c;
+    if (allowCommands)
+        args << "--allow-commands";
+    auto bridge = std::make_unique<QProcess>();
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("QRX_LANG", "en");
+    bridge->setProcessEnvironment(env);
+    bridge->setStandardOutputFile(m_dir.filePath("bridge-" + id + ".log"), QIODevice::Append);
+    bridge->setStandardErrorFile(m_dir.filePath("bridge-" + id + ".log"), QIODevice::Append);
+    bridge->start(QRX_BRIDGE_PATH, args);
+    QVERIFY(bridge->waitForStarted());
+    m_bridges[id] = std::move(bridge);
+}
+
+std::unique_ptr<MqttProbe> TestBridgeMqtt::client(const QString &user)
+{
+    return std::make_unique<MqttProbe>(m_address.toStdString(), kBrokerPort, user.toStdString(),
+                                       user.isEmpty() ? std::string() : (user + "-secret").toStdString());
+}
+
+void TestBridgeMqtt::brokerRefusesStrangers()
+{
+    QVERIFY(client("")->connectResult() > 0); // anonymous
+    MqttProbe wrong(m_address.toStdString(), kBrokerPort, "reader", "guess");
+    QVERIFY(wrong.connectResult() > 0);
+    // The reader may read but not command: the broker refuses the publish.
+    const auto reader = client("reader");
+    QCOMPARE(reader->connectResult(), 0);
+    QVERIFY(reader->publishAcked("qrx/c1/r1/cmd/speed", "{\"speed\":5}") >= 0x80);
+    QCOMPARE(m_operator->publishAcked("qrx/c1/r1/cmd/speed", "{\"speed\":5}"), 0);
+}
+
+void TestBridgeMqtt::bridgesAndStatesRetained()
+{
+    // A client that comes later finds everything retained.
+    const auto reader = client("reader");
+    QVERIFY(reader->subscribe("qrx/c1/#"));
+    for (const char *id : {"a", "b"})
+        QVERIFY2(reader->waitOn(std::string("qrx/c1/bridges/") + id, "online", 20s).retained, id);
+    for (const char *name : {"r1", "r2", "r3", "r4"}) {
+        const std::string topic = std::string("qrx/c1/") + name + "/state";
+        const auto m = reader->waitOn(topic, "\"link\":true", 20s);
+        QVERIFY2(!m.topic.empty(), name);
+        const Json::Value state = parse(m.payload);
+        QCOMPARE(state.getMemberNames(), std::vector<std::string>(std::begin(kStateFields), std::end(kStateFields)));
+        QCOMPARE(state["joints"].size(), 6u);
+        QCOMPARE(state["cartesian"].size(), 6u);
+        QVERIFY(QDateTime::fromString(QString::fromStdString(state["time"].asString()), Qt::ISODateWithMs).isValid());
+        QVERIFY(QString::fromStdString(state["time"].asString()).endsWith('Z'));
+    }
+}
+
+void TestBridgeMqtt::commandAnsweredAndStateFollows()
+{
+    m_operator->clear();
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":37}"), std::string("{\"ok\":true}"));
+    QVERIFY(!m_operator->waitOn("qrx/c1/r1/state", "\"speed\":37", 20s).topic.empty());
+    QTRY_VERIFY_WITH_TIMEOUT(simLog(1).contains("<- 0x2601 {\"robot\":1,\"speed\":37}"), 10000);
+    // At most --rate (2) states a second: a burst of changes comes out spaced.
+    m_operator->clear();
+    for (int speed : {11, 12, 13, 14, 15})
+        QCOMPARE(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":" + std::to_string(speed) + "}"),
+                 std::string("{\"ok\":true}"));
+    QVERIFY(!m_operator->waitOn("qrx/c1/r1/state", "\"speed\":15", 20s).topic.empty());
+    std::vector<std::chrono::steady_clock::time_point> times;
+    for (const auto &m : m_operator->messages())
+        if (m.topic == "qrx/c1/r1/state")
+            times.push_back(m.arrived);
+    for (std::size_t i = 1; i < times.size(); ++i)
+        QVERIFY(times[i] - times[i - 1] > 400ms); // 500 ms apart, less the broker's jitter
+}
+
+void TestBridgeMqtt::badInputNeverReachesController_data()
+{
+    QTest::addColumn<QString>("verb");
+    QTest::addColumn<QByteArray>("payload");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("malformed") << "move" << QByteArray("{\"kind\":\"joint\",") << "not valid JSON";
+    QTest::newRow("NaN") << "move" << QByteArray("{\"kind\":\"joint\",\"pos\":[NaN,0,0,0,0,0],\"speed\":5}")
+                         << "not valid JSON";
+    QTest::newRow("missing") << "move" << QByteArray("{\"kind\":\"joint\",\"speed\":5}") << "\"pos\" is missing";
+    QTest::newRow("out of range") << "move"
+                                  << QByteArray("{\"kind\":\"linear\",\"pos\":[0,0,0,0,0,0],\"speed\":500}")
+                                  << "\"speed\" must be a whole number from 1 to 100";
+    QTest::newRow("unknown verb") << "teleport" << QByteArray("{}") << "unknown verb \"teleport\"";
+    QTest::newRow("oversized") << "move" << QByteArray(70000, ' ') << "more than the 4096 allowed";
+}
+
+void TestBridgeMqtt::badInputNeverReachesController()
+{
+    QFETCH(QString, verb);
+    QFETCH(QByteArray, payload);
+    QFETCH(QString, error);
+    const int movesBefore = count(simLog(1), "<- 0x450");
+    const Json::Value answer = parse(m_operator->request("qrx/c1/r1/cmd/" + verb.toStdString(), payload.toStdString()));
+    QCOMPARE(answer["ok"].asBool(), false);
+    QVERIFY2(QString::fromStdString(answer["error"].asString()).contains(error), answer["error"].asCString());
+    // A good request behind it reaches the controller, alone.
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/io", "{\"dout\":3,\"value\":1}"), std::string("{\"ok\":true}"));
+    QTRY_VERIFY_WITH_TIMEOUT(count(simLog(1), "<- 0x3601 {\"port\":3,\"status\":1}") > 0, 10000);
+    QCOMPARE(count(simLog(1), "<- 0x450"), movesBefore);
+}
+
+void TestBridgeMqtt::refusedAlarmPublished()
+{
+    // The servo is off: the controller refuses the move with an error, which
+    // comes out as an alarm (QoS 1, not retained).
+    m_operator->clear();
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/move", "{\"kind\":\"joint\",\"pos\":[1,2,3,4,5,6],\"speed\":10}"),
+             std::string("{\"ok\":true}"));
+    const auto alarm = m_operator->waitOn("qrx/c1/r1/alarm", "move refused", 20s);
+    QVERIFY(!alarm.topic.empty());
+    QVERIFY(!alarm.retained);
+    const Json::Value value = parse(alarm.payload);
+    QCOMPARE(value["level"].asString(), std::string("error"));
+    QCOMPARE(value.getMemberNames(), (std::vector<std::string>{"level", "text", "time"}));
+    QVERIFY(m_operator->waitOn("qrx/c1/r2/alarm", "", 0ms).topic.empty()); // only r1's
+}
+
+void TestBridgeMqtt::commandsOffByDefault()
+{
+    const int before = count(simLog(4), "<- 0x2601");
+    const Json::Value answer = parse(m_operator->request("qrx/c1/r4/cmd/speed", "{\"speed\":9}"));
+    QCOMPARE(answer["ok"].asBool(), false);
+    QVERIFY(QString::fromStdString(answer["error"].asString()).contains("--allow-commands"));
+    QCOMPARE(count(simLog(4), "<- 0x2601"), before);
+}
+
+void TestBridgeMqtt::requestsWithoutAnswerOrRetained()
+{
+    const Json::Value retained =
+        parse(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":21}", 20s, /*retain=*/true));
+    QCOMPARE(retained["ok"].asBool(), false);
+    QVERIFY(QString::fromStdString(retained["error"].asString()).contains("retained"));
+    // A retained command on the broker is never run, not even after a reconnection.
+    m_operator->publishAcked("qrx/c1/r1/cmd/speed", ""); // clears the retained message
+    m_operator->send("qrx/c1/r1/cmd/speed", "{\"speed\":22}", false, /*withResponseTopic=*/false);
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":23}"), std::string("{\"ok\":true}"));
+    QTRY_VERIFY_WITH_TIMEOUT(simLog(1).contains("\"speed\":23"), 10000);
+    QVERIFY(!simLog(1).contains("\"speed\":21"));
+    QVERIFY(!simLog(1).contains("\"speed\":22"));
+}
+
+void TestBridgeMqtt::silentControllerBusyOthersGoOn()
+{
+    // r3 stops answering (its process frozen, its socket still open). Each
+    // servo command waits out the library's bound; the queue (4) fills and
+    // the rest are answered "busy" at once.
+    QVERIFY(!m_operator->waitOn("qrx/c1/r3/state", "\"link\":true", 20s).topic.empty());
+    m_operator->clear();
+    ::kill(pid_t(m_sims[3]->processId()), SIGSTOP);
+    std::set<std::string> sent;
+    for (int i = 0; i < 12; ++i)
+        sent.insert(m_operator->send("qrx/c1/r3/cmd/servo", "{\"on\":true}"));
+    QVERIFY(!m_operator->waitOn(m_operator->responseTopic(), "busy", 20s).topic.empty());
+    // Meanwhile r1 answers at once.
+    const auto start = std::chrono::steady_clock::now();
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":30}"), std::string("{\"ok\":true}"));
+    QVERIFY(std::chrono::steady_clock::now() - start < 2s);
+    // r3's lost link shows (the library closes a link silent for 7 s).
+    QVERIFY(!m_operator->waitOn("qrx/c1/r3/state", "\"link\":false", 20s).topic.empty());
+    ::kill(pid_t(m_sims[3]->processId()), SIGCONT);
+    // Every request gets exactly one answer; all but the running one and the
+    // four waiting ones were busy.
+    std::map<std::string, std::vector<std::string>> answers;
+    const auto collect = [&] {
+        answers.clear();
+        for (const auto &m : m_operator->messages())
+            if (sent.count(m.correlation))
+                answers[m.correlation].push_back(m.payload);
+        return answers.size() == sent.size();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(collect(), 60000);
+    int busy = 0;
+    for (const auto &[correlation, payloads] : answers) {
+        QCOMPARE(payloads.size(), std::size_t(1));
+        busy += payloads[0].find("\"error\":\"busy") != std::string::npos;
+    }
+    QCOMPARE(busy, 12 - 1 - 4);
+}
+
+void TestBridgeMqtt::killedControllerShowsLinkLost()
+{
+    QVERIFY(!m_operator->waitOn("qrx/c1/r2/state", "\"link\":true", 20s).topic.empty());
+    m_operator->clear();
+    m_sims[2]->kill();
+    const auto killed = std::chrono::steady_clock::now();
+    QVERIFY(!m_operator->waitOn("qrx/c1/r2/state", "\"link\":false", 10s).topic.empty());
+    QVERIFY(std::chrono::steady_clock::now() - killed < 10s);
+    QCOMPARE(m_operator->request("qrx/c1/r2/cmd/speed", "{\"speed\":5}"),
+             std::string("{\"error\":\"no link to the controller\",\"ok\":false}"));
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":6}"), std::string("{\"ok\":true}"));
+    // Back again: the bridge's link reconnects on its own.
+    startSim(2);
+    QVERIFY(!m_operator->waitOn("qrx/c1/r2/state", "\"link\":true", 30s).topic.empty());
+}
+
+void TestBridgeMqtt::brokerRestartRepublishes()
+{
+    m_operator.reset();
+    m_broker->kill();
+    m_broker->waitForFinished();
+    startBroker(); // no persistence: every retained message is gone
+    m_operator = client("operator");
+    QCOMPARE(m_operator->connectResult(), 0);
+    QVERIFY(m_operator->subscribe("qrx/#"));
+    QVERIFY(m_operator->waitOn("qrx/c1/bridges/a", "online", 60s).retained);
+    QVERIFY(m_operator->waitOn("qrx/c1/bridges/b", "online", 60s).retained);
+    for (const char *name : {"r1", "r2", "r3", "r4"})
+        QVERIFY2(!m_operator->waitOn(std::string("qrx/c1/") + name + "/state", "\"link\"", 60s).topic.empty(), name);
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":7}", 30s), std::string("{\"ok\":true}"));
+}
+
+void TestBridgeMqtt::cleanStopAndWill()
+{
+    m_operator->clear();
+    m_bridges["b"]->terminate(); // a clean stop says goodbye
+    QVERIFY(m_bridges["b"]->waitForFinished(10000));
+    QCOMPARE(m_bridges["b"]->exitCode(), 0);
+    QVERIFY(!m_operator->waitOn("qrx/c1/bridges/b", "offline", 10s).topic.empty());
+    m_bridges["a"]->kill(); // a dead one leaves its will within the keep-alive
+    QVERIFY(!m_operator->waitOn("qrx/c1/bridges/a", "offline", 30s).topic.empty());
+    const auto late = client("reader");
+    QVERIFY(late->subscribe("qrx/c1/bridges/+"));
+    QVERIFY(late->waitOn("qrx/c1/bridges/a", "offline", 10s).retained);
+}
+
+QTEST_GUILESS_MAIN(TestBridgeMqtt)
+#include "tst_bridge_mqtt.moc"
