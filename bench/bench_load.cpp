@@ -14,6 +14,7 @@
 //   bench_load [--benchmark_...]      QRX_LOAD_SECONDS (default 10) per window
 
 #include "api/qrx_host.h"
+#include "api/ApiState.h"
 #include "robot/Robot.h"
 #include "link/TcpConnectModule.h"
 
@@ -177,8 +178,8 @@ void BM_StreamLoad(benchmark::State &state)
     // Counted where the link hands the report on (emitted anyway), not at
     // the Robot's text-line signal, which would make the handler build its
     // lines for a listener.
-    QObject::connect(Robot::instance()->link(), &LinkNotifications::recriveMoreRobotCurPosition,
-                     Robot::instance(), [&libraryReports] { libraryReports.fetch_add(1, std::memory_order_relaxed); },
+    QObject::connect(qrx::api::apiRobot()->link(), &LinkNotifications::recriveMoreRobotCurPosition,
+                     qrx::api::apiRobot(), [&libraryReports] { libraryReports.fetch_add(1, std::memory_order_relaxed); },
                      Qt::DirectConnection);
     PlainReader reader;
     if (!reader.ok()) {

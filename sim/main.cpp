@@ -2,8 +2,7 @@
 
 #include "sim/files/FileOptions.h"
 #include "sim/Describe.h"
-#include "sim/PositionStream.h"
-#include "sim/Simulator.h"
+#include "sim/Fleet.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -88,7 +87,11 @@ int main(int argc, char *argv[])
         QStringLiteral("position-reports"),
         QStringLiteral("Send N unasked position reports 0x2F08 a second to every host (default 0: off)."),
         QStringLiteral("N"), QStringLiteral("0"));
-    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption, positionReportsOption});
+    const QCommandLineOption countOption(
+        QStringLiteral("count"),
+        QStringLiteral("Simulate N independent controllers, on N consecutive addresses from --address (default 1)."),
+        QStringLiteral("N"), QStringLiteral("1"));
+    parser.addOptions({addressOption, portOption, heartbeatOption, verboseOption, positionReportsOption, countOption});
     qrxsim::addFileOptions(parser);
     parser.process(app);
 
@@ -98,27 +101,26 @@ int main(int argc, char *argv[])
     const uint port = parser.value(portOption).toUInt(&portOk);
     bool heartbeatOk = false;
     const int heartbeat = parser.value(heartbeatOption).toInt(&heartbeatOk);
-    if (address.isNull() || !portOk || port > 0xFFFF || !heartbeatOk || heartbeat < 0) {
-        err << "qrx-sim: bad --address, --port or --heartbeat value; see --help\n";
+    bool countOk = false;
+    const int count = parser.value(countOption).toInt(&countOk);
+    if (address.isNull() || !portOk || port > 0xFFFF || !heartbeatOk || heartbeat < 0 || !countOk || count < 1 ||
+        (count > 1 && address.protocol() != QAbstractSocket::IPv4Protocol)) {
+        err << "qrx-sim: bad --address, --port, --heartbeat or --count value; see --help\n";
         return 2;
     }
 
     qSetMessagePattern(QStringLiteral("%{message}"));
-    qrxsim::Simulator simulator;
-    simulator.setVerbose(parser.isSet(verboseOption));
-    simulator.recorder().setEnabled(false); // nobody reads it here
-    if (!simulator.listen(address, quint16(port)))
+    QTextStream out(stdout);
+    qrxsim::FleetOptions options;
+    options.verbose = parser.isSet(verboseOption);
+    options.heartbeatMs = heartbeat;
+    options.positionReports = qMax(0, parser.value(positionReportsOption).toInt());
+    qrxsim::Fleet fleet;
+    if (!fleet.start(address, quint16(port), count, options, parser, out))
         return 1;
-    simulator.setControllerHeartbeat(heartbeat);
-    qrxsim::startFileService(simulator, parser, address);
-    simulator.model().job.folder = parser.value(QStringLiteral("job-dir")).toStdString(); // jobs run from there
-    qrxsim::PositionStream positionStream(simulator, qMax(0, parser.value(positionReportsOption).toInt()));
     quitOnSignals(app);
 
-    QTextStream out(stdout);
-    out << "qrx-sim listening on " << address.toString() << ':' << simulator.port() << Qt::endl;
-
     const int code = app.exec();
-    simulator.shutdown();
+    fleet.shutdown();
     return code;
 }

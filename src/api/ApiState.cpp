@@ -1,7 +1,9 @@
 #include "api/ApiState.h"
 
 #include "api/Extensions.h"
+#include "api/JogDriver.h"
 #include "common/CompactJson.h"
+#include "common/HandOver.h"
 #include "common/Logging.h"
 #include "link/FrameCodec.h"
 #include "link/TcpConnectModule.h"
@@ -25,15 +27,12 @@ namespace qrx::api {
 
 namespace {
 
-// The API robot, how many exported functions hold each Robot, and the Robots
-// replaced while held (freed when the last holder returns).
-std::mutex g_robotMutex;
-Robot *g_robot = nullptr;
-std::map<Robot *, int> g_holders;
-std::map<Robot *, bool> g_retired;
 std::atomic<ApplicationFactory> g_applicationFactory{nullptr};
 
 thread_local const char *t_function = nullptr;
+// The controller of a ControllerScope running on this thread.
+thread_local bool t_scoped = false;
+thread_local Controller *t_scope = nullptr;
 
 // The library's own application: its thread and its context object.
 std::thread *g_appThread = nullptr;
@@ -69,18 +68,18 @@ void endOwnApplication()
 {
     if (!g_appThread || g_appEnding.exchange(true))
         return;
-    {
-        std::lock_guard<std::mutex> lock(g_robotMutex);
-        if (g_robot)
-            g_robot->link()->shutdown();
-    }
+    if (Robot *robot = apiRobot())
+        robot->link()->shutdown();
     QMetaObject::invokeMethod(g_appContext, [] { QCoreApplication::quit(); }, Qt::QueuedConnection);
     g_appThread->join();
 }
 
-// Deletes a Robot on the thread it lives in (its timers belong there).
+} // namespace
+
 void freeRobot(Robot *robot)
 {
+    if (!robot)
+        return;
     QThread *home = robot->thread();
     if (home == QThread::currentThread()) {
         delete robot;
@@ -91,6 +90,8 @@ void freeRobot(Robot *robot)
         robot->deleteLater();
     }
 }
+
+namespace {
 
 // Finds the first non-finite real in value (depth first).
 bool findNonFinite(const Json::Value &value, double &found)
@@ -112,30 +113,65 @@ bool findNonFinite(const Json::Value &value, double &found)
 
 Robot *apiRobot()
 {
-    std::lock_guard<std::mutex> lock(g_robotMutex);
-    return g_robot;
+    return Controller::defaultController().robot();
 }
 
-void setApiRobot(Robot *robot)
+Controller *currentController()
 {
-    if (robot)
-        attachExtensions(robot);
-    Robot *unheld = nullptr;
-    {
-        std::lock_guard<std::mutex> lock(g_robotMutex);
-        Robot *old = g_robot;
-        g_robot = robot;
-        if (old && old != robot) {
-            if (g_holders[old] == 0) {
-                g_holders.erase(old);
-                unheld = old;
-            } else {
-                g_retired[old] = true;
-            }
-        }
-    }
-    if (unheld)
-        freeRobot(unheld);
+    return t_scoped ? t_scope : &Controller::defaultController();
+}
+
+Robot *currentRobot()
+{
+    const Controller *controller = currentController();
+    return controller ? controller->robot() : nullptr;
+}
+
+ControllerScope::ControllerScope(Controller *controller)
+    : m_previous(t_scope)
+    , m_previousActive(t_scoped)
+{
+    t_scope = controller;
+    t_scoped = true;
+}
+
+ControllerScope::~ControllerScope()
+{
+    t_scope = m_previous;
+    t_scoped = m_previousActive;
+}
+
+void setApiRobot(Robot *robot, JogDriver *jog)
+{
+    freeRobot(Controller::defaultController().attach(robot, jog));
+}
+
+MadeRobot makeRobot(const QString &ip, quint16 port)
+{
+    const auto make = [&] {
+        Robot *robot = port ? new Robot(ip, port) : new Robot(ip);
+        return MadeRobot{robot, JogDriver::attach(robot)};
+    };
+    QObject *context = libraryContext();
+    if (!context || context->thread() == QThread::currentThread())
+        return make();
+    // Made on the library's own application thread, so that its timers have
+    // an event loop; handed over through an atomic: what the other thread
+    // built is seen here in full (also by ThreadSanitizer, which cannot see
+    // Qt's wait, nor the queue that takes the functor over: handOff/takeOver).
+    std::atomic<Robot *> robot{nullptr};
+    JogDriver *jog = nullptr;
+    qrx::handOff(&robot);
+    QMetaObject::invokeMethod(
+        context,
+        [&] {
+            qrx::takeOver(&robot);
+            const MadeRobot made = make();
+            jog = made.jog;
+            robot.store(made.robot, std::memory_order_release);
+        },
+        Qt::BlockingQueuedConnection);
+    return MadeRobot{robot.load(std::memory_order_acquire), jog};
 }
 
 void finishApiLink(Robot *robot)
@@ -146,32 +182,19 @@ void finishApiLink(Robot *robot)
 }
 
 ApiCall::ApiCall(const char *function)
-    : m_outerFunction(t_function)
+    : m_controller(currentController())
+    , m_robot(m_controller ? m_controller->hold() : nullptr)
+    , m_outerFunction(t_function)
 {
     if (!t_function)
         t_function = function;
-    std::lock_guard<std::mutex> lock(g_robotMutex);
-    m_robot = g_robot;
-    if (m_robot)
-        ++g_holders[m_robot];
 }
 
 ApiCall::~ApiCall()
 {
     t_function = m_outerFunction;
-    if (!m_robot)
-        return;
-    bool free = false;
-    {
-        std::lock_guard<std::mutex> lock(g_robotMutex);
-        if (--g_holders[m_robot] == 0 && g_retired.count(m_robot)) {
-            g_retired.erase(m_robot);
-            g_holders.erase(m_robot);
-            free = true;
-        }
-    }
-    if (free)
-        freeRobot(m_robot);
+    if (m_controller)
+        freeRobot(m_controller->release(m_robot));
 }
 
 const char *ApiCall::currentFunction()
@@ -216,20 +239,20 @@ std::string latin1Name(const char *name)
     return QString::fromLatin1(nameOrEmpty(name)).toStdString();
 }
 
-void copyOut(const double *from, int n, double *to)
+void copyOut(const Robot *robot, const double *from, int n, double *to)
 {
     if (!to)
         return;
-    std::lock_guard<std::recursive_mutex> lock(qrx::cacheMutex());
+    std::lock_guard<std::recursive_mutex> lock(robot->cacheMutex);
     std::copy(from, from + n, to);
 }
 
-ReplyTicket replyTicket(const Robot *robot, quint16 query)
+ReplyTicket replyTicket(quint16 query)
 {
     ReplyTicket ticket;
     if (query && matchedReplies()) {
         ticket.reply = replyCodeFor(query);
-        ticket.seen = replyCount(robot, ticket.reply);
+        ticket.seen = replyCount(ticket.reply);
     }
     return ticket;
 }
@@ -251,7 +274,7 @@ void awaitReply(Robot *robot, const ReplyTicket &ticket)
             timedOut = robot->replyCondition.wait_until(robot->replyMutex, deadline) == std::cv_status::timeout;
         else
             robot->replyCondition.wait(robot->replyMutex);
-    } while (!timedOut && ticket.reply && replyCount(robot, ticket.reply) == ticket.seen);
+    } while (!timedOut && ticket.reply && replyCount(ticket.reply) == ticket.seen);
     if (ticket.reply)
         endMatchedWait();
     setLastCallTimedOut(timedOut);

@@ -1,12 +1,16 @@
 #pragma once
-// What every exported function shares: the one Robot the host API talks to,
-// the "no link" test, the payload writer and the request-and-wait pattern.
+// What every exported function shares: the controller it acts on and that
+// controller's Robot, the "no link" test, the payload writer and the
+// request-and-wait pattern.
 //
-// The API robot pointer is null until the first connect_robot() and is never
-// cleared afterwards: after a close it keeps pointing at the closed Robot, so
-// setters hand their frames to the closed link and getters block, until the
-// next connect_robot() replaces it with a fresh Robot.
+// A function acts on the default controller, or on the handle's controller
+// while a ControllerScope runs on the calling thread (the qrxc_ functions).
+// The default controller's Robot is null until the first connect_robot()
+// and is never cleared afterwards: after a close it stays the closed Robot,
+// so setters hand their frames to the closed link and getters block, until
+// the next connect_robot() replaces it with a fresh Robot.
 
+#include "controller/Controller.h"
 #include "robot/Robot.h"
 
 #include <QByteArray>
@@ -21,19 +25,57 @@
 
 namespace qrx::api {
 
-// The Robot the API talks to, or null before the first connect_robot().
+// The default controller's Robot, or null before the first connect_robot().
 Robot *apiRobot();
-// Replaces the API robot. The Robot replaced is freed once no exported
-// function holds it any more (see ApiCall): a host thread blocked on it keeps
-// it alive until its call returns.
-void setApiRobot(Robot *robot);
-// Ends the link thread of the API robot (disconnect_robot): after it returns,
-// no library thread runs code for that Robot. Called on the host's thread.
-void finishApiLink(Robot *robot);
 
-// One exported function running on this thread: holds the API robot of the
-// moment so that a concurrent connect_robot() cannot free it underneath, and
-// names the function for log lines (the outermost one when calls nest).
+// The controller the calling thread's exported functions act on: the
+// default one, or the scope's (null for a handle that is closed or null).
+Controller *currentController();
+
+// The Robot of currentController(), or null (no Robot yet, no controller).
+// Not held: for the "no link" test of a function that holds none.
+Robot *currentRobot();
+
+// Makes the functions called on this thread act on controller (null: on
+// none, so that they give their "no link" result) while it lives.
+class ControllerScope
+{
+public:
+    explicit ControllerScope(Controller *controller);
+    ~ControllerScope();
+    ControllerScope(const ControllerScope &) = delete;
+    ControllerScope &operator=(const ControllerScope &) = delete;
+
+private:
+    Controller *m_previous;
+    bool m_previousActive;
+};
+
+class JogDriver;
+
+// Makes robot the default controller's, with its jog driver. The Robot
+// replaced is freed once no exported function holds it any more (see
+// ApiCall): a host thread blocked on it keeps it alive until its call returns.
+void setApiRobot(Robot *robot, JogDriver *jog);
+// Ends the link thread of a Robot (disconnect_robot): after it returns, no
+// library thread runs code for that Robot. Called on the host's thread.
+void finishApiLink(Robot *robot);
+// Deletes a Robot on the thread it lives in (its timers belong there).
+void freeRobot(Robot *robot);
+// A Robot for ip:port (0: Robot::linkPort()) with its jog driver, made
+// where the library's events run (the library's own thread when the host
+// runs no Qt application).
+struct MadeRobot
+{
+    Robot *robot;
+    JogDriver *jog;
+};
+MadeRobot makeRobot(const QString &ip, quint16 port);
+
+// One exported function running on this thread: holds the Robot of its
+// controller of the moment so that a concurrent connect_robot() or close
+// cannot free it underneath, and names the function for log lines (the
+// outermost one when calls nest).
 class ApiCall
 {
 public:
@@ -42,10 +84,12 @@ public:
     ApiCall(const ApiCall &) = delete;
     ApiCall &operator=(const ApiCall &) = delete;
     Robot *robot() const { return m_robot; }
+    Controller *controller() const { return m_controller; }
     // The exported function running on this thread ("" outside one).
     static const char *currentFunction();
 
 private:
+    Controller *m_controller;
     Robot *m_robot;
     const char *m_outerFunction;
 };
@@ -74,9 +118,9 @@ Json::Value withCurrentRobot(const Robot *robot, Members members = {});
 // empty), in UTF-8.
 std::string latin1Name(const char *name);
 
-// Copies n cached values into a caller's buffer under the cache lock, so
-// they all come from one report; a null buffer is left alone.
-void copyOut(const double *from, int n, double *to);
+// Copies n cached values of robot into a caller's buffer under its cache
+// lock, so they all come from one report; a null buffer is left alone.
+void copyOut(const Robot *robot, const double *from, int n, double *to);
 
 // Where a request-and-wait call starts counting the replies to its query:
 // taken under the reply mutex before the query goes out.
@@ -85,7 +129,7 @@ struct ReplyTicket
     quint16 reply = 0;  // the code that answers the query (0: any reply)
     quint64 seen = 0;   // replies of that code taken before the query
 };
-ReplyTicket replyTicket(const Robot *robot, quint16 query);
+ReplyTicket replyTicket(quint16 query);
 
 // The wait of request-and-wait, with the reply mutex held: by default one
 // wait on the reply condition without a time-out, ended by any waking
@@ -103,7 +147,7 @@ template <class Send, class = std::enable_if_t<std::is_invocable_v<Send &>>>
 void requestAndWait(Robot *robot, Send &&send, quint16 query = 0)
 {
     std::lock_guard<std::mutex> lock(robot->replyMutex);
-    const ReplyTicket ticket = replyTicket(robot, query);
+    const ReplyTicket ticket = replyTicket(query);
     send();
     awaitReply(robot, ticket);
 }
@@ -138,5 +182,13 @@ void applyEnvironmentLanguage();
 #define QRX_ROBOT_OR_RETURN(var, ...)                       \
     const ::qrx::api::ApiCall var##ApiCall(__func__);       \
     Robot *const var = var##ApiCall.robot();                \
+    if (!var)                                               \
+        return __VA_ARGS__
+
+// Early return of an extension that sets or reads a controller's settings,
+// when the calling thread acts on no controller (a closed or null handle):
+//   QRX_CONTROLLER_OR_RETURN(controller, 0);
+#define QRX_CONTROLLER_OR_RETURN(var, ...)                  \
+    ::qrx::Controller *const var = ::qrx::api::currentController(); \
     if (!var)                                               \
         return __VA_ARGS__

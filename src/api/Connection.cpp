@@ -1,9 +1,7 @@
 // connect_robot, disconnect_robot, connection_status, setErrorHandle, show_log.
 
 #include "api/ApiState.h"
-#include "api/JogDriver.h"
 #include "api/qrx_host.h"
-#include "common/HandOver.h"
 #include "common/Logging.h"
 #include "protocol/Codes.h"
 
@@ -41,35 +39,6 @@ void pauseWithEvents(int ms)
     }
 }
 
-// The Robot with its jog driver, made in the Robot's thread.
-Robot *attachJogDriver(Robot *robot)
-{
-    JogDriver::attach(robot);
-    return robot;
-}
-
-// The Robot for ip: created on the library's own application thread when the
-// host runs no Qt application, so that its timers have an event loop.
-Robot *robotFor(const QString &ip)
-{
-    QObject *context = libraryContext();
-    if (!context || context->thread() == QThread::currentThread())
-        return attachJogDriver(Robot::instance(ip));
-    // Handed over through an atomic: what the other thread built is seen
-    // here in full (also by ThreadSanitizer, which cannot see Qt's wait,
-    // nor the queue that takes the functor over: handOff/takeOver).
-    std::atomic<Robot *> robot{nullptr};
-    qrx::handOff(&robot);
-    QMetaObject::invokeMethod(
-        context,
-        [&] {
-            qrx::takeOver(&robot);
-            robot.store(attachJogDriver(Robot::instance(ip)), std::memory_order_release);
-        },
-        Qt::BlockingQueuedConnection);
-    return robot.load(std::memory_order_acquire);
-}
-
 } // namespace
 
 extern "C" {
@@ -81,13 +50,10 @@ int connect_robot(const char *ip)
         return 0;
 
     const QString address = QString::fromLatin1(ip ? ip : "", ip ? int(std::strlen(ip)) : 0);
-    Robot *robot = robotFor(address);
-    setApiRobot(robot);
-
-    if (robot->isClosed())
-        robot->restart();
-    else
-        robot->firstStart();
+    const MadeRobot made = makeRobot(address, 0);
+    Robot *robot = made.robot;
+    setApiRobot(robot, made.jog);
+    robot->firstStart();
 
     for (int poll = 0; poll < kConnectPolls; ++poll) {
         if (robot->connected.load()) {
@@ -108,7 +74,7 @@ void disconnect_robot(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
     if (!robot->isClosed())
-        Robot::instance()->send(code::Farewell, QByteArray());
+        robot->send(code::Farewell, QByteArray());
     robot->close();
     // The farewell still leaves; then the link thread ends, so nothing of
     // the library runs any more when the host returns from main().
@@ -128,7 +94,8 @@ void qrx_set_connect_poll_interval(int ms)
 
 void setErrorHandle(void (*handler)(const char *text))
 {
-    Robot::setErrorCallback(handler);
+    QRX_CONTROLLER_OR_RETURN(controller);
+    controller->setErrorHandler(handler);
 }
 
 std::string show_log()

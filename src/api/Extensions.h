@@ -1,19 +1,19 @@
 #pragma once
 // What the host API's extensions (the qrx_ functions) share with the rest of
-// the API: the wait policy that requestAndWait() follows, the table of which
-// reply answers which query, and the hooks each new Robot gets.
+// the API: the wait policy that requestAndWait() follows.
 //
 // With nothing set the policy is the plain request-and-wait: no bound, any
 // waking reply ends the wait.
 
-#include <QVector>
 #include <QtGlobal>
 
 #include <string>
 
-class Robot;
+#include "controller/LinkHooks.h"
 
 namespace qrx::api {
+
+using qrx::replyCodeFor;
 
 // The bound of the calling thread's request-and-wait calls, in ms (0:
 // none): the host's bound for every call unless a ScopedWaitBound is active.
@@ -36,15 +36,10 @@ private:
 // Whether a getter's wait ends only on the reply that answers its query.
 bool matchedReplies();
 
-// The reply code that answers a query code (0 when the table has none).
-quint16 replyCodeFor(quint16 query);
-
-// Every reply code of that table, once each.
-QVector<quint16> answeringReplyCodes();
-
-// How many replies of that code the Robot has taken so far. Read and
-// counted under the Robot's replyMutex; codes outside the table stay 0.
-quint64 replyCount(const Robot *robot, quint16 reply);
+// How many replies of that code the current controller's Robot has taken
+// so far. Read and counted under the Robot's replyMutex; codes outside the
+// catalogue's request/reply pairs stay 0.
+quint64 replyCount(quint16 reply);
 
 // Brackets a wait for a matched reply. Only while one runs does a counted
 // reply wake the waiters itself: without one, the threads waiting see
@@ -55,16 +50,9 @@ void endMatchedWait();
 // Records how the calling thread's last request-and-wait call ended.
 void setLastCallTimedOut(bool timedOut);
 
-// Counts the table's replies as the Robot's link takes them.
-void attachReplyCounters(Robot *robot);
-
 // Copies UTF-8 text into a caller's buffer[size]: at most size-1 bytes,
 // never cutting a character, and a NUL; nothing for a null buffer or size
 // 0. Returns the length of the whole text in bytes.
 int copyText(const std::string &text, char *buffer, int size);
-
-// Called once a Robot becomes the API's robot (before its link starts):
-// hooks the reply counters and the connection events to its link.
-void attachExtensions(Robot *robot);
 
 } // namespace qrx::api

@@ -34,7 +34,7 @@ extern "C" {
 
 int qrx_wait_move_done(const double *target, int coord, double tolerance, int timeout_ms)
 {
-    if (!apiRobot())
+    if (!currentRobot())
         return -1;
     QElapsedTimer clock;
     clock.start();

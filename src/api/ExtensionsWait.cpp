@@ -1,59 +1,26 @@
 // The host's wait policy: a bound for every request-and-wait call, the
-// per-thread "ran out" answer, and matched replies with the counters they
-// wait on.
+// per-thread "ran out" answer, and matched replies. The settings and the
+// reply counters are the controller's (controller/Controller.h).
 
 #include "api/ApiState.h"
 #include "api/Extensions.h"
 #include "api/qrx_host.h"
-#include "link/DispatchTable.h"
-#include "link/TcpConnectModule.h"
-
-#include <QHash>
-#include <QObject>
-
-#include <atomic>
-#include <memory>
-#include <mutex>
-#include <unordered_map>
 
 namespace qrx::api {
 
 namespace {
 
-std::atomic<int> g_waitBoundMs{0};
-std::atomic<bool> g_matchedReplies{false};
 thread_local bool t_lastCallTimedOut = false;
 thread_local int t_scopedBoundMs = 0;
-std::atomic<int> g_matchedWaits{0};
-
-// Replies taken per code, for one Robot; guarded by its replyMutex.
-using ReplyCounts = QHash<quint16, quint64>;
-
-std::mutex g_countsMutex;
-std::unordered_map<const Robot *, std::shared_ptr<ReplyCounts>> g_counts;
-
-std::shared_ptr<ReplyCounts> countsOf(const Robot *robot)
-{
-    std::lock_guard<std::mutex> lock(g_countsMutex);
-    const auto found = g_counts.find(robot);
-    return found == g_counts.end() ? nullptr : found->second;
-}
-
-// Counts one reply and, while a matched wait runs, wakes the waiters, so
-// that a wait that the Robot's own handler woke before this count sees it.
-void countReply(Robot *robot, ReplyCounts &counts, quint16 code)
-{
-    std::lock_guard<std::mutex> lock(robot->replyMutex);
-    ++counts[code];
-    if (g_matchedWaits.load() > 0)
-        robot->replyCondition.notify_all();
-}
 
 } // namespace
 
 int waitBoundMs()
 {
-    return t_scopedBoundMs > 0 ? t_scopedBoundMs : g_waitBoundMs.load();
+    if (t_scopedBoundMs > 0)
+        return t_scopedBoundMs;
+    const Controller *controller = currentController();
+    return controller ? controller->waitBoundMs.load() : 0;
 }
 
 ScopedWaitBound::ScopedWaitBound(int ms)
@@ -69,17 +36,20 @@ ScopedWaitBound::~ScopedWaitBound()
 
 bool matchedReplies()
 {
-    return g_matchedReplies.load();
+    const Controller *controller = currentController();
+    return controller && controller->matchedReplies.load();
 }
 
 void beginMatchedWait()
 {
-    ++g_matchedWaits;
+    if (Controller *controller = currentController())
+        ++controller->matchedWaits;
 }
 
 void endMatchedWait()
 {
-    --g_matchedWaits;
+    if (Controller *controller = currentController())
+        --controller->matchedWaits;
 }
 
 void setLastCallTimedOut(bool timedOut)
@@ -87,46 +57,10 @@ void setLastCallTimedOut(bool timedOut)
     t_lastCallTimedOut = timedOut;
 }
 
-quint64 replyCount(const Robot *robot, quint16 reply)
+quint64 replyCount(quint16 reply)
 {
-    const auto counts = countsOf(robot);
-    return counts ? counts->value(reply) : 0;
-}
-
-void attachReplyCounters(Robot *robot)
-{
-    auto counts = std::make_shared<ReplyCounts>();
-    {
-        std::lock_guard<std::mutex> lock(g_countsMutex);
-        if (!g_counts.emplace(robot, counts).second)
-            return;
-    }
-    QObject::connect(robot, &QObject::destroyed, [robot] {
-        std::lock_guard<std::mutex> lock(g_countsMutex);
-        g_counts.erase(robot);
-    });
-    // The Robot's handlers were wired first, so each count follows the
-    // handler that filled the cache.
-    TcpConnectModule *link = robot->link();
-    for (const quint16 code : answeringReplyCodes()) {
-        const DispatchRow *row = findDispatchRow(code);
-        const bool payloadSignal = row && row->notification &&
-                                   (row->delivery == protocol::Delivery::Forward ||
-                                    row->delivery == protocol::Delivery::ForwardIfJson);
-        if (payloadSignal) {
-            QObject::connect(
-                link, row->notification, robot, [robot, counts, code](const QByteArray &) { countReply(robot, *counts, code); },
-                Qt::DirectConnection);
-        } else if (!row) {
-            QObject::connect(
-                link, &LinkNotifications::receivedData, robot,
-                [robot, counts, code](quint16 command, const QByteArray &) {
-                    if (command == code)
-                        countReply(robot, *counts, code);
-                },
-                Qt::DirectConnection);
-        }
-    }
+    const Controller *controller = currentController();
+    return controller ? controller->replyCount(reply) : 0;
 }
 
 } // namespace qrx::api
@@ -137,12 +71,14 @@ extern "C" {
 
 void qrx_set_wait_timeout(int ms)
 {
-    g_waitBoundMs.store(ms > 0 ? ms : 0);
+    QRX_CONTROLLER_OR_RETURN(controller);
+    controller->waitBoundMs.store(ms > 0 ? ms : 0);
 }
 
 int qrx_wait_timeout(void)
 {
-    return g_waitBoundMs.load();
+    QRX_CONTROLLER_OR_RETURN(controller, 0);
+    return controller->waitBoundMs.load();
 }
 
 int qrx_last_call_timed_out(void)
@@ -152,12 +88,14 @@ int qrx_last_call_timed_out(void)
 
 void qrx_set_matched_replies(int on)
 {
-    g_matchedReplies.store(on != 0);
+    QRX_CONTROLLER_OR_RETURN(controller);
+    controller->matchedReplies.store(on != 0);
 }
 
 int qrx_matched_replies(void)
 {
-    return g_matchedReplies.load() ? 1 : 0;
+    QRX_CONTROLLER_OR_RETURN(controller, 0);
+    return controller->matchedReplies.load() ? 1 : 0;
 }
 
 } // extern "C"

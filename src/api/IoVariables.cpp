@@ -34,7 +34,7 @@ void readIo(const IoReader &reader, double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
     requestAndWait(robot, reader.code);
-    copyOut(robot->*reader.cache, kIoPorts, out);
+    copyOut(robot, robot->*reader.cache, kIoPorts, out);
 }
 
 // The cached value of the named variable; 0.0 for an index outside the
@@ -46,7 +46,7 @@ double cachedGlobal(const Robot *robot, const QString &name)
     const int index = var.index;
     if (index < 0 || index >= Robot::kGlobalVarCount)
         return 0.0;
-    std::lock_guard<std::recursive_mutex> lock(qrx::cacheMutex());
+    std::lock_guard<std::recursive_mutex> lock(robot->cacheMutex);
     switch (var.type) {
     case qrx::GlobalVarName::Int: return double(robot->globalInt[index]);
     case qrx::GlobalVarName::Real: return robot->globalReal[index];
@@ -72,10 +72,10 @@ void readMotorRows(Robot *robot, quint16 code, const double (&robotRows)[2][7], 
                    double *robotOne, double *robotTwo, double *syncOne, double *syncTwo)
 {
     requestAndWait(robot, code, payloadOf(withCurrentRobot(robot)));
-    copyOut(robotRows[0], 7, robotOne);
-    copyOut(robotRows[1], 7, robotTwo);
-    copyOut(syncRows[0], 5, syncOne);
-    copyOut(syncRows[1], 5, syncTwo);
+    copyOut(robot, robotRows[0], 7, robotOne);
+    copyOut(robot, robotRows[1], 7, robotTwo);
+    copyOut(robot, syncRows[0], 5, syncOne);
+    copyOut(robot, syncRows[1], 5, syncTwo);
 }
 
 } // namespace
@@ -104,21 +104,21 @@ void get_current_position(double *pos, int coord)
     QRX_ROBOT_OR_RETURN(robot);
     requestAndWait(robot, code::GetCurrentPosition, payloadOf(withCurrentRobot(robot, {{"coord", coord}})));
     // Whatever coordinate system the reply that ended the wait carried.
-    copyOut(robot->currentPosition, 6, pos);
+    copyOut(robot, robot->currentPosition, 6, pos);
 }
 
 void get_current_sync_position(double *pos)
 {
     QRX_ROBOT_OR_RETURN(robot);
     requestAndWait(robot, code::GetSyncPosition, payloadOf(withCurrentRobot(robot, {{"coord", 0}})));
-    copyOut(robot->syncPosition, 5, pos);
+    copyOut(robot, robot->syncPosition, 5, pos);
 }
 
 void get_GPosition(const char *name, double *out)
 {
     QRX_ROBOT_OR_RETURN(robot);
     requestAndWait(robot, code::GetGlobalPosition, payloadOf(withCurrentRobot(robot, {{"posName", latin1Name(name)}})));
-    copyOut(robot->globalPosition, 14, out);
+    copyOut(robot, robot->globalPosition, 14, out);
 }
 
 void set_GPosition(const char *posName, int coord, double *robotAxes, double *syncAxes)
@@ -177,8 +177,8 @@ void get_motor_overload(double *robotRow, double *syncRow)
 {
     QRX_ROBOT_OR_RETURN(robot);
     requestAndWait(robot, code::GetMotorLoad, payloadOf(withCurrentRobot(robot)));
-    copyOut(robot->motorOverload, 7, robotRow);
-    copyOut(robot->motorOverloadSync, 5, syncRow);
+    copyOut(robot, robot->motorOverload, 7, robotRow);
+    copyOut(robot, robot->motorOverloadSync, 5, syncRow);
 }
 
 } // extern "C"

@@ -123,7 +123,7 @@ void get_single_cycle(double *out)
     QRX_ROBOT_OR_RETURN(robot);
     requestAndWait(robot, code::GetSingleCycle, payloadOf(withCurrentRobot(robot)));
     double values[7];
-    copyOut(robot->singleCycle, 7, values);
+    copyOut(robot, robot->singleCycle, 7, values);
     for (int i = 0; i < 7; ++i) {
         const double value = values[i];
         qCDebug(lcApi).noquote() << QString::number(value);

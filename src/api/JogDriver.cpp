@@ -8,11 +8,9 @@
 #include "protocol/Codes.h"
 
 #include <QCoreApplication>
-#include <QHash>
 #include <QMetaObject>
 #include <QThread>
 
-#include <mutex>
 
 namespace qrx::api {
 
@@ -25,11 +23,6 @@ constexpr int kRobotAxes = 7;
 constexpr int kFirstExternalAxis = 8; // external axes 1..5 jog as axes 8..12
 constexpr int kExternalAxes = 5;
 
-// The driver of each Robot, for the host threads that look it up; a driver
-// enters at its making and leaves when its Robot deletes it.
-std::mutex s_driversMutex;
-QHash<const Robot *, JogDriver *> s_drivers;
-
 } // namespace
 
 void logServoNotRunning()
@@ -40,21 +33,11 @@ void logServoNotRunning()
 
 JogDriver *JogDriver::attach(Robot *robot)
 {
-    if (JogDriver *driver = of(robot))
-        return driver;
     auto *driver = new JogDriver(robot);
     if (driver->thread() != robot->thread())
         driver->moveToThread(robot->thread());
     driver->setParent(robot);
-    std::lock_guard<std::mutex> lock(s_driversMutex);
-    s_drivers.insert(robot, driver);
     return driver;
-}
-
-JogDriver *JogDriver::of(const Robot *robot)
-{
-    std::lock_guard<std::mutex> lock(s_driversMutex);
-    return s_drivers.value(robot, nullptr);
 }
 
 JogDriver::JogDriver(Robot *robot)
@@ -63,12 +46,6 @@ JogDriver::JogDriver(Robot *robot)
 {
     m_timer.setInterval(kJogPeriodMs);
     connect(&m_timer, &QTimer::timeout, this, &JogDriver::step);
-}
-
-JogDriver::~JogDriver()
-{
-    std::lock_guard<std::mutex> lock(s_driversMutex);
-    s_drivers.remove(m_robot);
 }
 
 // Runs fn on the driver's thread (the timer is started and stopped only

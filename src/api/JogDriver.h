@@ -5,9 +5,10 @@
 //
 // The driver is a child of its Robot and lives in the Robot's thread: its
 // timer is started and stopped only there, and every call from another
-// thread blocks until that thread has done it. connect_robot() attaches the
-// driver where the Robot is made; for a Robot without one (made outside the
-// host API) the jog functions send no steps.
+// thread blocks until that thread has done it. The host API attaches the
+// driver where the Robot is made, and the Robot's controller keeps it; for a
+// Robot without one (made outside the host API) the jog functions send no
+// steps.
 
 #include <QObject>
 #include <QTimer>
@@ -19,13 +20,9 @@ namespace qrx::api {
 class JogDriver : public QObject
 {
 public:
-    // The Robot's driver, made in the Robot's thread when it has none yet.
-    // Call it on the Robot's thread, or while that thread does not run.
+    // A driver for the Robot, its child. Call it on the Robot's thread, or
+    // while that thread does not run.
     static JogDriver *attach(Robot *robot);
-    // The Robot's driver, or null when none was attached.
-    static JogDriver *of(const Robot *robot);
-
-    ~JogDriver() override;
 
     // The jog step of an axis (1..7), now and on every tick. Refused, with
     // the servo log line, unless the drives run; an axis out of range stops

@@ -106,7 +106,7 @@ int get_jogging_speed(void)
 void start_jogging(int axis, bool direction)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    if (JogDriver *driver = JogDriver::of(robot))
+    if (JogDriver *driver = robotApiCall.controller()->jogDriver())
         driver->start(axis, direction);
 }
 
@@ -114,7 +114,7 @@ void stop_jogging(int axis)
 {
     QRX_ROBOT_OR_RETURN(robot);
     robot->jogging.store(0);
-    if (JogDriver *driver = JogDriver::of(robot))
+    if (JogDriver *driver = robotApiCall.controller()->jogDriver())
         driver->stop();
     // The axis goes out as the host passed it: no external-axis mapping here.
     robot->link()->sendData(code::StopMove, payloadOf(object({{"axis", axis}})));

@@ -60,7 +60,7 @@ void query_tool_hand_param(int toolNum, double *out)
     QRX_ROBOT_OR_RETURN(robot);
     requestAndWait(robot, code::GetToolData, payloadOf(object({{"toolNum", toolNum}})));
     if (toolNum >= 0 && toolNum < Robot::kToolCount)
-        copyOut(robot->toolParameters[toolNum], kToolValues, out);
+        copyOut(robot, robot->toolParameters[toolNum], kToolValues, out);
 }
 
 void set_user_coord_number(int userNum)
@@ -75,11 +75,11 @@ void set_user_coord_number(int userNum)
 // sent and out is left alone rather than waiting for ever.
 void ask_four_point(double *out)
 {
-    Robot *robot = apiRobot();
+    Robot *robot = currentRobot();
     if (!robot)
         return;
     requestAndWait(robot, code::GetFourPoint);
-    copyOut(robot->fourPointData, 9, out);
+    copyOut(robot, robot->fourPointData, 9, out);
 }
 
 void four_point_mark(int pointNum, int status)
@@ -95,7 +95,7 @@ void four_point_calculation(double first, double second, double *out)
     params.append(first);
     params.append(second);
     requestAndWait(robot, code::SetFourPointParams, payloadOf(object({{"ParamOf4Points", params}})));
-    copyOut(robot->fourPointResult, 5, out);
+    copyOut(robot, robot->fourPointResult, 5, out);
 }
 
 bool result_for_DH(void)

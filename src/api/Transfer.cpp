@@ -1,6 +1,7 @@
 // File transfer: upload_job, download_job and the qrx_ transfer extensions.
 // Each call creates a TcpUpDownFile in the calling thread and blocks it while
-// files move; the outcome of the last call is kept for qrx_last_transfer_*.
+// files move; the outcome of the last call is kept by the controller for
+// qrx_last_transfer_*, beside its job root and progress callback.
 
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
@@ -14,39 +15,41 @@
 
 #include <algorithm>
 #include <cstring>
-#include <mutex>
 
 using namespace qrx::api;
 
 namespace {
 
-std::mutex outcomeMutex;
-int lastFailed = 0;
-QByteArray lastFailureText;
-std::atomic<qrx_transfer_progress> progressCallback{nullptr};
+// The job root of the controller: its own, else the default one.
+QString jobRootOf(const qrx::Controller &controller)
+{
+    const QString own = controller.jobRoot();
+    return own.isEmpty() ? qrx::transfer::jobRoot() : own;
+}
 
 // Runs one transfer on a fresh object and keeps its outcome.
 template <class Run>
-int transfer(Robot *robot, Run &&run)
+int transfer(const ApiCall &call, Run &&run)
 {
+    Robot *robot = call.robot();
+    qrx::Controller &controller = *call.controller();
     TcpUpDownFile file(robot, robot->link()->ip());
-    if (const qrx_transfer_progress callback = progressCallback.load()) {
+    file.setJobRoot(jobRootOf(controller));
+    if (const qrx_transfer_progress callback = controller.transferProgress.load()) {
         file.setProgress([callback](const QString &name, qint64 done, qint64 total) {
             callback(name.toUtf8().constData(), static_cast<long long>(done), static_cast<long long>(total));
         });
     }
     run(file);
-    std::lock_guard<std::mutex> lock(outcomeMutex);
-    lastFailed = file.failedCount();
-    lastFailureText = file.lastFailure().toUtf8();
+    controller.setTransferOutcome(file.failedCount(), file.lastFailure().toUtf8());
     return file.failedCount() ? -1 : file.filesDone();
 }
 
 // "R<n>/<name>" for every file of the local job folders, oldest first.
-QStringList localJobFiles()
+QStringList localJobFiles(const qrx::Controller &controller)
 {
     QStringList list;
-    const QString root = qrx::transfer::jobRoot();
+    const QString root = jobRootOf(controller);
     for (int robot = 1; robot <= 4; ++robot) {
         const QDir dir(qrx::transfer::jobFolder(root, robot));
         const QFileInfoList entries = dir.entryInfoList(QDir::Files | QDir::NoSymLinks, QDir::Time | QDir::Reversed);
@@ -68,36 +71,39 @@ extern "C" {
 void upload_job(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    const QStringList list = localJobFiles();
+    const QStringList list = localJobFiles(*robotApiCall.controller());
     qCDebug(lcApi).noquote() << list.join(QStringLiteral(", "));
-    transfer(robot, [&](TcpUpDownFile &file) { file.runUpload(list); });
+    transfer(robotApiCall, [&](TcpUpDownFile &file) { file.runUpload(list); });
 }
 
 void download_job(void)
 {
     QRX_ROBOT_OR_RETURN(robot);
-    transfer(robot, [](TcpUpDownFile &file) { file.runJobDownload(); });
+    transfer(robotApiCall, [](TcpUpDownFile &file) { file.runJobDownload(); });
 }
 
 void qrx_set_job_root(const char *path)
 {
-    qrx::transfer::setJobRootOverride(folderArgument(path));
+    QRX_CONTROLLER_OR_RETURN(controller);
+    controller->setJobRoot(folderArgument(path));
 }
 
 void qrx_set_transfer_progress(qrx_transfer_progress callback)
 {
-    progressCallback.store(callback);
+    QRX_CONTROLLER_OR_RETURN(controller);
+    controller->transferProgress.store(callback);
 }
 
 int qrx_last_transfer_failed(void)
 {
-    std::lock_guard<std::mutex> lock(outcomeMutex);
-    return lastFailed;
+    QRX_CONTROLLER_OR_RETURN(controller, 0);
+    return controller->lastTransferFailed();
 }
 
 int qrx_last_transfer_error(char *text, int size)
 {
-    std::lock_guard<std::mutex> lock(outcomeMutex);
+    QRX_CONTROLLER_OR_RETURN(controller, 0);
+    const QByteArray lastFailureText = controller->lastTransferError();
     if (text && size > 0) {
         const int n = std::min(size - 1, int(lastFailureText.size()));
         std::memcpy(text, lastFailureText.constData(), size_t(n));
@@ -109,7 +115,7 @@ int qrx_last_transfer_error(char *text, int size)
 int qrx_export_logs(const char *folder)
 {
     QRX_ROBOT_OR_RETURN(robot, -1);
-    return transfer(robot, [&](TcpUpDownFile &file) {
+    return transfer(robotApiCall, [&](TcpUpDownFile &file) {
         file.setTargetFolder(folderArgument(folder));
         file.runListExport(TcpUpDownFile::LogDownload);
     });
@@ -118,7 +124,7 @@ int qrx_export_logs(const char *folder)
 int qrx_export_eni(const char *folder)
 {
     QRX_ROBOT_OR_RETURN(robot, -1);
-    return transfer(robot, [&](TcpUpDownFile &file) {
+    return transfer(robotApiCall, [&](TcpUpDownFile &file) {
         file.setTargetFolder(folderArgument(folder));
         file.runListExport(TcpUpDownFile::EniDownload);
     });
@@ -132,7 +138,7 @@ int qrx_export_config(const char *folder)
     QStringList names;
     for (const auto &entry : entries)
         names << QStringLiteral("config/") + entry.first;
-    return transfer(robot, [&](TcpUpDownFile &file) {
+    return transfer(robotApiCall, [&](TcpUpDownFile &file) {
         file.setTargetFolder(folderArgument(folder));
         file.runNameDownload(TcpUpDownFile::ConfigDownload, names);
     });
@@ -142,7 +148,7 @@ int qrx_import_config(const char *path)
 {
     QRX_ROBOT_OR_RETURN(robot, -1);
     const QString file = folderArgument(path);
-    return transfer(robot, [&](TcpUpDownFile &upload) {
+    return transfer(robotApiCall, [&](TcpUpDownFile &upload) {
         upload.setRemotePrefix(QStringLiteral("config/"));
         upload.runUpload({file});
     });

@@ -57,7 +57,7 @@ void Robot::takeReport(const QByteArray &data, Read &&read)
     WakeAtEnd wake(this);
     Json::Value root;
     if (qrx::parsePayload(data, root)) {
-        std::lock_guard<std::recursive_mutex> lock(qrx::cacheMutex());
+        std::lock_guard<std::recursive_mutex> lock(cacheMutex);
         read(root);
     }
 }

@@ -21,12 +21,6 @@
 
 namespace {
 
-// Held while the host's handler runs: setErrorHandle() returns only after a
-// call of the old handler has ended, so a host can free what the handler
-// uses once it has set another (or none).
-std::recursive_mutex s_errorCallbackMutex;
-Robot::ErrorCallback s_errorCallback = nullptr;
-
 constexpr int kServoErrorType = 0x6010;
 
 const char *const kRobotNames[] = {
@@ -54,17 +48,7 @@ QString dataText(const Json::Value &data)
 
 } // namespace
 
-namespace qrx {
-
-void storeErrorCallback(Robot::ErrorCallback callback)
-{
-    std::lock_guard<std::recursive_mutex> lock(s_errorCallbackMutex);
-    s_errorCallback = callback;
-}
-
-} // namespace qrx
-
-Robot::DeliveredMessage Robot::deliverMessage(const char *prefix, const QByteArray &payload)
+Robot::DeliveredMessage Robot::deliverMessage(int level, const char *prefix, const QByteArray &payload)
 {
     DeliveredMessage message;
     Json::Value root;
@@ -76,20 +60,20 @@ Robot::DeliveredMessage Robot::deliverMessage(const char *prefix, const QByteArr
     message.type = qrx::jsonInt(root, "type");
 
     const QString text = QCoreApplication::translate("Robot", prefix) + message.data;
+    MessageSink sink;
     {
-        std::lock_guard<std::recursive_mutex> lock(s_errorCallbackMutex);
-        if (s_errorCallback) {
-            const QByteArray utf8 = text.toUtf8(); // NUL-terminated, alive during the call
-            s_errorCallback(utf8.constData());
-        }
+        std::lock_guard<std::mutex> lock(m_sinkMutex);
+        sink = m_messageSink;
     }
+    if (sink)
+        sink(level, text.toUtf8()); // NUL-terminated, alive during the call
     storeMessage(message.data.toStdString());
     return message;
 }
 
 void Robot::robot_net_slot_errProcess(const QByteArray &payload)
 {
-    const DeliveredMessage message = deliverMessage(QT_TRANSLATE_NOOP("Robot", "错误： "), payload);
+    const DeliveredMessage message = deliverMessage(0, QT_TRANSLATE_NOOP("Robot", "错误： "), payload);
     if (!message.delivered)
         return;
     // The time of the error; kept for a log sink, not handed over.
@@ -112,10 +96,10 @@ void Robot::robot_net_slot_errProcess(const QByteArray &payload)
 
 void Robot::robot_net_slot_warnProcess(const QByteArray &payload)
 {
-    deliverMessage(QT_TRANSLATE_NOOP("Robot", "警告： "), payload);
+    deliverMessage(1, QT_TRANSLATE_NOOP("Robot", "警告： "), payload);
 }
 
 void Robot::robot_net_slot_infoProcess(const QByteArray &payload)
 {
-    deliverMessage(QT_TRANSLATE_NOOP("Robot", "消息： "), payload);
+    deliverMessage(2, QT_TRANSLATE_NOOP("Robot", "消息： "), payload);
 }

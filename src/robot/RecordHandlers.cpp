@@ -5,6 +5,8 @@
 
 #include "robot/Robot.h"
 
+#include <algorithm>
+
 #include "common/Logging.h"
 #include "common/Payload.h"
 #include "robot/HandlerLines.h"
@@ -47,6 +49,9 @@ void Robot::robot_net_slot_MoreRobotCurPosition(const QByteArray &data)
 {
     takeReport(data, {"pos"}, [&](const Json::Value &root) {
         qrx::jsonReals(root, "pos", currentPosition, 6);
+        const int inCoord = qrx::jsonInt(root, "coord");
+        if (inCoord == 0 || inCoord == 1)
+            std::copy(currentPosition, currentPosition + 6, inCoord == 0 ? jointPosition : cartesianPosition);
         // A controller may stream these reports fast; the two text lines are
         // only worth building for a listener.
         static const QMetaMethod lines = QMetaMethod::fromSignal(&Robot::receive_moreRobot_CurPosition);

@@ -17,37 +17,12 @@ namespace {
 
 constexpr quint16 kControllerPort = 6001;
 
-std::mutex s_instanceMutex;
-Robot *s_instance = nullptr;
+// What each new Robot gets unless told otherwise (settings of the tests and
+// of qrx_connect_robot_port, not state of any controller).
 std::atomic<int> s_linkTimeBase{300000};
 std::atomic<quint16> s_linkPort{kControllerPort};
-std::atomic<bool> s_forceModeNotification{false};
 
 } // namespace
-
-// The host's error callback lives beside the message handlers.
-namespace qrx {
-void storeErrorCallback(Robot::ErrorCallback callback);
-}
-
-std::recursive_mutex &qrx::cacheMutex()
-{
-    static std::recursive_mutex mutex;
-    return mutex;
-}
-
-Robot *Robot::instance(const QString &ip)
-{
-    std::lock_guard<std::mutex> lock(s_instanceMutex);
-    if (!s_instance)
-        s_instance = new Robot(ip);
-    return s_instance;
-}
-
-Robot *Robot::instance()
-{
-    return instance(QString());
-}
 
 void Robot::setLinkTimeBase(int timeBase)
 {
@@ -69,22 +44,34 @@ quint16 Robot::linkPort()
     return s_linkPort.load();
 }
 
-void Robot::setErrorCallback(ErrorCallback callback)
+void Robot::setMessageSink(MessageSink sink)
 {
-    qrx::storeErrorCallback(callback);
+    std::lock_guard<std::mutex> lock(m_sinkMutex);
+    m_messageSink = std::move(sink);
+}
+
+void Robot::setReportSink(std::function<void()> sink)
+{
+    std::lock_guard<std::mutex> lock(m_sinkMutex);
+    m_reportSink = std::move(sink);
 }
 
 void Robot::forceModeNotification()
 {
-    s_forceModeNotification.store(true);
+    m_forceModeNotification.store(true);
 }
 
 bool Robot::takeForceModeNotification()
 {
-    return s_forceModeNotification.exchange(false);
+    return m_forceModeNotification.exchange(false);
 }
 
 Robot::Robot(const QString &ip, QObject *parent)
+    : Robot(ip, s_linkPort.load(), parent)
+{
+}
+
+Robot::Robot(const QString &ip, quint16 port, QObject *parent)
     : RobotSignals(parent)
 {
     qrx::registerLinkMetaTypes();
@@ -92,7 +79,7 @@ Robot::Robot(const QString &ip, QObject *parent)
     qRegisterMetaType<QVector<double>>("QVector<double>");
     qRegisterMetaType<schar>("schar");
 
-    m_link = new TcpConnectModule(ip, s_linkPort.load(), s_linkTimeBase.load());
+    m_link = new TcpConnectModule(ip, port, s_linkTimeBase.load());
     m_link->setParent(this);
     m_link->setCurrentRobotSource([this] { return currentRobot(); });
     qrx::wireRobot(m_link, this);
@@ -100,11 +87,6 @@ Robot::Robot(const QString &ip, QObject *parent)
 
 Robot::~Robot()
 {
-    {
-        std::lock_guard<std::mutex> lock(s_instanceMutex);
-        if (s_instance == this)
-            s_instance = nullptr;
-    }
     // The handlers run on the link thread and write the fields below: join
     // that thread while they still exist, not later among the children.
     delete m_link;
@@ -143,9 +125,6 @@ void Robot::close()
 {
     m_link->stopConnect();
     setReady(false);
-    std::lock_guard<std::mutex> lock(s_instanceMutex);
-    if (s_instance == this)
-        s_instance = nullptr;
 }
 
 bool Robot::isClosed() const
@@ -179,8 +158,17 @@ void Robot::storeMessage(const std::string &text)
 
 void Robot::wakeWaiters()
 {
-    std::lock_guard<std::mutex> lock(replyMutex);
-    replyCondition.notify_all();
+    {
+        std::lock_guard<std::mutex> lock(replyMutex);
+        replyCondition.notify_all();
+    }
+    std::function<void()> sink;
+    {
+        std::lock_guard<std::mutex> lock(m_sinkMutex);
+        sink = m_reportSink;
+    }
+    if (sink)
+        sink();
 }
 
 void Robot::waitingPause(int ms)

@@ -25,6 +25,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <functional>
 #include <initializer_list>
 #include <mutex>
 #include <string>
@@ -43,12 +44,6 @@ class Robot : public RobotSignals, public qrx::RobotState
 public:
     // ---- core: instance, link, sending ------------------------------------
 
-    // The class-wide instance: the existing one, or a new Robot (no parent)
-    // for that address when there is none. The form without an address uses
-    // the empty address.
-    static Robot *instance(const QString &ip);
-    static Robot *instance();
-
     // Time base handed to each new link (300000 by default: 1666 ms checks,
     // 2000 ms time-out checks). Tests set a small one before creating a Robot.
     static void setLinkTimeBase(int timeBase);
@@ -58,13 +53,20 @@ public:
     static void setLinkPort(quint16 port);
     static quint16 linkPort();
 
-    // The host's error callback: called on the link thread with each error,
-    // warning and information text (NUL-terminated UTF-8, valid during the
-    // call). Null switches delivery off.
-    using ErrorCallback = void (*)(const char *);
-    static void setErrorCallback(ErrorCallback callback);
+    // Where each error, warning and information text goes: called on the
+    // link thread with its level (0 error, 1 warning, 2 information) and the
+    // text with its prefix, UTF-8 and NUL-terminated. Set before the link
+    // starts; empty switches delivery off.
+    using MessageSink = std::function<void(int level, const QByteArray &text)>;
+    void setMessageSink(MessageSink sink);
+
+    // Called on the link thread after each report that woke the waiters
+    // (the caches may have changed). Set before the link starts.
+    void setReportSink(std::function<void()> sink);
 
     explicit Robot(const QString &ip, QObject *parent = nullptr);
+    // The same for a controller port of its own (not linkPort()).
+    Robot(const QString &ip, quint16 port, QObject *parent = nullptr);
     ~Robot() override;
 
     TcpConnectModule *link() const;
@@ -76,7 +78,7 @@ public:
 
     void firstStart();     // starts the link thread; it then connects
     void restart();        // manual start of a stopped link ("手动开始")
-    void close();          // stops the link; resets the class-wide instance
+    void close();          // stops the link
     bool isClosed() const; // true after close(), until restart()
 
     // The robot that "robot" keys address: the override if non-zero, else
@@ -96,10 +98,10 @@ public:
     bool isReady() const { return m_ready.load(); }
 
     // When set, the next mode report emits robot_mode_changed even if the
-    // mode did not change, then the flag clears. Process-wide; restart()
-    // sets it so that listeners learn the mode again after a manual start.
-    static void forceModeNotification();
-    static bool takeForceModeNotification(); // reads and clears the flag
+    // mode did not change, then the flag clears. restart() sets it so that
+    // listeners learn the mode again after a manual start.
+    void forceModeNotification();
+    bool takeForceModeNotification(); // reads and clears the flag
 
     // Sleeps for ms while processing the calling thread's events, at most
     // 100 ms per pass.
@@ -247,7 +249,7 @@ protected:
 
 private:
     void storeMessage(const std::string &text);
-    // Messages: hands prefix + "data" to the host callback and keeps "data"
+    // Messages: hands prefix + "data" to the message sink and keeps "data"
     // as the last message. Not delivered (nothing done) without "data".
     struct DeliveredMessage
     {
@@ -256,9 +258,13 @@ private:
         bool hasType = false;
         int type = 0;
     };
-    DeliveredMessage deliverMessage(const char *prefix, const QByteArray &payload);
+    DeliveredMessage deliverMessage(int level, const char *prefix, const QByteArray &payload);
 
     TcpConnectModule *m_link = nullptr;
+    std::atomic<bool> m_forceModeNotification{false};
+    std::mutex m_sinkMutex;
+    MessageSink m_messageSink;
+    std::function<void()> m_reportSink;
     std::atomic<int> m_overrideRobot{1};
     std::atomic<int> m_defaultRobot{1};
     std::atomic<bool> m_ready{false};

@@ -8,7 +8,7 @@
 // where noted, by the host API) and read on host threads after the request
 // that asked for it was woken. Scalars are atomic, so a read beside a write
 // is defined; arrays are written by the handlers and copied by the host API
-// under cacheMutex(), so a copy never mixes two reports.
+// under the Robot's cacheMutex, so a copy never mixes two reports.
 // Each field's layout is documented here and beside the handler that fills
 // it (StatusHandlers.cpp, RecordHandlers.cpp, RobotTypeHandlers.cpp,
 // ToolFrameHandlers.cpp, ProcessRelays.cpp).
@@ -22,12 +22,12 @@
 
 namespace qrx {
 
-// Held by a handler while it reads a report into the caches, and by the host
-// API only while it copies cached array values out.
-std::recursive_mutex &cacheMutex();
-
 struct RobotState
 {
+    // Held by a handler while it reads a report into the caches, and by the
+    // host API only while it copies cached array values out.
+    mutable std::recursive_mutex cacheMutex;
+
     // 0x2003 servo report {"mode","robot","status"}
     std::atomic<int> servoStatus{0};                // "status" of the robot shown
     int robotServoStatus[4] = {};       // [robot-1], kept when "mode" is 1
@@ -64,6 +64,8 @@ struct RobotState
     std::atomic<int> currentRunLine{0};
     // 0x2F08 position report {"robot","coord","pos"[7],"posDeg"[7]}
     double currentPosition[6] = {};     // "pos"[0..5]
+    double jointPosition[6] = {};       // "pos"[0..5] of the last report in "coord" 0
+    double cartesianPosition[6] = {};   // "pos"[0..5] of the last report in "coord" 1
     // 0x7013 external-axis position {"robot","coord","pos"[5..]}
     double syncPosition[5] = {};        // "pos"[0..4]
     // 0x3603 / 0x3606 / 0x3609 / 0x360B IO reports {"status"[16]}: port n at [n-1]

@@ -5,28 +5,11 @@
 #include <QFile>
 #include <QStringList>
 
-#include <mutex>
 
 namespace qrx::transfer {
 
-namespace {
-std::mutex rootMutex;
-QString rootOverride;
-} // namespace
-
-void setJobRootOverride(const QString &root)
-{
-    std::lock_guard<std::mutex> lock(rootMutex);
-    rootOverride = root;
-}
-
 QString jobRoot()
 {
-    {
-        std::lock_guard<std::mutex> lock(rootMutex);
-        if (!rootOverride.isEmpty())
-            return rootOverride;
-    }
     const QString fromEnvironment = qEnvironmentVariable("QRX_JOB_ROOT");
     if (!fromEnvironment.isEmpty())
         return fromEnvironment;

@@ -3,13 +3,13 @@
 //
 // Job root: the folder that holds "robotJob/R1" ... "robotJob/R4". By default
 // the application folder; the environment variable QRX_JOB_ROOT names another
-// one, and setJobRootOverride() (the host's qrx_set_job_root) wins over both.
+// one. A controller's own root (the host's qrx_set_job_root) wins over both.
 
 #include <QString>
 
 namespace qrx::transfer {
 
-void setJobRootOverride(const QString &root); // empty: no override
+// The default job root (environment or application folder).
 QString jobRoot();
 // "<job root>/robotJob/R<robot>" for robot 1..4.
 QString jobFolder(const QString &root, int robot);

@@ -113,7 +113,7 @@ public:
         // Read the way the library reads its caches: under the cache lock.
         const auto taken = [this] {
             double value = 0.0;
-            qrx::api::copyOut(&robot->globalReal[999], 1, &value);
+            qrx::api::copyOut(robot, &robot->globalReal[999], 1, &value);
             return value;
         };
         while (taken() != double(marker)) {

@@ -3,7 +3,8 @@
 #   run_example.sh <qrx-sim> <address> <program> [arguments...]
 # The program gets the address as its last argument; qrx-sim gets a job
 # folder of its own (uploads land there, jobs run from it). qrx-sim is stopped
-# afterwards; the exit status is the program's.
+# afterwards; the exit status is the program's. QRX_SIM_ARGS adds options of
+# qrx-sim (e.g. --count 2).
 set -u
 SIM="$1"
 ADDRESS="$2"
@@ -11,7 +12,8 @@ shift 2
 
 LOG="$(mktemp)"
 JOBS="$(mktemp -d)" # the controller's job folder (uploads land there)
-"$SIM" --address "$ADDRESS" --job-dir "$JOBS" >"$LOG" 2>&1 &
+# shellcheck disable=SC2086 # QRX_SIM_ARGS is a list of words
+"$SIM" --address "$ADDRESS" --job-dir "$JOBS" ${QRX_SIM_ARGS:-} >"$LOG" 2>&1 &
 SIM_PID=$!
 cleanup() {
     kill "$SIM_PID" 2>/dev/null

@@ -113,7 +113,7 @@ Waiter &TestRequestWait::newWaiter()
 void TestRequestWait::primePosition(double first)
 {
     m_sim->sendJson(0x2F08, positionReport(first));
-    QTRY_COMPARE_WITH_TIMEOUT(withCache([&] { return m_robot->currentPosition[5]; }), first + 5, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(withCache(m_robot, [&] { return m_robot->currentPosition[5]; }), first + 5, 10000);
 }
 
 void TestRequestWait::anyWakingReplyEndsWait_data()

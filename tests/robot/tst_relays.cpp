@@ -359,7 +359,7 @@ private Q_SLOTS:
         if (!line.isEmpty())
             QCOMPARE(log.count(line), 1);
         // Caches are read as the library reads them: under the cache lock.
-        std::lock_guard<std::recursive_mutex> cacheLock(qrx::cacheMutex());
+        std::lock_guard<std::recursive_mutex> cacheLock(robot->cacheMutex);
         if (code == 0x5606)
             QCOMPARE(QVector<double>(robot->globalPosition, robot->globalPosition + 4),
                      (QVector<double>{1, 2, 3, 0}));

@@ -79,14 +79,14 @@ private Q_SLOTS:
     void init()
     {
         clearCallbackTexts();
-        Robot::setErrorCallback(&recordCallback);
+        robot->setMessageSink([](int, const QByteArray &text) { recordCallback(text.constData()); });
         if (qstrcmp(QTest::currentTestFunction(), "startupReportsHeld") != 0)
             robot->setCurrentRobot(1);
     }
 
     void cleanup()
     {
-        Robot::setErrorCallback(nullptr);
+        robot->setMessageSink(nullptr);
     }
 
     void callbackText_data()
@@ -147,7 +147,7 @@ private Q_SLOTS:
     {
         QFETCH(int, code);
 
-        Robot::setErrorCallback(nullptr);
+        robot->setMessageSink(nullptr);
         const QString data = QStringLiteral("机器人1 伺服报警 %1").arg(code);
         fixture.send(quint16(code), utf8(QStringLiteral("{\"data\":\"%1\"}").arg(data)));
         QVERIFY(fixture.flush());

@@ -45,7 +45,7 @@ private Q_SLOTS:
         robot->setReady(true);
         robot->setCurrentRobot(1);
         robot->coordinateGate = 0;
-        Robot::takeForceModeNotification();
+        robot->takeForceModeNotification();
         fixture.sim().clearReceived();
     }
 
@@ -162,7 +162,7 @@ private Q_SLOTS:
         robot->modeRepeated.store(false);
         ThreadSpy changed(robot, SIGNAL(robot_mode_changed(OperationMode)));
         if (force)
-            Robot::forceModeNotification();
+            robot->forceModeNotification();
         fixture.send(0x2103, QByteArray("{\"mode\":") + QByteArray::number(reported) + "}");
         QVERIFY(fixture.flush());
 
@@ -171,7 +171,7 @@ private Q_SLOTS:
             QCOMPARE(changed.at(0).value(0).value<OperationMode>(), OperationMode(reported));
         QCOMPARE(robot->modeRepeated.load(), repeated);
         // The flag is spent by the report that used it.
-        QVERIFY(!Robot::takeForceModeNotification());
+        QVERIFY(!robot->takeForceModeNotification());
     }
 
     void servo_data()
@@ -212,7 +212,7 @@ private Q_SLOTS:
         QFETCH(bool, axisWidget);
 
         robot->setCurrentRobot(current);
-        withCache([&] {
+        withCache(robot, [&] {
             robot->operationMode = operationMode;
             robot->servoStatus = 9;
             for (int &s : robot->robotServoStatus)

@@ -418,29 +418,7 @@ private Q_SLOTS:
         QCOMPARE(robot->operationMode, held);
         QCOMPARE(changed.count(), 1);
         QCOMPARE(int(changed.at(0).value(0).value<OperationMode>()), held);
-        QVERIFY(!Robot::takeForceModeNotification());
-    }
-
-    void instanceAccessor()
-    {
-        // No class-wide instance is alive here: the fixture's Robot was
-        // created directly.
-        Robot *first = Robot::instance(QStringLiteral("127.0.0.1"));
-        QVERIFY(first);
-        QCOMPARE(Robot::instance(QStringLiteral("10.0.0.9")), first);
-        QCOMPARE(Robot::instance(), first);
-        QVERIFY(!first->isClosed());
-        first->close();
-        QVERIFY(first->isClosed());
-        Robot *second = Robot::instance();
-        QVERIFY(second != first);
-        QCOMPARE(Robot::instance(), second);
-        delete second; // the class-wide pointer forgets a deleted instance
-        Robot *third = Robot::instance(QStringLiteral("127.0.0.1"));
-        QVERIFY(third != first);
-        third->close();
-        delete third;
-        delete first;
+        QVERIFY(!robot->takeForceModeNotification());
     }
 };
 

@@ -265,7 +265,7 @@ private Q_SLOTS:
         QFETCH(QVector<double>, cache);
 
         // A previous report leaves no trace.
-        withCache([&] {
+        withCache(robot, [&] {
             std::fill(std::begin(robot->fourPointData), std::end(robot->fourPointData), 99.0);
             std::fill(std::begin(robot->fourPointResult), std::end(robot->fourPointResult), 99.0);
         });

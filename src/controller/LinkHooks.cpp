@@ -1,0 +1,104 @@
+#include "controller/LinkHooks.h"
+
+#include "common/HandOver.h"
+#include "link/DispatchTable.h"
+#include "link/TcpConnectModule.h"
+#include "link/TcpConnectModulePrivate.h"
+#include "protocol/Catalogue.h"
+#include "robot/Robot.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QThread>
+
+namespace qrx {
+
+quint16 replyCodeFor(quint16 query)
+{
+    return protocol::replyTo(query);
+}
+
+QVector<quint16> answeringReplyCodes()
+{
+    QVector<quint16> codes;
+    for (const protocol::Message &request : protocol::outgoing()) {
+        if (request.pairedWith && !codes.contains(request.pairedWith))
+            codes.append(request.pairedWith);
+    }
+    return codes;
+}
+
+void hookReplyCounters(Robot *robot, std::function<void(quint16)> counted)
+{
+    TcpConnectModule *link = robot->link();
+    for (const quint16 code : answeringReplyCodes()) {
+        const DispatchRow *row = findDispatchRow(code);
+        const bool payloadSignal = row && row->notification &&
+                                   (row->delivery == protocol::Delivery::Forward ||
+                                    row->delivery == protocol::Delivery::ForwardIfJson);
+        if (payloadSignal) {
+            QObject::connect(
+                link, row->notification, robot, [counted, code](const QByteArray &) { counted(code); },
+                Qt::DirectConnection);
+        } else if (!row) {
+            QObject::connect(
+                link, &LinkNotifications::receivedData, robot,
+                [counted, code](quint16 command, const QByteArray &) {
+                    if (command == code)
+                        counted(code);
+                },
+                Qt::DirectConnection);
+        }
+    }
+}
+
+void hookLinkStatus(Robot *robot, std::function<void(int)> status)
+{
+    TcpConnectModule *link = robot->link();
+    const auto wire = [robot, link, &status] {
+        QObject::connect(link, &LinkNotifications::connectSucceed, robot, status, Qt::DirectConnection);
+    };
+    // The Robot's thread re-emits the link's status and may already run:
+    // the slot is made in that thread, so that it is made where it runs.
+    // The queue that takes the functor over orders it, invisibly to
+    // ThreadSanitizer (handOff/takeOver).
+    if (robot->thread() == QThread::currentThread() || !robot->thread()->isRunning()) {
+        wire();
+        return;
+    }
+    static const char handed = 0;
+    qrx::handOff(&handed);
+    QMetaObject::invokeMethod(
+        robot,
+        [&wire] {
+            qrx::takeOver(&handed);
+            wire();
+            qrx::handOff(&handed);
+        },
+        Qt::BlockingQueuedConnection);
+    qrx::takeOver(&handed);
+}
+
+int dropReason(const TcpConnectModule *link)
+{
+    if (link->isStopped())
+        return kReasonClosedByHost;
+    const qint64 silentSecs = link->lastReceiveTime().secsTo(QDateTime::currentDateTimeUtc());
+    if (silentSecs >= TcpConnectModulePrivate::kReceiveTimeoutSecs)
+        return kReasonControllerSilent;
+    return kReasonConnectionLost;
+}
+
+const char *reasonText(int reason)
+{
+    switch (reason) {
+    case kReasonClosedByHost:
+        return "closed by the host";
+    case kReasonControllerSilent:
+        return "the controller fell silent";
+    default:
+        return "connection lost";
+    }
+}
+
+} // namespace qrx
