@@ -67,6 +67,9 @@ private:
     void startSim(int n);
     void startBridge(const QString &id, const QStringList &controllers, bool allowCommands);
     std::unique_ptr<MqttProbe> client(const QString &user);
+    // The retained state of a controller as a newcomer reads it, once it
+    // contains the text (waits up to timeout).
+    std::string stateOnceIt(const char *name, const std::string &contains, std::chrono::milliseconds timeout);
     QByteArray simLog(int n) const;
     static int count(const QByteArray &log, const QByteArray &what) { return log.count(what); }
 
@@ -119,6 +122,8 @@ void TestBridgeMqtt::initTestCase()
     m_operator = client("operator");
     QCOMPARE(m_operator->connectResult(), 0);
     QVERIFY(m_operator->subscribe("qrx/#"));
+    for (const char *id : {"a", "b"})
+        QVERIFY(!m_operator->waitOn(std::string("qrx/c1/bridges/") + id, "online", 20s).topic.empty());
 }
 
 void TestBridgeMqtt::cleanupTestCase()
@@ -190,6 +195,15 @@ std::unique_ptr<MqttProbe> TestBridgeMqtt::client(const QString &user)
                                        user.isEmpty() ? std::string() : (user + "-secret").toStdString());
 }
 
+std::string TestBridgeMqtt::stateOnceIt(const char *name, const std::string &contains,
+                                        std::chrono::milliseconds timeout)
+{
+    const auto reader = client("reader");
+    const std::string topic = std::string("qrx/c1/") + name + "/state";
+    reader->subscribe(topic);
+    return reader->waitOn(topic, contains, timeout).payload;
+}
+
 void TestBridgeMqtt::brokerRefusesStrangers()
 {
     QVERIFY(client("")->connectResult() > 0); // anonymous
@@ -211,6 +225,7 @@ void TestBridgeMqtt::bridgesAndStatesRetained()
         QVERIFY2(reader->waitOn(std::string("qrx/c1/bridges/") + id, "online", 20s).retained, id);
     for (const char *name : {"r1", "r2", "r3", "r4"}) {
         const std::string topic = std::string("qrx/c1/") + name + "/state";
+        QVERIFY(reader->waitOn(topic, "", 20s).retained); // the first one, before any change
         const auto m = reader->waitOn(topic, "\"link\":true", 20s);
         QVERIFY2(!m.topic.empty(), name);
         const Json::Value state = parse(m.payload);
@@ -318,7 +333,7 @@ void TestBridgeMqtt::silentControllerBusyOthersGoOn()
     // r3 stops answering (its process frozen, its socket still open). Each
     // servo command waits out the library's bound; the queue (4) fills and
     // the rest are answered "busy" at once.
-    QVERIFY(!m_operator->waitOn("qrx/c1/r3/state", "\"link\":true", 20s).topic.empty());
+    QVERIFY(!stateOnceIt("r3", "\"link\":true", 20s).empty());
     m_operator->clear();
     ::kill(pid_t(m_sims[3]->processId()), SIGSTOP);
     std::set<std::string> sent;
@@ -332,28 +347,29 @@ void TestBridgeMqtt::silentControllerBusyOthersGoOn()
     // r3's lost link shows (the library closes a link silent for 7 s).
     QVERIFY(!m_operator->waitOn("qrx/c1/r3/state", "\"link\":false", 20s).topic.empty());
     ::kill(pid_t(m_sims[3]->processId()), SIGCONT);
-    // Every request gets exactly one answer; all but the running one and the
-    // four waiting ones were busy.
+    // Every request gets exactly one answer; all but the four waiting ones
+    // and the running one (if the work thread took the first request before
+    // the fifth came) were busy.
     std::map<std::string, std::vector<std::string>> answers;
     const auto collect = [&] {
         answers.clear();
         for (const auto &m : m_operator->messages())
-            if (sent.count(m.correlation))
+            if (m.topic == m_operator->responseTopic() && sent.count(m.correlation))
                 answers[m.correlation].push_back(m.payload);
         return answers.size() == sent.size();
     };
     QTRY_VERIFY_WITH_TIMEOUT(collect(), 60000);
     int busy = 0;
     for (const auto &[correlation, payloads] : answers) {
-        QCOMPARE(payloads.size(), std::size_t(1));
+        QVERIFY2(payloads.size() == 1, (correlation + ": " + payloads[0] + " | " + payloads.back()).c_str());
         busy += payloads[0].find("\"error\":\"busy") != std::string::npos;
     }
-    QCOMPARE(busy, 12 - 1 - 4);
+    QVERIFY2(busy == 12 - 1 - 4 || busy == 12 - 4, std::to_string(busy).c_str());
 }
 
 void TestBridgeMqtt::killedControllerShowsLinkLost()
 {
-    QVERIFY(!m_operator->waitOn("qrx/c1/r2/state", "\"link\":true", 20s).topic.empty());
+    QVERIFY(!stateOnceIt("r2", "\"link\":true", 20s).empty());
     m_operator->clear();
     m_sims[2]->kill();
     const auto killed = std::chrono::steady_clock::now();

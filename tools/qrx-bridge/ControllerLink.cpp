@@ -82,6 +82,7 @@ void ControllerLink::open()
         return;
     qCInfo(lcBridge, "controller %s at %s:%d: link open", m_address.name.c_str(), m_address.ip.c_str(),
            m_address.port);
+    qrxc_set_matched_replies(c, 1); // a wait ends on its own reply, not on any report
     qrxc_set_message_handler(c, &ControllerLink::message, this);
     qrxc_set_state_handler(c, &ControllerLink::stateChanged, this);
     m_handle.store(c);

@@ -107,7 +107,8 @@ bool MqttSession::publish(const std::string &topic, const std::string &payload, 
 
 bool MqttSession::subscribe(const std::string &filter, int qos)
 {
-    return mosquitto_subscribe_v5(m_mosq, nullptr, filter.c_str(), qos, 0, nullptr) == MOSQ_ERR_SUCCESS;
+    const int options = MQTT_SUB_OPT_SEND_RETAIN_NEVER | MQTT_SUB_OPT_RETAIN_AS_PUBLISHED;
+    return mosquitto_subscribe_v5(m_mosq, nullptr, filter.c_str(), qos, options, nullptr) == MOSQ_ERR_SUCCESS;
 }
 
 bool MqttSession::respond(const MqttRequest &request, const std::string &payload)

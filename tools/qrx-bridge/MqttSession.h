@@ -51,6 +51,8 @@ public:
 
     // From any thread; false when the message could not be queued.
     bool publish(const std::string &topic, const std::string &payload, int qos, bool retain);
+    // Subscribes without the broker's retained messages and with the retain
+    // flag as published, so a retained request can be told and refused.
     bool subscribe(const std::string &filter, int qos);
     bool respond(const MqttRequest &request, const std::string &payload);
     // True between the broker's acceptance and the loss of the connection.

@@ -2,6 +2,7 @@
 
 #include "common/CompactJson.h"
 
+#include <cctype>
 #include <json/reader.h>
 #include <memory>
 
@@ -16,13 +17,20 @@ bool parseStrictJson(const std::string &text, Json::Value &root, std::string &er
     std::string errors;
     if (reader->parse(text.data(), text.data() + text.size(), &root, &errors))
         return true;
-    const auto end = errors.find('\n', errors.find('\n') + 1);
-    error = errors.substr(0, end);
-    for (char &c : error)
-        if (c == '\n')
-            c = ' ';
-    while (!error.empty() && error.back() == ' ')
-        error.pop_back();
+    // jsoncpp: "* Line 1, Column 9\n  Syntax error: ...\n" -> "line 1, column 9: syntax error: ..."
+    std::string words;
+    bool blank = false;
+    for (const char c : errors.substr(errors.rfind("* ", 0) == 0 ? 2 : 0)) {
+        if (c == '\n' || c == ' ') {
+            blank = !words.empty();
+            continue;
+        }
+        if (blank)
+            words += words.back() == ',' ? " " : (std::isdigit(static_cast<unsigned char>(words.back())) ? ": " : " ");
+        blank = false;
+        words += c;
+    }
+    error = words;
     return false;
 }
 
