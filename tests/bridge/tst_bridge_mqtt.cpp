@@ -15,6 +15,8 @@
 #include <memory>
 #include <set>
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 using namespace std::chrono_literals;
@@ -60,12 +62,14 @@ private slots:
     void silentControllerBusyOthersGoOn();
     void killedControllerShowsLinkLost();
     void brokerRestartRepublishes();
+    void serviceReadyAndWatchdog();
     void cleanStopAndWill();
 
 private:
     void startBroker();
     void startSim(int n);
-    void startBridge(const QString &id, const QStringList &controllers, bool allowCommands);
+    void startBridge(const QString &id, const QStringList &controllers, bool allowCommands,
+                     const QProcessEnvironment &extra = {});
     std::unique_ptr<MqttProbe> client(const QString &user);
     // The retained state of a controller as a newcomer reads it, once it
     // contains the text (waits up to timeout).
@@ -166,7 +170,8 @@ QByteArray TestBridgeMqtt::simLog(int n) const
     return log.open(QIODevice::ReadOnly) ? log.readAll() : QByteArray();
 }
 
-void TestBridgeMqtt::startBridge(const QString &id, const QStringList &controllers, bool allowCommands)
+void TestBridgeMqtt::startBridge(const QString &id, const QStringList &controllers, bool allowCommands,
+                                 const QProcessEnvironment &extra)
 {
     QFile password(m_dir.filePath("bridge.password"));
     password.open(QIODevice::WriteOnly);
@@ -181,6 +186,8 @@ void TestBridgeMqtt::startBridge(const QString &id, const QStringList &controlle
     auto bridge = std::make_unique<QProcess>();
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("QRX_LANG", "en");
+    for (const QString &key : extra.keys())
+        env.insert(key, extra.value(key));
     bridge->setProcessEnvironment(env);
     bridge->setStandardOutputFile(m_dir.filePath("bridge-" + id + ".log"), QIODevice::Append);
     bridge->setStandardErrorFile(m_dir.filePath("bridge-" + id + ".log"), QIODevice::Append);
@@ -397,6 +404,37 @@ void TestBridgeMqtt::brokerRestartRepublishes()
     for (const char *name : {"r1", "r2", "r3", "r4"})
         QVERIFY2(!m_operator->waitOn(std::string("qrx/c1/") + name + "/state", "\"link\"", 60s).topic.empty(), name);
     QCOMPARE(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":7}", 30s), std::string("{\"ok\":true}"));
+}
+
+void TestBridgeMqtt::serviceReadyAndWatchdog()
+{
+    // systemd's side of Type=notify and WatchdogSec, played by a datagram socket.
+    const QString path = m_dir.filePath("notify");
+    const int fd = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    QVERIFY(fd >= 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    qstrncpy(address.sun_path, QFile::encodeName(path).constData(), sizeof address.sun_path);
+    QCOMPARE(::bind(fd, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    const timeval bound{20, 0};
+    ::setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &bound, sizeof bound);
+    QProcessEnvironment env;
+    env.insert("NOTIFY_SOCKET", path);
+    env.insert("WATCHDOG_USEC", "400000");
+    startBridge("c", {"r9=" + nextAddress(m_address, 1)}, false, env);
+    QByteArray said;
+    char datagram[256];
+    while (said.count("WATCHDOG=1") < 3) {
+        const ssize_t n = ::recv(fd, datagram, sizeof datagram, 0);
+        if (n <= 0)
+            break;
+        said.append(datagram, int(n)).append('\n');
+    }
+    ::close(fd);
+    QVERIFY2(said.startsWith("READY=1"), said.constData());
+    QCOMPARE(said.count("WATCHDOG=1"), 3); // every 200 ms, half the period
+    m_bridges["c"]->terminate();
+    QVERIFY(m_bridges["c"]->waitForFinished(10000));
 }
 
 void TestBridgeMqtt::cleanStopAndWill()
