@@ -33,6 +33,7 @@ MqttProbe::MqttProbe(const std::string &host, int port, const std::string &user,
     m_responseTopic = "replies/" + id;
     m_mosq = mosquitto_new(id.c_str(), true, this);
     mosquitto_int_option(m_mosq, MOSQ_OPT_PROTOCOL_VERSION, MQTT_PROTOCOL_V5);
+    mosquitto_int_option(m_mosq, MOSQ_OPT_TCP_NODELAY, 1);
     if (!user.empty())
         mosquitto_username_pw_set(m_mosq, user.c_str(), password.c_str());
     mosquitto_connect_v5_callback_set(m_mosq, [](mosquitto *, void *self, int rc, int, const mosquitto_property *) {

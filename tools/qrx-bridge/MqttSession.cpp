@@ -39,6 +39,7 @@ MqttSession::MqttSession(MqttSettings settings, Connected onConnected, Received 
     std::call_once(once, [] { mosquitto_lib_init(); });
     m_mosq = mosquitto_new(m_settings.clientId.c_str(), true, this);
     mosquitto_int_option(m_mosq, MOSQ_OPT_PROTOCOL_VERSION, MQTT_PROTOCOL_V5);
+    mosquitto_int_option(m_mosq, MOSQ_OPT_TCP_NODELAY, 1); // states go out at once, not after the next ACK
     mosquitto_connect_v5_callback_set(m_mosq, &MqttSession::connected);
     mosquitto_disconnect_v5_callback_set(m_mosq, &MqttSession::disconnected);
     mosquitto_message_v5_callback_set(m_mosq, &MqttSession::received);
