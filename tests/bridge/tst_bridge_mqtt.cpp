@@ -54,9 +54,12 @@ private slots:
     void brokerRefusesStrangers();
     void bridgesAndStatesRetained();
     void commandAnsweredAndStateFollows();
+    void verbsReachController_data();
+    void verbsReachController();
     void badInputNeverReachesController_data();
     void badInputNeverReachesController();
     void refusedAlarmPublished();
+    void servoAndJobs();
     void commandsOffByDefault();
     void requestsWithoutAnswerOrRetained();
     void silentControllerBusyOthersGoOn();
@@ -264,6 +267,34 @@ void TestBridgeMqtt::commandAnsweredAndStateFollows()
         QVERIFY(times[i] - times[i - 1] > 400ms); // 500 ms apart, less the broker's jitter
 }
 
+void TestBridgeMqtt::verbsReachController_data()
+{
+    // What each verb puts on the wire, as the controller receives it.
+    QTest::addColumn<QString>("verb");
+    QTest::addColumn<QByteArray>("payload");
+    QTest::addColumn<QByteArray>("frame");
+    QTest::newRow("mode") << "mode" << QByteArray(R"({"mode":1})") << QByteArray(R"(<- 0x2101 {"mode":1})");
+    QTest::newRow("coord") << "coord" << QByteArray(R"({"coord":2})") << QByteArray(R"(<- 0x2201 {"coord":2,"robot":1})");
+    QTest::newRow("aout") << "io" << QByteArray(R"({"aout":2,"value":2.5})")
+                          << QByteArray(R"(<- 0x3607 {"port":2,"value":2.50})");
+    QTest::newRow("var") << "var" << QByteArray(R"({"name":"GI003","value":42})")
+                         << QByteArray(R"(<- 0x5607 {"varName":"GI003","varType":2,"varValue":42.0})");
+    QTest::newRow("linear") << "move" << QByteArray(R"({"kind":"linear","pos":[1,2,3,4,5,6.5],"speed":9,"acc":20})")
+                            << QByteArray(R"(<- 0x4502 {"acc":20,"coord":1,"dec":50,"pos":[1.0,2.0,3.0,4.0,5.0,6.50],"robot":1,"vel":9})");
+    QTest::newRow("pause") << "job" << QByteArray(R"({"action":"pause"})") << QByteArray(R"(<- 0x2401 {"robot":1,"type":1})");
+    QTest::newRow("stop") << "job" << QByteArray(R"({"action":"stop"})") << QByteArray(R"(<- 0x2503 {"robot":1})");
+}
+
+void TestBridgeMqtt::verbsReachController()
+{
+    QFETCH(QString, verb);
+    QFETCH(QByteArray, payload);
+    QFETCH(QByteArray, frame);
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/" + verb.toStdString(), payload.toStdString()),
+             std::string("{\"ok\":true}"));
+    QTRY_VERIFY_WITH_TIMEOUT(simLog(1).contains(frame), 10000);
+}
+
 void TestBridgeMqtt::badInputNeverReachesController_data()
 {
     QTest::addColumn<QString>("verb");
@@ -309,6 +340,25 @@ void TestBridgeMqtt::refusedAlarmPublished()
     QCOMPARE(value["level"].asString(), std::string("error"));
     QCOMPARE(value.getMemberNames(), (std::vector<std::string>{"level", "text", "time"}));
     QVERIFY(m_operator->waitOn("qrx/c1/r2/alarm", "", 0ms).topic.empty()); // only r1's
+}
+
+void TestBridgeMqtt::servoAndJobs()
+{
+    // A job does not start while the servo is off: said, and nothing sent.
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/job", R"({"action":"run","name":"WELD_1"})"),
+             std::string(R"({"error":"the servo is off","ok":false})"));
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/mode", R"({"mode":0})"), std::string(R"({"ok":true})"));
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/job", R"({"action":"continue"})"),
+             std::string(R"({"error":"the controller is not in run mode","ok":false})"));
+    QVERIFY(!simLog(1).contains("<- 0x2501"));
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/servo", R"({"on":true})"), std::string(R"({"ok":true})"));
+    QVERIFY(!stateOnceIt("r1", "\"servo\":1", 20s).empty()); // what the controller answered
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/job", R"({"action":"run","name":"WELD_1"})"),
+             std::string(R"({"ok":true})"));
+    QTRY_VERIFY_WITH_TIMEOUT(simLog(1).contains(R"(<- 0x2501 {"continueRun":0,"jobname":"WELD_1","line":1,"robot":1,"startOver":true})"),
+                             10000);
+    QCOMPARE(m_operator->request("qrx/c1/r1/cmd/servo", R"({"on":false})"), std::string(R"({"ok":true})"));
+    QTRY_VERIFY_WITH_TIMEOUT(simLog(1).contains(R"(<- 0x2301 {"deadman":0})"), 10000);
 }
 
 void TestBridgeMqtt::commandsOffByDefault()
