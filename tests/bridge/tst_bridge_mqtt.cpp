@@ -7,6 +7,9 @@
 #include "support/Loopback.h"
 
 #include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -24,6 +27,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int kBrokerPort = 1883;
+constexpr int kBrokerTlsPort = 8883;
 const char *const kStateFields[] = {"cartesian", "coord", "joints", "line", "link", "mode", "running",
                                     "servo", "speed", "time", "tool", "type"};
 
@@ -65,6 +69,7 @@ private slots:
     void silentControllerBusyOthersGoOn();
     void killedControllerShowsLinkLost();
     void brokerRestartRepublishes();
+    void tlsToBroker();
     void serviceReadyAndWatchdog();
     void cleanStopAndWill();
 
@@ -80,8 +85,11 @@ private:
     QByteArray simLog(int n) const;
     static int count(const QByteArray &log, const QByteArray &what) { return log.count(what); }
 
+    bool makeCertificates();
+
     QTemporaryDir m_dir;
     QString m_address;
+    bool m_tls = false; // the broker has a TLS listener too
     std::unique_ptr<QProcess> m_broker;
     std::map<int, std::unique_ptr<QProcess>> m_sims;
     std::map<QString, std::unique_ptr<QProcess>> m_bridges;
@@ -115,22 +123,47 @@ void TestBridgeMqtt::initTestCase()
                    .arg(kBrokerPort)
                    .arg(m_address, passwd, acl.fileName(), getuid() == 0 ? "user root\n" : "")
                    .toUtf8());
+    m_tls = makeCertificates();
+    if (m_tls)
+        conf.write(QStringLiteral("listener %1 %2\ncafile %3\ncertfile %4\nkeyfile %5\n")
+                       .arg(kBrokerTlsPort)
+                       .arg(m_address, m_dir.filePath("ca.pem"), m_dir.filePath("server.pem"),
+                            m_dir.filePath("server.key"))
+                       .toUtf8());
     conf.close();
-    startBroker();
 
     for (int n = 1; n <= 4; ++n)
         startSim(n);
     // Bridge a serves r1 to r3 and runs commands; bridge b serves r4 only
-    // and refuses them: two bridges of one cell on one broker.
+    // and refuses them: two bridges of one cell on one broker. They start
+    // before the broker does and find it when it comes.
     startBridge("a", {"r1=" + nextAddress(m_address, 1), "r2=" + nextAddress(m_address, 2),
                       "r3=" + nextAddress(m_address, 3)},
                 true);
     startBridge("b", {"r4=" + nextAddress(m_address, 4)}, false);
+    QTRY_VERIFY_WITH_TIMEOUT(QFile(m_dir.filePath("bridge-a.log")).size() > 0, 20000); // it has tried
+    startBroker();
     m_operator = client("operator");
     QCOMPARE(m_operator->connectResult(), 0);
     QVERIFY(m_operator->subscribe("qrx/#"));
     for (const char *id : {"a", "b"})
         QVERIFY(!m_operator->waitOn(std::string("qrx/c1/bridges/") + id, "online", 20s).topic.empty());
+}
+
+bool TestBridgeMqtt::makeCertificates()
+{
+    // A CA of the test's own and the broker's certificate for its address.
+    const auto openssl = [this](const QStringList &args) {
+        QProcess p;
+        p.setWorkingDirectory(m_dir.path());
+        p.start("openssl", args);
+        return p.waitForFinished(60000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+    };
+    return openssl({"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-keyout", "ca.key", "-out", "ca.pem", "-subj",
+                    "/CN=qrx-test-ca", "-days", "2"})
+           && openssl({"req", "-x509", "-newkey", "rsa:2048", "-nodes", "-keyout", "server.key", "-out", "server.pem",
+                       "-subj", "/CN=" + m_address, "-days", "2", "-CA", "ca.pem", "-CAkey", "ca.key", "-addext",
+                       "subjectAltName=IP:" + m_address});
 }
 
 void TestBridgeMqtt::cleanupTestCase()
@@ -186,6 +219,17 @@ void TestBridgeMqtt::startBridge(const QString &id, const QStringList &controlle
         args << "--controller" << c;
     if (allowCommands)
         args << "--allow-commands";
+    if (id == "b") {
+        // The same through a config file.
+        QJsonObject config{{"broker", args[1]}, {"cell", "c1"}, {"id", id}, {"username", "bridge"},
+                           {"password-file", password.fileName()}, {"queue", 4},
+                           {"controller", QJsonArray::fromStringList(controllers)}, {"allow-commands", allowCommands}};
+        QFile file(m_dir.filePath("b.json"));
+        file.open(QIODevice::WriteOnly);
+        file.write(QJsonDocument(config).toJson());
+        file.close();
+        args = QStringList{"--config", file.fileName()};
+    }
     auto bridge = std::make_unique<QProcess>();
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("QRX_LANG", "en");
@@ -454,6 +498,26 @@ void TestBridgeMqtt::brokerRestartRepublishes()
     for (const char *name : {"r1", "r2", "r3", "r4"})
         QVERIFY2(!m_operator->waitOn(std::string("qrx/c1/") + name + "/state", "\"link\"", 60s).topic.empty(), name);
     QCOMPARE(m_operator->request("qrx/c1/r1/cmd/speed", "{\"speed\":7}", 30s), std::string("{\"ok\":true}"));
+}
+
+void TestBridgeMqtt::tlsToBroker()
+{
+    if (!m_tls)
+        QSKIP("openssl could not make the test's certificates");
+    // Same broker, its TLS listener, the test's CA.
+    QFile password(m_dir.filePath("bridge.password"));
+    QProcess bridge;
+    bridge.setStandardOutputFile(m_dir.filePath("bridge-t.log"));
+    bridge.setStandardErrorFile(m_dir.filePath("bridge-t.log"));
+    bridge.start(QRX_BRIDGE_PATH, {"--broker", m_address + ':' + QString::number(kBrokerTlsPort), "--cell", "c1",
+                                   "--id", "t", "--username", "bridge", "--password-file", password.fileName(),
+                                   "--tls-ca", m_dir.filePath("ca.pem"), "--controller", "r8=" + nextAddress(m_address, 1)});
+    QVERIFY(bridge.waitForStarted());
+    QVERIFY(!m_operator->waitOn("qrx/c1/bridges/t", "online", 20s).topic.empty());
+    QVERIFY(!m_operator->waitOn("qrx/c1/r8/state", "\"link\":true", 20s).topic.empty());
+    bridge.terminate();
+    QVERIFY(bridge.waitForFinished(10000));
+    QVERIFY(!m_operator->waitOn("qrx/c1/bridges/t", "offline", 10s).topic.empty());
 }
 
 void TestBridgeMqtt::serviceReadyAndWatchdog()

@@ -3,6 +3,9 @@
 #include "BridgeLogging.h"
 
 #include <mqtt_protocol.h>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <mutex>
 
 namespace qrxbridge {
@@ -72,22 +75,31 @@ bool MqttSession::start(std::string &error)
         error = "the will cannot be set";
         return false;
     }
-    // The first attempt may fail at once (no broker yet); the network
-    // thread keeps trying with its pause.
-    const int rc = mosquitto_connect_async(m_mosq, s.host.c_str(), s.port, s.keepAlive);
-    if (rc != MOSQ_ERR_SUCCESS)
-        qCWarning(lcBridge, "broker %s:%d not reached yet (%s); trying again", s.host.c_str(), s.port,
-                  rc == MOSQ_ERR_ERRNO ? "no connection" : mosquitto_strerror(rc));
-    if (rc == MOSQ_ERR_INVAL) {
-        error = "the broker address " + s.host + " cannot be used";
-        return false;
-    }
-    if (mosquitto_loop_start(m_mosq) != MOSQ_ERR_SUCCESS) {
-        error = "the MQTT network thread cannot start";
-        return false;
-    }
     m_running = true;
+    m_starter = std::thread([this] { firstConnection(); });
     return true;
+}
+
+// libmosquitto's network thread reconnects only a session that was
+// connecting or connected once; until a first attempt is under way (a
+// broker that is not there refuses at once), this thread tries.
+void MqttSession::firstConnection()
+{
+    const MqttSettings &s = m_settings;
+    std::chrono::seconds pause{1};
+    std::unique_lock<std::mutex> lock(m_startMutex);
+    for (;;) {
+        const int rc = mosquitto_connect_async(m_mosq, s.host.c_str(), s.port, s.keepAlive);
+        if (rc == MOSQ_ERR_SUCCESS)
+            break;
+        qCWarning(lcBridge, "broker %s:%d not reached (%s); trying again in %d s", s.host.c_str(), s.port,
+                  rc == MOSQ_ERR_ERRNO ? strerror(errno) : mosquitto_strerror(rc), int(pause.count()));
+        if (m_startStop.wait_for(lock, pause, [this] { return m_stopping; }))
+            return;
+        pause = std::min(pause * 2, std::chrono::seconds(30));
+    }
+    if (!m_stopping && mosquitto_loop_start(m_mosq) == MOSQ_ERR_SUCCESS)
+        m_loopRunning = true;
 }
 
 void MqttSession::stop()
@@ -95,8 +107,16 @@ void MqttSession::stop()
     if (!m_running)
         return;
     m_running = false;
-    mosquitto_disconnect_v5(m_mosq, 0, nullptr);
-    mosquitto_loop_stop(m_mosq, false);
+    {
+        std::lock_guard<std::mutex> lock(m_startMutex);
+        m_stopping = true;
+    }
+    m_startStop.notify_all();
+    m_starter.join();
+    if (m_loopRunning) {
+        mosquitto_disconnect_v5(m_mosq, 0, nullptr);
+        mosquitto_loop_stop(m_mosq, false);
+    }
 }
 
 bool MqttSession::publish(const std::string &topic, const std::string &payload, int qos, bool retain)

@@ -7,6 +7,9 @@
 // session ends without a goodbye.
 
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
 #include <functional>
 #include <mosquitto.h>
 #include <string>
@@ -42,9 +45,9 @@ public:
     MqttSession(const MqttSession &) = delete;
     MqttSession &operator=(const MqttSession &) = delete;
 
-    // Starts the network thread; false with the reason when the settings
-    // cannot be used (a missing CA file, ...). An absent broker is not an
-    // error: the session keeps trying.
+    // Starts connecting; false with the reason when the settings cannot be
+    // used (a missing CA file, ...). An absent broker is not an error: the
+    // session keeps trying.
     bool start(std::string &error);
     // Publishes goodbyes already queued, disconnects (no will), joins.
     void stop();
@@ -59,6 +62,7 @@ public:
     bool isConnected() const { return m_connected.load(); }
 
 private:
+    void firstConnection();
     static void connected(mosquitto *, void *self, int rc, int flags, const mosquitto_property *);
     static void disconnected(mosquitto *, void *self, int rc, const mosquitto_property *);
     static void received(mosquitto *, void *self, const mosquitto_message *, const mosquitto_property *);
@@ -68,6 +72,11 @@ private:
     Received m_onMessage;
     mosquitto *m_mosq = nullptr;
     bool m_running = false;
+    std::thread m_starter;
+    std::mutex m_startMutex;
+    std::condition_variable m_startStop;
+    bool m_stopping = false;
+    bool m_loopRunning = false;
     std::atomic<bool> m_connected{false};
 };
 
