@@ -1,7 +1,8 @@
 // A C++ host through qrx_host.hpp: connects with a bound on every call,
-// watches the link, powers the drives, moves and waits for the move to
-// end, sets and reads a digital output, then disconnects (the Connection's
-// destructor). Exit status 0 when every step did what it should.
+// watches the link, sees a move refused while the drives are off, powers
+// the drives, moves and waits for the move to end, sets and reads a digital
+// output, then disconnects (the Connection's destructor). Exit status 0
+// when every step did what it should.
 //
 // Usage: qrx-cpp-host [--port N] [controller-address]
 
@@ -67,6 +68,15 @@ int main(int argc, char **argv)
         std::cout << "connected to " << address << ':' << port << '\n';
 
         robot.setMode(qrx::Mode::Teach);
+        const qrx::Axes target{20.0, 10.0, -5.0, 0.0, 30.0, 45.0};
+        // The drives are off: the controller refuses the move, the call throws.
+        try {
+            robot.movj(target, 50, qrx::Coord::Joint, 50, 50);
+            std::cerr << "FAILED: a move with the drives off was not refused\n";
+            return 1;
+        } catch (const qrx::Refused &e) {
+            std::cout << "refused (command 0x" << std::hex << e.command() << std::dec << "): " << e.what() << '\n';
+        }
         // powerOn() reports the first servo state that reaches the host after
         // the command; a state the controller sent before it saw the command
         // (its report to a newly connected host, say) can be that one. The
@@ -78,7 +88,6 @@ int main(int argc, char **argv)
         }
         std::cout << "drives running, mode " << int(robot.mode()) << '\n';
 
-        const qrx::Axes target{20.0, 10.0, -5.0, 0.0, 30.0, 45.0};
         robot.movj(target, 50, qrx::Coord::Joint, 50, 50);
         robot.waitMoveDone(target, qrx::Coord::Joint, 1e-3, 20s);
         print("arrived at", robot.position(qrx::Coord::Joint));
@@ -95,7 +104,7 @@ int main(int argc, char **argv)
     } catch (const qrx::ConnectionRefused &e) {
         std::cerr << "FAILED: " << e.what() << '\n';
         return 1;
-    } catch (const qrx::TimedOut &e) {
+    } catch (const qrx::Error &e) { // TimedOut, Refused
         std::cerr << "FAILED: " << e.what() << '\n';
         return 1;
     }

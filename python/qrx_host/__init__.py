@@ -12,11 +12,12 @@ put it.
 from ._library import load as load_library
 from .robot import Robot
 from .types import (CallTimedOut, ConnectionRefused, Coord, DigitalOut, Instruction, LinkEvent, LinkReason, Mode,
-                    MotorFigures, Move, MoveKind, NotConnected, QrxError, ServoState, SpeedUnit, TransferFailed, Wait)
+                    MotorFigures, Move, MoveKind, NotConnected, QrxError, Refused, ServoState, SpeedUnit,
+                    TransferFailed, Wait)
 from .transfer import ProgressCallback
 
 __all__ = [
     "Robot", "load_library", "CallTimedOut", "ConnectionRefused", "Coord", "DigitalOut", "Instruction",
-    "LinkEvent", "LinkReason", "Mode", "MotorFigures", "Move", "MoveKind", "NotConnected", "QrxError",
+    "LinkEvent", "LinkReason", "Mode", "MotorFigures", "Move", "MoveKind", "NotConnected", "QrxError", "Refused",
     "ServoState", "SpeedUnit", "TransferFailed", "ProgressCallback", "Wait",
 ]

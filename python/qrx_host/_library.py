@@ -5,7 +5,7 @@ import ctypes
 import ctypes.util
 import os
 from pathlib import Path
-from typing import Dict, List, Optional, Sequence, Tuple
+from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple
 
 from ._records import MotionRecord
 
@@ -78,6 +78,11 @@ _SIGNATURES: Dict[str, Tuple[List[object], object]] = {
     "qrx_matched_replies": ([], ctypes.c_int),
     "qrx_set_link_event_handler": ([_LINK_EVENT_HANDLER, ctypes.c_void_p], None),
     "qrx_connect_robot_port": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
+    "qrx_connect_robot_within": ([ctypes.c_char_p, ctypes.c_int, ctypes.c_int], ctypes.c_int),
+    "qrx_last_refusal": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
+    "qrx_last_refusal_type": ([], ctypes.c_int),
+    "qrx_clear_refusal": ([], None),
+    "qrx_confirm": ([], ctypes.c_int),
     "qrx_last_message": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
     "qrx_wait_move_done": ([_DOUBLE_P, ctypes.c_int, ctypes.c_double, ctypes.c_int], ctypes.c_int),
     "qrx_robot_type": ([ctypes.c_char_p, ctypes.c_int], ctypes.c_int),
@@ -93,6 +98,56 @@ _SIGNATURES: Dict[str, Tuple[List[object], object]] = {
     "qrx_export_config": ([ctypes.c_char_p], ctypes.c_int),
     "qrx_import_config": ([ctypes.c_char_p], ctypes.c_int),
 }
+
+
+# The functions that concern no single controller: no handle twin.
+_PROCESS_WIDE = ("connect_robot", "disconnect_robot", "qrx_connect_robot_port", "qrx_connect_robot_within",
+                 "qrx_last_call_timed_out")
+
+
+def twin(name: str) -> str:
+    """The handle API's name of a function: get_servo_state -> qrxc_get_servo_state,
+    qrx_wait_timeout -> qrxc_wait_timeout."""
+    return "qrxc_" + (name[4:] if name.startswith("qrx_") else name)
+
+
+_HANDLE = ctypes.c_void_p
+# The handle API: each function of one controller with the handle first,
+# and the handle's own calls.
+_HANDLE_SIGNATURES: Dict[str, Tuple[List[object], object]] = {
+    twin(name): ([_HANDLE] + args, result) for name, (args, result) in _SIGNATURES.items()
+    if name not in _PROCESS_WIDE
+}
+_HANDLE_SIGNATURES.update({
+    "qrxc_new": ([ctypes.c_char_p, ctypes.c_int], _HANDLE),
+    "qrxc_connect": ([_HANDLE], ctypes.c_int),
+    "qrxc_close": ([_HANDLE], None),
+    "qrxc_link_up": ([_HANDLE], ctypes.c_int),
+})
+
+
+class Bound:
+    """The library's functions acting on one controller: ``bound.get_servo_state()``
+    is ``qrxc_get_servo_state(handle)``, ``bound.qrx_wait_timeout()`` is
+    ``qrxc_wait_timeout(handle)``; the calling thread's own
+    ``qrx_last_call_timed_out`` is the library's. A handle of None (NULL)
+    gives each function's result without a link."""
+
+    def __init__(self, library: ctypes.CDLL, handle: Optional[int]) -> None:
+        self.library = library
+        self.handle = handle
+
+    def __getattr__(self, name: str) -> Callable[..., Any]:
+        if name in _PROCESS_WIDE:
+            function: Callable[..., Any] = getattr(self.library, name)
+            return function
+        twin_function: Callable[..., Any] = getattr(self.library, twin(name))
+        handle = self.handle
+
+        def call(*args: object) -> Any:
+            return twin_function(handle, *args)
+
+        return call
 
 
 def candidates() -> List[Path]:
@@ -131,7 +186,7 @@ def load(path: Optional[str] = None) -> ctypes.CDLL:
     if library is None:
         raise OSError("libqrx_host not found; set QRX_HOST_LIBRARY to its path (looked in: "
                       + ", ".join(str(p) for p in tried[:4]) + ", ...)")
-    for name, (args, result) in _SIGNATURES.items():
+    for name, (args, result) in list(_SIGNATURES.items()) + list(_HANDLE_SIGNATURES.items()):
         function = getattr(library, name)
         function.argtypes = args
         function.restype = result

@@ -3,16 +3,19 @@ from __future__ import annotations
 
 import atexit
 import ctypes
+import os
 import queue
 import threading
+import time
 import traceback
-from typing import Callable, Iterable, List, Optional, Sequence, Tuple, TypeVar
+import weakref
+from typing import Any, Callable, Iterable, List, Optional, Sequence, Tuple, TypeVar
 
 from . import _library
 from ._records import MotionRecord
 from .transfer import Transfers
 from .types import (CallTimedOut, ConnectionRefused, Coord, DigitalOut, Instruction, LinkEvent, LinkReason,
-                    Mode, MotorFigures, Move, NotConnected, ServoState, Wait)
+                    Mode, MotorFigures, Move, NotConnected, Refused, ServoState, Wait)
 
 T = TypeVar("T")
 Floats = Tuple[float, ...]
@@ -22,6 +25,17 @@ LinkCallback = Callable[[LinkEvent, LinkReason], None]
 # A waiting call in the main thread runs in a worker and is joined in
 # slices this long, so that Ctrl-C interrupts the wait.
 _SLICE_S = 0.1
+# How long a connect without a bound tries (the library's own connect tries
+# about as long).
+_CONNECT_S = 5.0
+# Room for the controller's text of a refusal (longer texts are shortened).
+_REFUSAL_TEXT = 4096
+# The command code of a job run (run_job, step_job).
+_RUN_JOB = 0x2501
+# Pause between two looks at the servo state while the drives come up.
+_SERVO_POLL_S = 0.02
+# wait_move_done(timeout=ROBOT_TIMEOUT): the Robot's timeout.
+ROBOT_TIMEOUT = -1.0
 
 
 class _Dispatcher:
@@ -30,7 +44,7 @@ class _Dispatcher:
     library's thread and never takes the library down."""
 
     def __init__(self) -> None:
-        self._queue: "queue.Queue[Tuple[Callable[..., None], tuple]]" = queue.Queue()
+        self._queue: "queue.Queue[Tuple[Callable[..., None], Tuple[object, ...]]]" = queue.Queue()
         self._thread = threading.Thread(target=self._run, name="qrx_host callbacks", daemon=True)
         self._thread.start()
 
@@ -60,18 +74,25 @@ def _dispatch() -> _Dispatcher:
         return _dispatcher
 
 
-@_library.ERROR_HANDLER
 def _on_message(text: bytes) -> None:
     callback = _message_callback
     if callback is not None:
         _dispatch().post(callback, text.decode("utf-8", "replace"))
 
 
-@_library.LINK_EVENT_HANDLER
 def _on_link_event(event: int, reason: int, _user: object) -> None:
     callback = _link_callback
     if callback is not None:
         _dispatch().post(callback, LinkEvent(event), LinkReason(reason))
+
+
+# What the library calls: kept alive here for the life of the process.
+_MESSAGE_POINTER = _library.ERROR_HANDLER(_on_message)
+_LINK_EVENT_POINTER = _library.LINK_EVENT_HANDLER(_on_link_event)
+
+# Every Robot with a controller of its own in the library (a handle).
+_robots: "weakref.WeakSet[Robot]" = weakref.WeakSet()
+_robots_lock = threading.Lock()
 
 
 @atexit.register
@@ -83,13 +104,13 @@ def _release_handlers() -> None:
     ended, so nothing of ours runs on its threads after this."""
     global _message_callback, _link_callback
     _message_callback = _link_callback = None
-    lib = _library.loaded()
-    if lib is not None:
-        lib.setErrorHandle(_library.ERROR_HANDLER())
-        lib.qrx_set_link_event_handler(_library.LINK_EVENT_HANDLER(), None)
+    with _robots_lock:
+        robots = list(_robots)
+    for robot in robots:
+        robot._release_handlers()
 
 
-def _doubles(n: int) -> ctypes.Array:
+def _doubles(n: int) -> "ctypes.Array[ctypes.c_double]":
     return (ctypes.c_double * n)()
 
 
@@ -104,38 +125,75 @@ class Robot(Transfers):
     ...     robot.mode = Mode.TEACH
     ...     print(robot.position())
 
-    ``timeout`` (seconds) bounds every call that waits for the controller; a
-    call that runs out raises :class:`CallTimedOut`. ``None`` waits for ever.
+    ``timeout`` (seconds) bounds the connect and every call that waits for
+    the controller; a call that runs out raises :class:`CallTimedOut`.
+    ``None`` waits for ever (a connect then tries for about five seconds).
+    A command the controller refuses raises :class:`Refused` with the
+    controller's text: each command waits until the controller has taken it
+    (one round trip), so a refusal is raised by the call that caused it.
     ``matched_replies`` makes each call wait for the controller's answer to
     its own query (on by default here; the C library's default is off).
-    The library drives one controller per process: use one Robot at a time.
+    Each Robot is a controller of its own in the library (a handle of the
+    qrxc_ API): a process holds as many as it likes, each usable from
+    several threads at once.
     Files move with :meth:`upload_jobs`, :meth:`download_jobs`, the
     ``export_*`` calls and :meth:`import_config` (see :mod:`qrx_host.transfer`).
     """
 
     def __init__(self, address: str, timeout: Optional[float] = 2.0, *, port: int = 6001,
                  matched_replies: bool = True, connect: bool = True) -> None:
-        self._lib = _library.library()
+        self._raw = _library.library()
         self.address = address
         self.port = port
         self._open = False
-        self.timeout = timeout
-        self._lib.qrx_set_matched_replies(1 if matched_replies else 0)
+        self._lib = _library.Bound(self._raw, None)
+        self._timeout_s = timeout
+        self._matched_replies = matched_replies
         if connect:
             self.connect()
 
     # ---- the connection --------------------------------------------------
     def connect(self) -> None:
-        """Connects (about five seconds at most); raises ConnectionRefused."""
-        if self._lib.qrx_connect_robot_port(self.address.encode("ascii"), self.port) != 1:
-            raise ConnectionRefused(f"no controller answered at {self.address}:{self.port}")
+        """Connects as soon as the controller answers, within ``timeout``
+        (about five seconds without one); raises ConnectionRefused."""
+        if self._open:
+            return
+        bound = self._timeout_s or _CONNECT_S
+        handle = self._raw.qrxc_new(self.address.encode("ascii"), self.port)
+        if not handle:
+            raise ConnectionRefused(f"no controller at {self.address}:{self.port}")
+        self._lib = _library.Bound(self._raw, handle)
+        with _robots_lock:
+            _robots.add(self)
+        self._lib.setErrorHandle(_MESSAGE_POINTER)
+        self._lib.qrx_set_link_event_handler(_LINK_EVENT_POINTER, None)
+        self._lib.qrx_set_matched_replies(1 if self._matched_replies else 0)
+        self._lib.qrx_set_wait_timeout(max(1, int(round(bound * 1000))))
+        if self._job_root is not None:
+            self._lib.qrx_set_job_root(os.fspath(self._job_root).encode("utf-8"))
+        if self._raw.qrxc_connect(handle) != 1:
+            self._forget()
+            raise ConnectionRefused(f"no controller answered at {self.address}:{self.port} within {bound:g} s")
+        self.timeout = self._timeout_s
         self._open = True
 
     def close(self) -> None:
         """Disconnects; the Robot can connect() again."""
         if self._open:
             self._open = False
-            self._lib.disconnect_robot()
+            self._forget()
+
+    def _forget(self) -> None:
+        """Closes the handle: its link ends, its calls give no-link results."""
+        handle = self._lib.handle
+        self._lib = _library.Bound(self._raw, None)
+        with _robots_lock:
+            _robots.discard(self)
+        self._raw.qrxc_close(handle)
+
+    def _release_handlers(self) -> None:
+        self._lib.setErrorHandle(_library.ERROR_HANDLER(0))
+        self._lib.qrx_set_link_event_handler(_library.LINK_EVENT_HANDLER(0), None)
 
     def __enter__(self) -> "Robot":
         return self
@@ -151,11 +209,11 @@ class Robot(Transfers):
     @property
     def timeout(self) -> Optional[float]:
         """The bound of every waiting call in seconds (None: no bound)."""
-        ms = self._lib.qrx_wait_timeout()
-        return ms / 1000.0 if ms > 0 else None
+        return self._timeout_s
 
     @timeout.setter
     def timeout(self, seconds: Optional[float]) -> None:
+        self._timeout_s = seconds
         self._lib.qrx_set_wait_timeout(0 if not seconds else max(1, int(round(seconds * 1000))))
 
     @property
@@ -181,32 +239,55 @@ class Robot(Transfers):
     @staticmethod
     def on_message(callback: Optional[MessageCallback]) -> None:
         """Calls callback(text) with each controller error, warning and
-        information text ("错误： ...", "警告： ...", "消息： ..."), on a
-        thread of qrx_host's Python layer; None switches it off."""
+        information text ("错误： ...", "警告： ...", "消息： ...") of every
+        Robot, on a thread of qrx_host's Python layer; None switches it off."""
         global _message_callback
         _message_callback = callback
-        Robot._library().setErrorHandle(_on_message if callback else _library.ERROR_HANDLER())
 
     @staticmethod
     def on_link_event(callback: Optional[LinkCallback]) -> None:
-        """Calls callback(event, reason) when the link comes up, drops and
-        comes back, on a thread of qrx_host's Python layer; None: off."""
+        """Calls callback(event, reason) when the link of a Robot comes up,
+        drops and comes back, on a thread of qrx_host's Python layer; None:
+        off."""
         global _link_callback
         _link_callback = callback
-        lib = Robot._library()
-        lib.qrx_set_link_event_handler(_on_link_event if callback else _library.LINK_EVENT_HANDLER(), None)
 
-    @staticmethod
-    def _library() -> ctypes.CDLL:
-        return _library.library()
-
-    # ---- waiting calls ---------------------------------------------------
+    # ---- waiting calls and commands ----------------------------------------
     def _wait(self, call: Callable[[], T], name: str) -> T:
-        """Runs a waiting C call; raises CallTimedOut when its bound ran out."""
-        value, timed_out = self._interruptible(lambda: (call(), self._lib.qrx_last_call_timed_out()), name)
+        """Runs a waiting C call; raises Refused when the controller refused
+        it, CallTimedOut when its bound ran out."""
+
+        def run() -> Tuple[T, int]:
+            self._lib.qrx_clear_refusal()
+            return call(), self._lib.qrx_last_call_timed_out()
+
+        value, timed_out = self._interruptible(run, name)
+        self._raise_refusal(name)
         if timed_out:
             raise CallTimedOut(f"{name}: no reply from the controller in time")
         return value
+
+    def _command(self, call: Callable[[], Any], name: str) -> None:
+        """Runs a C call that only sends, then waits until the controller
+        has taken it (within the timeout): raises Refused when the
+        controller refused it, CallTimedOut when it did not answer."""
+
+        def run() -> int:
+            self._lib.qrx_clear_refusal()
+            call()
+            return int(self._lib.qrx_confirm())
+
+        if self._interruptible(run, name) < 0:
+            self._raise_refusal(name)
+            raise CallTimedOut(f"{name}: the controller did not confirm in time")
+        self._raise_refusal(name)
+
+    def _raise_refusal(self, name: str) -> None:
+        """Raises Refused when the controller refused the call's command."""
+        text = ctypes.create_string_buffer(_REFUSAL_TEXT)
+        command = self._lib.qrx_last_refusal(text, len(text))
+        if command:
+            raise Refused(text.value.decode("utf-8", "replace"), command, self._lib.qrx_last_refusal_type(), name)
 
     def _interruptible(self, call: Callable[[], T], name: str) -> T:
         """Runs a blocking C call. In the main thread it runs in a worker
@@ -251,18 +332,28 @@ class Robot(Transfers):
         return ServoState(self._lib.get_servo_state())
 
     def power_on(self) -> bool:
-        """Servo on and deadman; True when the servo state that answers is
-        ready (1). A report sent before the controller saw the command can
-        answer it too: wait for ``servo_state`` RUNNING to know the drives
-        are up."""
-        return self._wait(self._lib.servo_power_on, "servo_power_on") == 1
+        """Servo on and deadman; returns True once the drives run (servo
+        state RUNNING). Raises Refused when the controller refuses, and
+        CallTimedOut when the drives are not up within the timeout."""
+        deadline = None if self.timeout is None else time.monotonic() + self.timeout
+        self._wait(self._lib.servo_power_on, "servo_power_on")
+        while True:
+            # Each look waits for the controller's answer: a refusal of the
+            # power-on comes before it, and the servo state is up to date.
+            confirmed = self._interruptible(self._lib.qrx_confirm, "servo_power_on")
+            self._raise_refusal("servo_power_on")
+            if confirmed >= 0 and self.servo_state is ServoState.RUNNING:
+                return True
+            if deadline is not None and time.monotonic() >= deadline:
+                raise CallTimedOut(f"servo_power_on: the drives are not running (servo {self.servo_state.name})")
+            time.sleep(_SERVO_POLL_S)
 
     def power_off(self) -> None:
         """Deadman off."""
         self._wait(self._lib.servo_power_off, "servo_power_off")
 
     def clear_servo_error(self) -> None:
-        self._lib.clear_servo_error()
+        self._command(self._lib.clear_servo_error, "clear_servo_error")
 
     @property
     def mode(self) -> Mode:
@@ -271,7 +362,7 @@ class Robot(Transfers):
 
     @mode.setter
     def mode(self, mode: Mode) -> None:
-        self._lib.set_current_mode(int(mode))
+        self._command(lambda: self._lib.set_current_mode(int(mode)), "set_current_mode")
 
     @property
     def coord(self) -> Coord:
@@ -280,7 +371,7 @@ class Robot(Transfers):
 
     @coord.setter
     def coord(self, coord: Coord) -> None:
-        self._lib.set_current_coord(int(coord))
+        self._command(lambda: self._lib.set_current_coord(int(coord)), "set_current_coord")
 
     @property
     def jog_speed(self) -> int:
@@ -289,7 +380,7 @@ class Robot(Transfers):
 
     @jog_speed.setter
     def jog_speed(self, percent: int) -> None:
-        self._lib.set_jogging_speed(int(percent))
+        self._command(lambda: self._lib.set_jogging_speed(int(percent)), "set_jogging_speed")
 
     @property
     def running_state(self) -> int:
@@ -301,29 +392,37 @@ class Robot(Transfers):
         return self.running_state == 2
 
     def start_jogging(self, axis: int, positive: bool = True) -> None:
-        self._lib.start_jogging(axis, positive)
+        self._command(lambda: self._lib.start_jogging(axis, positive), "start_jogging")
 
     def stop_jogging(self, axis: int) -> None:
-        self._lib.stop_jogging(axis)
+        self._command(lambda: self._lib.stop_jogging(axis), "stop_jogging")
 
     # ---- motion ----------------------------------------------------------
     def movj(self, target: Sequence[float], vel: int = 50, coord: Coord = Coord.JOINT, acc: int = 50,
              dec: int = 50) -> None:
-        """Joint move to target (6 values); does not wait."""
-        self._lib.robot_movj((ctypes.c_double * 6)(*target[:6]), vel, int(coord), acc, dec)
+        """Joint move to target (6 values); returns once the controller has
+        taken it (raises Refused when it refuses), without waiting for the
+        move to end."""
+        goal = (ctypes.c_double * 6)(*target[:6])
+        self._command(lambda: self._lib.robot_movj(goal, vel, int(coord), acc, dec), "robot_movj")
 
     def movl(self, target: Sequence[float], vel: int = 50, coord: Coord = Coord.JOINT, acc: int = 50,
              dec: int = 50) -> None:
-        """Linear move to target (6 values); does not wait."""
-        self._lib.robot_movl((ctypes.c_double * 6)(*target[:6]), vel, int(coord), acc, dec)
+        """Linear move to target (6 values); like :meth:`movj`."""
+        goal = (ctypes.c_double * 6)(*target[:6])
+        self._command(lambda: self._lib.robot_movl(goal, vel, int(coord), acc, dec), "robot_movl")
 
     def wait_move_done(self, target: Optional[Sequence[float]] = None, coord: Coord = Coord.JOINT,
-                       tolerance: float = 1e-3, timeout: Optional[float] = 30.0) -> None:
+                       tolerance: float = 1e-3, timeout: Optional[float] = ROBOT_TIMEOUT) -> None:
         """Waits until every axis is within tolerance of target (or, without
-        a target, until nothing runs); raises CallTimedOut after timeout."""
+        a target, until nothing runs); raises CallTimedOut after timeout
+        (by default the Robot's; None: no bound) and Refused when the
+        controller refuses meanwhile."""
         goal = (ctypes.c_double * 6)(*target[:6]) if target is not None else None
+        if timeout == ROBOT_TIMEOUT:
+            timeout = self.timeout
         ms = 0 if not timeout else max(1, int(timeout * 1000))
-        done = self._wait(lambda: self._lib.qrx_wait_move_done(goal, int(coord), tolerance, ms), "wait_move_done")
+        done = self._wait(lambda: int(self._lib.qrx_wait_move_done(goal, int(coord), tolerance, ms)), "wait_move_done")
         if done != 1:
             raise CallTimedOut("wait_move_done: the robot did not get there in time")
 
@@ -351,17 +450,17 @@ class Robot(Transfers):
         return self._read(self._lib.get_ain, 16, "get_ain")
 
     def set_dout(self, port: int, on: bool) -> None:
-        self._lib.set_dout(port, 1 if on else 0)
+        self._command(lambda: self._lib.set_dout(port, 1 if on else 0), "set_dout")
 
     def set_aout(self, port: int, value: float) -> None:
-        self._lib.set_aout(port, value)
+        self._command(lambda: self._lib.set_aout(port, value), "set_aout")
 
     def global_variable(self, name: str) -> float:
         """A global variable ("GI001", "GD002", "GB003")."""
-        return float(self._wait(lambda: self._lib.get_global_variant(_text(name)), "get_global_variant"))
+        return self._wait(lambda: float(self._lib.get_global_variant(_text(name))), "get_global_variant")
 
     def set_global_variable(self, name: str, value: float) -> None:
-        self._lib.set_global_variant(_text(name), value)
+        self._command(lambda: self._lib.set_global_variant(_text(name), value), "set_global_variant")
 
     def global_position(self, name: str) -> Floats:
         """A global position: 7 robot axes then 7 synchronous axes."""
@@ -383,26 +482,40 @@ class Robot(Transfers):
 
     # ---- jobs ------------------------------------------------------------
     def open_job(self, name: str) -> None:
-        self._lib.open_job(_text(name))
+        self._command(lambda: self._lib.open_job(_text(name)), "open_job")
 
     def run_job(self, name: str) -> None:
-        self._lib.run_job(_text(name))
+        """Runs job name from its first line; raises Refused when the
+        controller refuses (no such job, ...) or the library sends nothing
+        (servo off, a job running)."""
+        self._may_run("run_job")
+        self._command(lambda: self._lib.run_job(_text(name)), "run_job")
 
     def step_job(self, name: str, line: int) -> None:
-        self._lib.step_job(_text(name), line)
+        """Runs one line of job name; refused like :meth:`run_job`."""
+        self._may_run("step_job")
+        self._command(lambda: self._lib.step_job(_text(name), line), "step_job")
+
+    def _may_run(self, name: str) -> None:
+        """The library sends no job run while the servo is off or a job runs
+        (as the controller last reported them): say so."""
+        if self.job_running:
+            raise Refused(f"{name}: not sent, a job is running", _RUN_JOB, 0, name)
+        if self.servo_state is ServoState.STOP:
+            raise Refused(f"{name}: not sent, the servo is off", _RUN_JOB, 0, name)
 
     def pause_job(self) -> None:
-        self._lib.pause_job()
+        self._command(self._lib.pause_job, "pause_job")
 
     def stop_job(self) -> None:
-        self._lib.stop_job()
+        self._command(self._lib.stop_job, "stop_job")
 
     def continue_job(self) -> int:
         """0 when continued; 1 not in run mode; 2 servo not ready."""
         return int(self._wait(self._lib.continue_job, "continue_job"))
 
     def set_runs(self, count: int) -> None:
-        self._lib.set_runs(count)
+        self._command(lambda: self._lib.set_runs(count), "set_runs")
 
     def single_cycle(self) -> Floats:
         return self._read(self._lib.get_single_cycle, 7, "get_single_cycle")
@@ -415,27 +528,28 @@ class Robot(Transfers):
 
     @tool.setter
     def tool(self, number: int) -> None:
-        self._lib.switch_tool_hand(number)
+        self._command(lambda: self._lib.switch_tool_hand(number), "switch_tool_hand")
 
     def tool_parameters(self, number: int) -> Floats:
         """x, y, z, A, B, C of a tool (0..31)."""
         return self._read(self._lib.query_tool_hand_param, 6, "query_tool_hand_param", before=(number,))
 
     def set_tool_parameters(self, number: int, values: Sequence[float]) -> None:
-        self._lib.set_tool_hand_param(number, (ctypes.c_double * 6)(*values[:6]))
+        tool = (ctypes.c_double * 6)(*values[:6])
+        self._command(lambda: self._lib.set_tool_hand_param(number, tool), "set_tool_hand_param")
 
     # ---- continuous motion -------------------------------------------------
     def continuous_mode(self, on: bool) -> None:
-        self._lib.continuous_motion_mode(1 if on else 0)
+        self._command(lambda: self._lib.continuous_motion_mode(1 if on else 0), "continuous_motion_mode")
 
     def continuous_start(self) -> None:
-        self._lib.continuous_motion_start()
+        self._command(self._lib.continuous_motion_start, "continuous_motion_start")
 
     def continuous_suspend(self) -> None:
-        self._lib.continuous_motion_suspend()
+        self._command(self._lib.continuous_motion_suspend, "continuous_motion_suspend")
 
     def continuous_stop(self) -> None:
-        self._lib.continuous_motion_stop()
+        self._command(self._lib.continuous_motion_stop, "continuous_motion_stop")
 
     def send_queue(self, instructions: Iterable[Instruction]) -> None:
         """Sends the instructions as one continuous-motion queue. A value out
@@ -443,7 +557,8 @@ class Robot(Transfers):
         it)."""
         records = [_record(i) for i in instructions]
         array = (MotionRecord * len(records))(*records)
-        self._lib.send_continuous_motion_queue(array, len(records))
+        self._command(lambda: self._lib.send_continuous_motion_queue(array, len(records)),
+                      "send_continuous_motion_queue")
 
 
 def _put(struct: ctypes.Structure, field: str, text: str) -> None:

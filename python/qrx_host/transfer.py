@@ -19,14 +19,13 @@ PathLike = Union[str, "os.PathLike[str]"]
 ProgressCallback = Callable[[str, int, int], None]
 """progress(file, bytes_done, bytes_total), called as the bytes of a file move."""
 
-# The library keeps one progress function and one outcome ("last transfer")
-# per process: transfers of this process run one at a time.
+# The progress callback of the running transfer is this module's: transfers
+# of this process run one at a time.
 _transfer_lock = threading.Lock()
 _progress: Optional[ProgressCallback] = None
 _progress_errors: List[BaseException] = []
 
 
-@_library.TRANSFER_PROGRESS
 def _on_progress(name: bytes, done: int, total: int) -> None:
     callback = _progress
     if callback is None:
@@ -37,7 +36,8 @@ def _on_progress(name: bytes, done: int, total: int) -> None:
         _progress_errors.append(error)
 
 
-_NO_PROGRESS = _library.TRANSFER_PROGRESS()  # a null function pointer
+_PROGRESS_POINTER = _library.TRANSFER_PROGRESS(_on_progress)  # what the library calls
+_NO_PROGRESS = _library.TRANSFER_PROGRESS(0)  # a null function pointer
 
 
 def _utf8(path: PathLike) -> bytes:
@@ -48,7 +48,7 @@ class Transfers:
     """The transfer calls of :class:`~qrx_host.Robot` (a mixin; the Robot
     provides the library, the connection flag and the interruptible call)."""
 
-    _lib: ctypes.CDLL
+    _lib: _library.Bound
     _open: bool
     _job_root: Optional[Path] = None
 
@@ -60,7 +60,7 @@ class Transfers:
     def job_root(self) -> Optional[Path]:
         """The folder whose ``robotJob/R1`` .. ``robotJob/R4`` hold the job
         files; None: the library's default (QRX_JOB_ROOT, else the program's
-        folder). Process-wide, like the library's own setting."""
+        folder). The Robot's own, like the library's setting of its controller."""
         return self._job_root
 
     @job_root.setter
@@ -70,14 +70,18 @@ class Transfers:
 
     def upload_jobs(self, root: Optional[PathLike] = None, progress: Optional[ProgressCallback] = None) -> None:
         """Uploads every file of the local job folders (under ``root`` when
-        given, else :attr:`job_root`), oldest first."""
-        self._transfer("upload_job", lambda: self._lib.upload_job(), root, progress)
+        given, else :attr:`job_root`), oldest first. A root that is not a
+        folder is a TransferFailed."""
+        folder = root if root is not None else self._job_root
+        if self._open and folder is not None and not Path(folder).is_dir():
+            raise TransferFailed(f"upload_job: no job folder at {os.fspath(folder)}")
+        self._transfer("upload_job", self._lib.upload_job, root, progress)
 
     def download_jobs(self, root: Optional[PathLike] = None, progress: Optional[ProgressCallback] = None) -> None:
         """Fetches the controller's job files that differ from the local
         copies (under ``root`` when given, else :attr:`job_root`). A file is
         replaced only once its new content is complete."""
-        self._transfer("download_job", lambda: self._lib.download_job(), root, progress)
+        self._transfer("download_job", self._lib.download_job, root, progress)
 
     # ---- the controller's other files ---------------------------------------
     def export_logs(self, folder: PathLike, progress: Optional[ProgressCallback] = None) -> int:
@@ -114,7 +118,7 @@ class Transfers:
             with _transfer_lock:
                 _progress = progress
                 del _progress_errors[:]
-                self._lib.qrx_set_transfer_progress(_on_progress if progress else _NO_PROGRESS)
+                self._lib.qrx_set_transfer_progress(_PROGRESS_POINTER if progress else _NO_PROGRESS)
                 if root is not None:
                     self._lib.qrx_set_job_root(_utf8(root))
                 try:
@@ -134,12 +138,13 @@ class Transfers:
             for extra in errors[1:]:  # type: ignore[index]
                 traceback.print_exception(type(extra), extra, extra.__traceback__)
             raise errors[0]  # type: ignore[index]
-        if failures or (isinstance(result, int) and result < 0):
-            raise TransferFailed(f"{name}: {text or 'the transfer failed'}", max(1, int(failures)))  # type: ignore[arg-type]
+        failed = failures if isinstance(failures, int) else 0
+        if failed or (isinstance(result, int) and result < 0):
+            raise TransferFailed(f"{name}: {text or 'the transfer failed'}", max(1, failed))
         return result
 
 
-def _last_error(lib: ctypes.CDLL) -> str:
+def _last_error(lib: _library.Bound) -> str:
     size = lib.qrx_last_transfer_error(None, 0) + 1
     buffer = ctypes.create_string_buffer(size)
     lib.qrx_last_transfer_error(buffer, size)

@@ -61,6 +61,20 @@ class CallTimedOut(QrxError, TimeoutError):
     """A waiting call ran out of its bound before the controller answered."""
 
 
+class Refused(QrxError):
+    """The controller refused a command: its error message answered it.
+    ``str()`` is the controller's text; ``command`` is the code of the
+    command it answered, ``code`` the controller's error code ("type", 0 if
+    none) and ``call`` the Robot call that sent the command."""
+
+    def __init__(self, text: str, command: int = 0, code: int = 0, call: str = "") -> None:
+        super().__init__(text)
+        self.text = text
+        self.command = command
+        self.code = code
+        self.call = call
+
+
 class NotConnected(QrxError):
     """The Robot is closed."""
 

@@ -143,7 +143,11 @@ ControllerScope::~ControllerScope()
 
 void setApiRobot(Robot *robot, JogDriver *jog)
 {
-    freeRobot(Controller::defaultController().attach(robot, jog));
+    Controller &controller = Controller::defaultController();
+    Robot *replaced = controller.attach(robot, jog);
+    if (robot)
+        attachRefusals(controller, robot);
+    freeRobot(replaced);
 }
 
 MadeRobot makeRobot(const QString &ip, quint16 port)

@@ -25,6 +25,8 @@
 
 namespace qrx::api {
 
+using controller::Controller;
+
 // The default controller's Robot, or null before the first connect_robot().
 Robot *apiRobot();
 
@@ -189,6 +191,6 @@ void applyEnvironmentLanguage();
 // when the calling thread acts on no controller (a closed or null handle):
 //   QRX_CONTROLLER_OR_RETURN(controller, 0);
 #define QRX_CONTROLLER_OR_RETURN(var, ...)                  \
-    ::qrx::Controller *const var = ::qrx::api::currentController(); \
+    ::qrx::controller::Controller *const var = ::qrx::api::currentController(); \
     if (!var)                                               \
         return __VA_ARGS__

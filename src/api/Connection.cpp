@@ -41,9 +41,9 @@ void pauseWithEvents(int ms)
 
 } // namespace
 
-extern "C" {
+namespace qrx::api {
 
-int connect_robot(const char *ip)
+int connectPolling(const char *ip, int polls, int pollMs)
 {
     Robot *current = apiRobot();
     if (current && !current->isClosed())
@@ -55,7 +55,7 @@ int connect_robot(const char *ip)
     setApiRobot(robot, made.jog);
     robot->firstStart();
 
-    for (int poll = 0; poll < kConnectPolls; ++poll) {
+    for (int poll = 0; poll < polls; ++poll) {
         if (robot->connected.load()) {
             QString line;
             QDebug(&line).nospace() << robot;
@@ -63,11 +63,20 @@ int connect_robot(const char *ip)
             robot->send(code::PostConnection, QByteArray());
             return robot->connected.load();
         }
-        pauseWithEvents(g_connectPollMs.load());
+        pauseWithEvents(pollMs);
     }
     robot->close();
     finishApiLink(robot);
     return 0;
+}
+
+} // namespace qrx::api
+
+extern "C" {
+
+int connect_robot(const char *ip)
+{
+    return connectPolling(ip, kConnectPolls, g_connectPollMs.load());
 }
 
 void disconnect_robot(void)

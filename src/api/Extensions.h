@@ -11,6 +11,12 @@
 
 #include "controller/LinkHooks.h"
 
+class Robot;
+
+namespace qrx::controller {
+class Controller;
+}
+
 namespace qrx::api {
 
 using qrx::replyCodeFor;
@@ -54,5 +60,13 @@ void setLastCallTimedOut(bool timedOut);
 // never cutting a character, and a NUL; nothing for a null buffer or size
 // 0. Returns the length of the whole text in bytes.
 int copyText(const std::string &text, char *buffer, int size);
+
+// The steps of connect_robot(), checking the connection polls times,
+// pollMs apart, before it gives up (Connection.cpp).
+int connectPolling(const char *ip, int polls, int pollMs);
+
+// Watches the Robot's link for the controller's refusals of commands, kept
+// by its controller (ExtensionsRefusal.cpp); forgets those kept before.
+void attachRefusals(controller::Controller &controller, Robot *robot);
 
 } // namespace qrx::api

@@ -1,7 +1,6 @@
 // The link as a host sees it through the extensions: the connection-event
 // handler (the events themselves are the controller's: controller/
-// Controller.cpp), a connection to another port than the controller's, and
-// the last controller message as C text.
+// Controller.cpp) and the last controller message as C text.
 
 #include "api/ApiState.h"
 #include "api/Extensions.h"
@@ -9,7 +8,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <mutex>
 
 namespace qrx::api {
 
@@ -19,12 +17,6 @@ static_assert(QRX_LINK_REASON_NONE == kReasonNone && QRX_LINK_REASON_CLOSED_BY_H
                   QRX_LINK_REASON_CONNECTION_LOST == kReasonConnectionLost &&
                   QRX_LINK_REASON_CONTROLLER_SILENT == kReasonControllerSilent,
               "the reasons the controller says are the ones qrx_host.h names");
-
-namespace {
-
-std::mutex g_connectMutex;
-
-} // namespace
 
 int copyText(const std::string &text, char *buffer, int size)
 {
@@ -51,18 +43,6 @@ void qrx_set_link_event_handler(qrx_link_event_handler handler, void *user)
 {
     QRX_CONTROLLER_OR_RETURN(controller);
     controller->setLinkEventHandler(handler, user);
-}
-
-int qrx_connect_robot_port(const char *ip, int port)
-{
-    if (port < 1 || port > 65535)
-        return 0;
-    std::lock_guard<std::mutex> lock(g_connectMutex);
-    const quint16 usual = Robot::linkPort();
-    Robot::setLinkPort(quint16(port));
-    const int result = connect_robot(ip);
-    Robot::setLinkPort(usual);
-    return result;
 }
 
 int qrx_last_message(char *buffer, int size)

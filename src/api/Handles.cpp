@@ -5,11 +5,13 @@
 // link" result.
 
 #include "api/ApiState.h"
+#include "api/Extensions.h"
 #include "api/qrx_host.h"
 #include "controller/Controller.h"
 #include "link/TcpConnectModule.h"
 #include "protocol/Codes.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +22,7 @@
 #include <unordered_map>
 
 using namespace qrx::api;
-using qrx::Controller;
+using qrx::controller::Controller;
 
 namespace {
 
@@ -117,23 +119,48 @@ qrx_controller *qrxc_open(const char *ip, int port)
 
 qrx_controller *qrxc_open_within(const char *ip, int port, int timeout_ms)
 {
+    qrx_controller *c = qrxc_new(ip, port);
+    if (c && timeout_ms > 0)
+        qrxc_set_wait_timeout(c, timeout_ms);
+    if (c && !qrxc_connect(c)) {
+        qrxc_close(c);
+        return nullptr;
+    }
+    return c;
+}
+
+qrx_controller *qrxc_new(const char *ip, int port)
+{
     if (port > 65535)
         return nullptr;
-    const int bound = timeout_ms > 0 ? timeout_ms : kDefaultOpenBoundMs;
     auto *handle = reinterpret_cast<qrx_controller *>(++g_lastHandle);
-    auto controller = std::make_shared<Controller>(handle, bound);
+    auto controller = std::make_shared<Controller>(handle, kDefaultOpenBoundMs);
     const QString address = QString::fromLatin1(ip ? ip : "", ip ? int(std::strlen(ip)) : 0);
     const MadeRobot made = makeRobot(address, quint16(port > 0 ? port : kControllerPort));
     freeRobot(controller->attach(made.robot, made.jog));
-    made.robot->firstStart();
-    if (!controller->waitLinkUp(bound)) {
-        shutDown(*controller);
-        return nullptr;
-    }
-    made.robot->send(qrx::protocol::code::PostConnection, QByteArray());
+    attachRefusals(*controller, made.robot);
     std::lock_guard<std::mutex> lock(g_handlesMutex);
     g_handles.emplace(handle, std::move(controller));
     return handle;
+}
+
+int qrxc_connect(qrx_controller *c)
+{
+    const HandleCall call(c);
+    Controller *controller = call.controller();
+    if (!controller || controller == &Controller::defaultController())
+        return 0;
+    const ApiCall held(__func__);
+    Robot *robot = held.robot();
+    if (!robot || controller->linkStarted.exchange(true))
+        return controller->linkUp() ? 1 : 0;
+    robot->firstStart();
+    if (!controller->waitLinkUp(std::max(1, controller->waitBoundMs.load()))) {
+        robot->close();
+        return 0;
+    }
+    robot->send(qrx::protocol::code::PostConnection, QByteArray());
+    return 1;
 }
 
 void qrxc_close(qrx_controller *c)

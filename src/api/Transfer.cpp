@@ -21,7 +21,7 @@ using namespace qrx::api;
 namespace {
 
 // The job root of the controller: its own, else the default one.
-QString jobRootOf(const qrx::Controller &controller)
+QString jobRootOf(const qrx::controller::Controller &controller)
 {
     const QString own = controller.jobRoot();
     return own.isEmpty() ? qrx::transfer::jobRoot() : own;
@@ -32,7 +32,7 @@ template <class Run>
 int transfer(const ApiCall &call, Run &&run)
 {
     Robot *robot = call.robot();
-    qrx::Controller &controller = *call.controller();
+    qrx::controller::Controller &controller = *call.controller();
     TcpUpDownFile file(robot, robot->link()->ip());
     file.setJobRoot(jobRootOf(controller));
     if (const qrx_transfer_progress callback = controller.transferProgress.load()) {
@@ -46,7 +46,7 @@ int transfer(const ApiCall &call, Run &&run)
 }
 
 // "R<n>/<name>" for every file of the local job folders, oldest first.
-QStringList localJobFiles(const qrx::Controller &controller)
+QStringList localJobFiles(const qrx::controller::Controller &controller)
 {
     QStringList list;
     const QString root = jobRootOf(controller);

@@ -554,6 +554,12 @@ QRX_HOST_API void QRX_HOST_CALL qrx_set_link_event_handler(qrx_link_event_handle
 /* connect_robot() to another port than 6001 (simulators, port forwarding):
  * the same steps and result. 0 at once for a port outside 1..65535. */
 QRX_HOST_API int QRX_HOST_CALL qrx_connect_robot_port(const char *ip, int port);
+/* connect_robot() to ip:port that returns as soon as the link is up: the
+ * same steps, with the connection checked every 5 ms for at most timeout_ms
+ * (instead of five checks a second apart); then the link is closed and the
+ * result is 0, as from connect_robot(). 0 at once for a port outside
+ * 1..65535 or a timeout_ms below 1. */
+QRX_HOST_API int QRX_HOST_CALL qrx_connect_robot_within(const char *ip, int port, int timeout_ms);
 
 /* Copies the last error, warning or information text of the controller
  * (UTF-8; "error" without a link, like show_log()) into buffer, at most
@@ -561,6 +567,35 @@ QRX_HOST_API int QRX_HOST_CALL qrx_connect_robot_port(const char *ip, int port);
  * the whole text in bytes (more than size-1: it was shortened). A null buffer
  * or size 0 copies nothing. */
 QRX_HOST_API int QRX_HOST_CALL qrx_last_message(char *buffer, int size);
+
+/* Refusals. The controller refuses a command with an error message (0x2B03
+ * {"data": text, "type": code}) and carries nothing of it out; the error
+ * callback hears it like any error. An error of type 0x6010 (a robot's servo
+ * alarm) answers no command. A query (a request answered by a reply of its
+ * own: 0x2F07 by 0x2F08, 0x3D02 by 0x3D03, ...) is never refused; every other
+ * request the host sends (through the functions above, jog steps included;
+ * not what the library sends by itself) is a command. The controller takes frames in order, so an error
+ * answers the last command the host sent before it arrived; an error before
+ * the link's first command answers nothing. The library keeps the first
+ * refusal after connect_robot() or qrx_clear_refusal(), until the next of
+ * them. Process-wide, like the link. */
+
+/* The code of the command the kept refusal answered (0x4501, 0x2501, ...),
+ * 0 when none is kept. Copies its "data" text (UTF-8) into text like
+ * qrx_last_message() copies ("" when none); null or size 0 copies nothing. */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_refusal(char *text, int size);
+/* The "type" of the kept refusal (the controller's error code), 0 when none
+ * is kept or the message had none. */
+QRX_HOST_API int QRX_HOST_CALL qrx_last_refusal_type(void);
+/* Forgets the kept refusal: the next one is kept. */
+QRX_HOST_API void QRX_HOST_CALL qrx_clear_refusal(void);
+/* Waits until the controller has taken everything sent before: sends the
+ * running-state query (0x3D02) and waits for its own reply (0x3D03), within
+ * the bound of qrx_set_wait_timeout(). Returns what qrx_last_refusal()
+ * returns then (0: nothing refused), or -1 when the bound ran out, the link
+ * is down or there is none (qrx_last_call_timed_out() is then 1, except
+ * without a link). */
+QRX_HOST_API int QRX_HOST_CALL qrx_confirm(void);
 
 /* Move completion: queries the position in coord (0x2F07) every 50 ms until
  * every axis of target[6] is within tolerance, or, with a null target,
@@ -595,6 +630,14 @@ typedef struct qrx_controller qrx_controller;
  * another controller. */
 QRX_HOST_API qrx_controller *QRX_HOST_CALL qrxc_open(const char *ip, int port);
 QRX_HOST_API qrx_controller *QRX_HOST_CALL qrxc_open_within(const char *ip, int port, int timeout_ms);
+/* qrxc_open in two steps, so that handlers set in between see the link
+ * come up: qrxc_new gives the handle of a controller at ip:port whose link
+ * is not started (NULL for a port above 65535); qrxc_connect starts it and
+ * returns 1 once it is up, 0 when it is not within the handle's wait bound
+ * (the link is then closed; close the handle) or for a NULL, closed or
+ * default handle. A second qrxc_connect says whether the link is up. */
+QRX_HOST_API qrx_controller *QRX_HOST_CALL qrxc_new(const char *ip, int port);
+QRX_HOST_API int QRX_HOST_CALL qrxc_connect(qrx_controller *c);
 /* Sends the farewell 0x7277 while the link is up, closes the link and
  * forgets the handle; calls of other threads on the handle end (waits end
  * at once). NULL or an already closed handle: nothing happens. */
@@ -641,7 +684,7 @@ QRX_HOST_API void QRX_HOST_CALL qrxc_set_state_handler(qrx_controller *c, qrxc_s
  * receives c's messages only. Not here: connect_robot and disconnect_robot
  * (qrxc_open, qrxc_close), the dialogs and the language (they belong to
  * the default controller and the process), qrx_set_connect_poll_interval
- * and qrx_connect_robot_port (connect_robot only) and
+ * qrx_connect_robot_port and qrx_connect_robot_within (connect_robot only) and
  * qrx_last_call_timed_out (it is the calling thread's, whatever the
  * controller). The table below declares them; the library checks each row
  * against the declaration above it, so the two forms cannot drift:
@@ -733,7 +776,11 @@ QRX_HOST_API void QRX_HOST_CALL qrxc_set_state_handler(qrx_controller *c, qrxc_s
     QRXC_EXTENSION(void, set_link_event_handler, (qrx_link_event_handler handler, void *user), (handler, user)) \
     QRXC_EXTENSION(int, last_message, (char *buffer, int size), (buffer, size)) \
     QRXC_EXTENSION(int, wait_move_done, (const double *target, int coord, double tolerance, int timeout_ms), (target, coord, tolerance, timeout_ms)) \
-    QRXC_EXTENSION(int, robot_type, (char *name, int size), (name, size))
+    QRXC_EXTENSION(int, robot_type, (char *name, int size), (name, size)) \
+    QRXC_EXTENSION(int, last_refusal, (char *text, int size), (text, size)) \
+    QRXC_EXTENSION0(int, last_refusal_type) \
+    QRXC_EXTENSION0(void, clear_refusal) \
+    QRXC_EXTENSION0(int, confirm)
 
 #define QRXC_UNPAREN_(...) __VA_ARGS__
 #define QRXC_DECLARE_(result, name, params, args) \

@@ -1,8 +1,10 @@
 // qrx_host for C++ hosts: a header-only layer over the C functions of
 // qrx_host.h. Failures are exceptions: a refused connection throws
 // qrx::ConnectionRefused, a waiting call whose bound ran out throws
-// qrx::TimedOut. Results are values (std::array for axes and ports, enums
-// for servo state, mode and coordinate system).
+// qrx::TimedOut, a command the controller refuses throws qrx::Refused with
+// the controller's text (each command returns once the controller has taken
+// it). Results are values (std::array for axes and ports, enums for servo
+// state, mode and coordinate system).
 //
 //   qrx::Connection robot("192.168.1.13", std::chrono::seconds(2));
 //   robot.setMode(qrx::Mode::Teach);
@@ -19,6 +21,7 @@
 
 #include <array>
 #include <chrono>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -63,6 +66,24 @@ public:
     using Error::Error;
 };
 
+// The controller refused a command: what() is the controller's text,
+// command() the code of the command it answered, code() the controller's
+// error code (0 when it gave none).
+class Refused : public Error
+{
+public:
+    Refused(const std::string &text, int command, int code)
+        : Error(text), m_command(command), m_code(code)
+    {
+    }
+    int command() const { return m_command; }
+    int code() const { return m_code; }
+
+private:
+    int m_command;
+    int m_code;
+};
+
 // Called with each connection event on a library thread (see
 // qrx_set_link_event_handler); it must not call waiting functions.
 using LinkEventHandler = std::function<void(LinkEvent, LinkReason)>;
@@ -104,28 +125,28 @@ public:
     // switching on). A report the controller sent before it saw the command
     // can answer it too, so wait for servoState() == Running to know the
     // drives are up.
-    bool powerOn() { return checked(qrxc_servo_power_on(m_c), "servo_power_on") == 1; }
+    bool powerOn() { return waiting([this] { return qrxc_servo_power_on(m_c); }, "servo_power_on") == 1; }
     void powerOff()
     {
-        qrxc_servo_power_off(m_c);
-        checked(0, "servo_power_off");
+        waiting([this] { qrxc_servo_power_off(m_c); return 0; }, "servo_power_off");
     }
-    void setMode(Mode mode) { qrxc_set_current_mode(m_c, int(mode)); }
-    Mode mode() { return Mode(checked(qrxc_get_current_mode(m_c), "get_current_mode")); }
-    void setCoord(Coord coord) { qrxc_set_current_coord(m_c, int(coord)); }
-    Coord coord() { return Coord(checked(qrxc_get_current_coord(m_c), "get_current_coord")); }
-    void setSpeed(int percent) { qrxc_set_jogging_speed(m_c, percent); }
-    int speed() { return checked(qrxc_get_jogging_speed(m_c), "get_jogging_speed"); }
-    int runningState() { return checked(qrxc_get_robot_running_state(m_c), "get_robot_running_state"); }
+    void setMode(Mode mode) { command([this, mode] { qrxc_set_current_mode(m_c, int(mode)); }, "set_current_mode"); }
+    Mode mode() { return Mode(waiting([this] { return qrxc_get_current_mode(m_c); }, "get_current_mode")); }
+    void setCoord(Coord coord) { command([this, coord] { qrxc_set_current_coord(m_c, int(coord)); }, "set_current_coord"); }
+    Coord coord() { return Coord(waiting([this] { return qrxc_get_current_coord(m_c); }, "get_current_coord")); }
+    void setSpeed(int percent) { command([this, percent] { qrxc_set_jogging_speed(m_c, percent); }, "set_jogging_speed"); }
+    int speed() { return waiting([this] { return qrxc_get_jogging_speed(m_c); }, "get_jogging_speed"); }
+    int runningState() { return waiting([this] { return qrxc_get_robot_running_state(m_c); }, "get_robot_running_state"); }
 
     // ---- motion ------------------------------------------------------------
+    // Return once the controller has taken the move, not when it ends.
     void movj(Axes target, int vel, Coord coord, int acc, int dec)
     {
-        qrxc_robot_movj(m_c, target.data(), vel, int(coord), acc, dec);
+        command([&] { qrxc_robot_movj(m_c, target.data(), vel, int(coord), acc, dec); }, "robot_movj");
     }
     void movl(Axes target, int vel, Coord coord, int acc, int dec)
     {
-        qrxc_robot_movl(m_c, target.data(), vel, int(coord), acc, dec);
+        command([&] { qrxc_robot_movl(m_c, target.data(), vel, int(coord), acc, dec); }, "robot_movl");
     }
     // Waits until every axis is within tolerance of target; throws TimedOut
     // when bound (zero: none) runs out first.
@@ -138,30 +159,32 @@ public:
     // ---- IO, positions, variables ------------------------------------------
     Axes position(Coord coord)
     {
-        Axes pos{};
-        qrxc_get_current_position(m_c, pos.data(), int(coord));
-        return checked(pos, "get_current_position");
+        return waiting([this, coord] {
+            Axes pos{};
+            qrxc_get_current_position(m_c, pos.data(), int(coord));
+            return pos;
+        }, "get_current_position");
     }
     Ports dout() { return ports(&qrxc_get_dout, "get_dout"); }
     Ports din() { return ports(&qrxc_get_din, "get_din"); }
     Ports aout() { return ports(&qrxc_get_aout, "get_aout"); }
     Ports ain() { return ports(&qrxc_get_ain, "get_ain"); }
-    void setDout(int port, bool on) { qrxc_set_dout(m_c, port, on ? 1 : 0); }
-    void setAout(int port, double value) { qrxc_set_aout(m_c, port, value); }
+    void setDout(int port, bool on) { command([=, this] { qrxc_set_dout(m_c, port, on ? 1 : 0); }, "set_dout"); }
+    void setAout(int port, double value) { command([=, this] { qrxc_set_aout(m_c, port, value); }, "set_aout"); }
     double globalVariable(const std::string &name)
     {
-        return checked(qrxc_get_global_variant(m_c, name.c_str()), "get_global_variant");
+        return waiting([this, &name] { return qrxc_get_global_variant(m_c, name.c_str()); }, "get_global_variant");
     }
     void setGlobalVariable(const std::string &name, double value)
     {
-        qrxc_set_global_variant(m_c, name.c_str(), value);
+        command([&] { qrxc_set_global_variant(m_c, name.c_str(), value); }, "set_global_variant");
     }
 
     // ---- jobs and tools ----------------------------------------------------
-    void runJob(const std::string &name) { qrxc_run_job(m_c, name.c_str()); }
-    void stopJob() { qrxc_stop_job(m_c); }
-    int tool() { return checked(qrxc_get_current_tool_hand(m_c), "get_current_tool_hand"); }
-    void switchTool(int tool) { qrxc_switch_tool_hand(m_c, tool); }
+    void runJob(const std::string &name) { command([this, &name] { qrxc_run_job(m_c, name.c_str()); }, "run_job"); }
+    void stopJob() { command([this] { qrxc_stop_job(m_c); }, "stop_job"); }
+    int tool() { return waiting([this] { return qrxc_get_current_tool_hand(m_c); }, "get_current_tool_hand"); }
+    void switchTool(int tool) { command([this, tool] { qrxc_switch_tool_hand(m_c, tool); }, "switch_tool_hand"); }
 
 protected:
     explicit Operations(qrx_controller *c) : m_c(c), m_events(new LinkEvents) {}
@@ -188,19 +211,48 @@ private:
     };
     std::unique_ptr<LinkEvents> m_events;
 
-    template <class T>
-    static T checked(T value, const char *call)
+    // A waiting call: throws Refused when the controller refused it,
+    // TimedOut when its bound ran out.
+    template <class Call>
+    auto waiting(Call call, const char *name) -> decltype(call())
     {
-        if (qrx_last_call_timed_out())
-            throw TimedOut(std::string(call) + ": no reply within the bound");
+        qrxc_clear_refusal(m_c);
+        auto value = call();
+        const bool timedOut = qrx_last_call_timed_out() != 0;
+        throwIfRefused();
+        if (timedOut)
+            throw TimedOut(std::string(name) + ": no reply within the bound");
         return value;
+    }
+    // A command: returns once the controller has taken it (qrx_confirm).
+    template <class Call>
+    void command(Call call, const char *name)
+    {
+        qrxc_clear_refusal(m_c);
+        call();
+        const int confirmed = qrxc_confirm(m_c);
+        throwIfRefused();
+        if (confirmed < 0)
+            throw TimedOut(std::string(name) + ": the controller did not confirm within the bound");
+    }
+    void throwIfRefused()
+    {
+        std::string text(1024, '\0');
+        const int answered = qrxc_last_refusal(m_c, &text[0], int(text.size()));
+        if (answered != 0) {
+            text.resize(std::strlen(text.c_str()));
+            throw Refused(text, answered, qrxc_last_refusal_type(m_c));
+        }
     }
     Ports ports(void (*read)(qrx_controller *, double *), const char *call)
     {
-        Ports out{};
-        read(m_c, out.data());
-        return checked(out, call);
+        return waiting([this, read] {
+            Ports out{};
+            read(m_c, out.data());
+            return out;
+        }, call);
     }
+
     static void deliverLinkEvent(int event, int reason, void *user)
     {
         auto *events = static_cast<LinkEvents *>(user);
@@ -214,18 +266,20 @@ private:
     }
 };
 
-// The default controller: connect_robot() at construction, disconnect_robot()
-// at destruction.
+// The default controller: connected at construction, disconnect_robot() at
+// destruction.
 class Connection : public Operations
 {
 public:
-    // Connects (about five seconds at most) or throws ConnectionRefused.
-    // bound limits every waiting call (zero: no bound).
+    // Connects as soon as the controller answers, within bound (about five
+    // seconds without one), or throws ConnectionRefused. bound limits every
+    // waiting call too (zero: no bound).
     explicit Connection(const std::string &ip, std::chrono::milliseconds bound = {}, int port = 6001)
         : Operations(qrxc_default())
     {
         setTimeout(bound);
-        if (qrx_connect_robot_port(ip.c_str(), port) != 1)
+        const int ms = bound.count() > 0 ? int(bound.count()) : 5000;
+        if (qrx_connect_robot_within(ip.c_str(), port, ms) != 1)
             throw ConnectionRefused("no controller answered at " + ip + ":" + std::to_string(port));
     }
     ~Connection()

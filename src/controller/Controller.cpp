@@ -12,7 +12,7 @@
 #include <chrono>
 #include <cstdint>
 
-namespace qrx {
+namespace qrx::controller {
 
 // Replies taken per code, for one Robot; guarded by its replyMutex.
 struct Controller::ReplyCounts
@@ -261,4 +261,4 @@ QByteArray Controller::lastTransferError() const
     return m_lastFailure;
 }
 
-} // namespace qrx
+} // namespace qrx::controller

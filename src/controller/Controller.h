@@ -27,6 +27,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <string>
 
 class Robot;
 struct qrx_controller; // the host's handle (qrx_host.h)
@@ -37,6 +38,9 @@ namespace api {
 class JogDriver;
 }
 
+namespace controller {
+
+// (Its own namespace: qrx::Controller is the C++ host's class of qrx_host.hpp.)
 class Controller
 {
 public:
@@ -73,6 +77,8 @@ public:
     // null: the last release() returns it). A null robot detaches.
     [[nodiscard]] Robot *attach(Robot *robot, api::JogDriver *jog);
     api::JogDriver *jogDriver() const { return m_jog.load(); }
+    // Set by the first start of a handle's link (it starts once).
+    std::atomic<bool> linkStarted{false};
 
     // ---- wait policy ------------------------------------------------------
     std::atomic<int> waitBoundMs;
@@ -99,6 +105,19 @@ public:
     // The cached state as it stands (no query, no wait).
     StateSnapshot state() const;
     bool linkUp() const { return m_linkState.load() == LinkState::Up; }
+
+    // ---- refusals -----------------------------------------------------------
+    // The controller's refusal of a command the host sent (the host API's
+    // refusal extensions read and write it under refusalMutex).
+    struct Refusal
+    {
+        quint16 lastCommand = 0; // the last command sent (0: none yet)
+        quint16 answered = 0;    // the command the kept refusal answered (0: none)
+        int type = 0;            // its "type" (0 when it had none)
+        std::string text;        // its "data"
+    };
+    std::mutex refusalMutex;
+    Refusal refusal;
 
     // ---- transfer ---------------------------------------------------------
     void setJobRoot(const QString &root); // empty: the default root
@@ -147,5 +166,7 @@ private:
     int m_lastFailed = 0;
     QByteArray m_lastFailure;
 };
+
+} // namespace controller
 
 } // namespace qrx

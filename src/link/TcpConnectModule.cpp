@@ -38,6 +38,9 @@ bool TcpConnectModule::sendData(quint16 command, QByteArray payload)
     const QByteArray frame = qrx::encodeFrame(command, payload);
     if (frame.isEmpty())
         return false;
+    // Before the write: the answer may be taken on the link thread before
+    // this thread returns from it.
+    emit commandSent(command);
     return d->writeFrame(frame);
 }
 

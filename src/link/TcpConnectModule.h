@@ -72,6 +72,12 @@ public:
     // The controller's address (the file connection opens port 5000 there).
     QString ip() const;
 
+Q_SIGNALS:
+    // A frame that sendData() is about to hand to the link, emitted in the
+    // sending thread before the write (the heartbeat, which the link writes
+    // itself, is not one).
+    void commandSent(quint16 command);
+
 public Q_SLOTS:
     void setLastPingTime(QDateTime rectime);
     // Re-emits the link thread's status from the façade.

@@ -31,6 +31,10 @@ const char *const kNeverEmitted[] = {
     "receivedLaserManufacturer", "receiveRobotCycleTimes", "receivedOutInchSpeed", "recvSyncPositonerSwitch",
 };
 
+// Said by the link about what the host sends, for the host API (refusals),
+// not a report of the controller.
+const char *const kForTheHostApi[] = {"commandSent"};
+
 QByteArray signatureOf(const protocol::Message &row, const char *name)
 {
     switch (row.delivery) {
@@ -79,6 +83,7 @@ struct Wiring
                 add(signatureOf(row, row.secondName), row.secondListener);
         }
         unconnected.insert(unconnected.end(), std::begin(kNeverEmitted), std::end(kNeverEmitted));
+        unconnected.insert(unconnected.end(), std::begin(kForTheHostApi), std::end(kForTheHostApi));
     }
 };
 

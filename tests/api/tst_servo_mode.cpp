@@ -238,7 +238,7 @@ void TestServoMode::jogRepeatsUntilStopped()
     m_ctl.sim->clearReceived();
 
     start_jogging(3, false);
-    QVERIFY(qrx::Controller::defaultController().jogDriver()->isActive());
+    QVERIFY(qrx::controller::Controller::defaultController().jogDriver()->isActive());
     QTRY_VERIFY_WITH_TIMEOUT(m_ctl.sim->received(0x2901).size() >= 4, 10000);
     const auto steps = m_ctl.sim->received(0x2901);
     for (const auto &jogStep : steps)
@@ -253,7 +253,7 @@ void TestServoMode::jogRepeatsUntilStopped()
     QVERIFY2(axis3 < 10.0, qPrintable(QString::number(axis3)));
 
     stop_jogging(3);
-    QVERIFY(!qrx::Controller::defaultController().jogDriver()->isActive());
+    QVERIFY(!qrx::controller::Controller::defaultController().jogDriver()->isActive());
     QCOMPARE(m_ctl.robot->jogging.load(), quint8(0));
     QVERIFY(m_ctl.sim->waitForFrame(0x2902));
     QCOMPARE(m_ctl.sim->lastFrame(0x2902).payload, json(R"({"axis":3})"));
@@ -283,7 +283,7 @@ void TestServoMode::jogRefusals()
         QVERIFY(m_ctl.holdServo(servo));
     LogCapture log;
     QCOMPARE(m_ctl.framesOf([axis] { start_jogging(axis, true); }), QStringList{});
-    QVERIFY(!qrx::Controller::defaultController().jogDriver()->isActive());
+    QVERIFY(!qrx::controller::Controller::defaultController().jogDriver()->isActive());
     QCOMPARE(log.count(QStringLiteral("伺服不在运行状态,无法执行点动操作!")), logsRefusal ? 1 : 0);
 }
 
@@ -295,7 +295,7 @@ void TestServoMode::jogStopsItsTimerOutsideTeachMode()
     QVERIFY(m_ctl.holdMode(1));
     m_ctl.sim->clearReceived();
     start_jogging(1, true);
-    QTRY_VERIFY_WITH_TIMEOUT(!qrx::Controller::defaultController().jogDriver()->isActive(), 10000);
+    QTRY_VERIFY_WITH_TIMEOUT(!qrx::controller::Controller::defaultController().jogDriver()->isActive(), 10000);
     const QStringList frames = m_ctl.framesSoFar();
     const QString step = frame(0x2901, R"({"axis":1,"direction":1})");
     QCOMPARE(frames, (QStringList{step, step}));

@@ -164,6 +164,7 @@ public Q_SLOTS:
     void onTestMode(signed char mode) { record({QString::number(int(mode))}); }
     void onRunningMode(uchar mode) { record({QString::number(int(mode))}); }
     void onStatus(int status) { record({QString::number(status)}); }
+    void onCommand(quint16 command) { record({QString::number(command, 16)}); }
     void onNothing() { record({}); }
     void onData(quint16 command, const QByteArray &data)
     {

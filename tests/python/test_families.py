@@ -114,7 +114,8 @@ def test_motion_queue_from_dataclasses(sim: Any, robot: qrx_host.Robot, instruct
 def test_controller_messages_reach_a_python_callback(robot: qrx_host.Robot) -> None:
     texts: "queue.Queue[str]" = queue.Queue()
     qrx_host.Robot.on_message(texts.put)
-    robot.open_job("NO_SUCH_JOB")
+    with pytest.raises(qrx_host.Refused):
+        robot.open_job("NO_SUCH_JOB")
     assert texts.get(timeout=10) == "错误： job not found: NO_SUCH_JOB"
     # kept as the last message once the library has delivered it
     assert wait_for(lambda: robot.last_message == "job not found: NO_SUCH_JOB", 10)

@@ -125,6 +125,7 @@ def _upload_one(robot: qrx_host.Robot, tmp_path: Path) -> None:
     pytest.param(None, lambda r, t: r.export_config(t / "out"), "控制器拒绝下载配置文件", id="config files missing"),
     pytest.param(None, lambda r, t: r.import_config(t / "nowhere" / "controller.json"), "无法读取上传程序：",
                  id="unreadable local file"),
+    pytest.param(None, lambda r, t: r.upload_jobs(root=t / "nowhere"), "no job folder at", id="missing upload root"),
 ])
 def test_failures_raise(tmp_path: Path, without: Any, call: Callable[[qrx_host.Robot, Path], Any],
                         text: str) -> None:
