@@ -11,7 +11,7 @@ using Clock = std::chrono::steady_clock;
 // States are read this often even without a report, so that nothing is
 // missed and a lost link shows well within 10 s.
 constexpr std::chrono::milliseconds kPoll{200};
-constexpr std::chrono::milliseconds kOpenRetry{2000};
+constexpr std::chrono::milliseconds kOpenCheck{1000}; // ControllerLink::open paces its attempts
 
 MqttSettings settingsOf(const Options &o, const std::string &password, const Topics &topics)
 {
@@ -58,7 +58,7 @@ bool Bridge::start(std::string &error)
             });
         ControllerLink *link = slot->link.get();
         slot->queue = std::make_unique<WorkQueue>(std::size_t(m_options.queueLimit), [link] { link->open(); },
-                                                  kOpenRetry);
+                                                  kOpenCheck);
         m_slots.push_back(std::move(slot));
     }
     return m_session.start(error);

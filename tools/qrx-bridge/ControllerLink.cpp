@@ -3,11 +3,27 @@
 #include "BridgeLogging.h"
 #include "qrx_host.h"
 
+#include <algorithm>
+
 namespace qrxbridge {
 
 namespace {
 
 constexpr int kOpenBoundMs = 3000;
+
+// After a command: waits until the controller has taken it, and answers
+// with its refusal when it refused.
+std::string confirmed(qrx_controller *c)
+{
+    const int refused = qrxc_confirm(c);
+    if (refused == 0)
+        return okAnswer();
+    if (refused < 0)
+        return errorAnswer("the controller did not confirm the command in time");
+    char text[1024] = {};
+    qrxc_last_refusal(c, text, int(sizeof text));
+    return errorAnswer(std::string("the controller refused: ") + text);
+}
 
 std::string runJob(qrx_controller *c, const Command &command)
 {
@@ -18,7 +34,7 @@ std::string runJob(qrx_controller *c, const Command &command)
     if (s.servo == 0)
         return errorAnswer("the servo is off");
     qrxc_run_job(c, command.name.c_str());
-    return okAnswer();
+    return confirmed(c);
 }
 
 std::string job(qrx_controller *c, const Command &command)
@@ -28,11 +44,11 @@ std::string job(qrx_controller *c, const Command &command)
         return runJob(c, command);
     case Command::Pause:
         qrxc_pause_job(c);
-        return okAnswer();
+        return confirmed(c);
     case Command::Continue:
         switch (qrxc_continue_job(c)) {
         case 0:
-            return okAnswer();
+            return confirmed(c);
         case 1:
             return errorAnswer("the controller is not in run mode");
         default:
@@ -40,7 +56,7 @@ std::string job(qrx_controller *c, const Command &command)
         }
     case Command::Stop:
         qrxc_stop_job(c);
-        return okAnswer();
+        return confirmed(c);
     }
     return errorAnswer("unknown job action");
 }
@@ -49,7 +65,7 @@ std::string servo(qrx_controller *c, const Command &command)
 {
     if (!command.on) {
         qrxc_servo_power_off(c);
-        return okAnswer();
+        return confirmed(c);
     }
     if (qrxc_servo_power_on(c) == 1)
         return okAnswer();
@@ -75,11 +91,16 @@ ControllerLink::~ControllerLink()
 
 void ControllerLink::open()
 {
-    if (m_handle.load())
+    const auto now = std::chrono::steady_clock::now();
+    if (m_handle.load() || now < m_nextAttempt)
         return;
     qrx_controller *c = qrxc_open_within(m_address.ip.c_str(), m_address.port, kOpenBoundMs);
-    if (!c)
+    if (!c) {
+        // An absent controller is tried again later and later (up to every 30 s).
+        m_nextAttempt = std::chrono::steady_clock::now() + m_pause;
+        m_pause = std::min(m_pause * 2, std::chrono::seconds(30));
         return;
+    }
     qCInfo(lcBridge, "controller %s at %s:%d: link open", m_address.name.c_str(), m_address.ip.c_str(),
            m_address.port);
     qrxc_set_matched_replies(c, 1); // a wait ends on its own reply, not on any report
@@ -114,6 +135,7 @@ std::string ControllerLink::execute(const Command &command)
     qrx_controller *c = m_handle.load();
     if (!c || !qrxc_link_up(c))
         return errorAnswer("no link to the controller");
+    qrxc_clear_refusal(c);
     switch (command.verb) {
     case Command::Servo:
         return servo(c, command);
@@ -145,7 +167,7 @@ std::string ControllerLink::execute(const Command &command)
     case Command::Job:
         return job(c, command);
     }
-    return okAnswer();
+    return confirmed(c);
 }
 
 void ControllerLink::stateChanged(qrx_controller *, void *self)

@@ -10,6 +10,7 @@
 #include "StateJson.h"
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -30,7 +31,8 @@ public:
 
     const ControllerAddress &address() const { return m_address; }
 
-    // Opens the link when it is not open yet (waits at most a few seconds).
+    // Opens the link when it is not open yet (waits at most a few seconds);
+    // after a failed attempt the next one waits 1 s, then 2, 4, ... 30 s.
     void open();
     // The last state the controller reported; link false until it is open.
     ControllerState state() const;
@@ -45,6 +47,9 @@ private:
     const StateChanged m_onState;
     const Message m_onMessage;
     std::atomic<qrx_controller *> m_handle{nullptr};
+    // Used by open() only, on the controller's work thread.
+    std::chrono::steady_clock::time_point m_nextAttempt;
+    std::chrono::seconds m_pause{1};
 };
 
 } // namespace qrxbridge
