@@ -44,7 +44,9 @@ Topics:
   qrx/CELL/bridges/ID       retained "online"; "offline" on a clean stop and as the will
   qrx/CELL/NAME/cmd/VERB    MQTT 5 requests with a response topic and correlation data;
                             the answer, on the response topic with the same correlation
-                            data, is {"ok": true} or {"ok": false, "error": "..."}.
+                            data, comes when the controller has taken the command:
+                            {"ok": true}, or {"ok": false, "error": "..."} naming the
+                            problem or the controller's refusal.
                             Requests without a response topic are ignored, retained
                             ones refused. Payloads (at most 4096 bytes):
     servo  {"on": true|false}
