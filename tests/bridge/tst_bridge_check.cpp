@@ -3,7 +3,7 @@
 
 #include "Command.h"
 #include "Options.h"
-#include "StateJson.h"
+#include "PublishedJson.h"
 #include "Topics.h"
 #include "WorkQueue.h"
 

@@ -7,7 +7,7 @@
 
 #include "Command.h"
 #include "Options.h"
-#include "StateJson.h"
+#include "PublishedJson.h"
 
 #include <atomic>
 #include <chrono>

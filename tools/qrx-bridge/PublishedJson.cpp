@@ -1,4 +1,4 @@
-#include "StateJson.h"
+#include "PublishedJson.h"
 
 #include "common/CompactJson.h"
 
@@ -59,12 +59,10 @@ std::string alarmJson(int level, const std::string &text, WallClock::time_point 
     return qrx::compactJson(v);
 }
 
-std::string okAnswer(const std::string &member, int value)
+std::string okAnswer()
 {
     Json::Value v(Json::objectValue);
     v["ok"] = true;
-    if (!member.empty())
-        v[member] = value;
     return qrx::compactJson(v);
 }
 

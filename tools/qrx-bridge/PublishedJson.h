@@ -1,7 +1,7 @@
 #pragma once
-// The texts the bridge publishes about a controller: its state and its
-// messages, as compact JSON with the time in UTC ISO 8601
-// ("2026-11-24T19:38:07.123Z"). Pure.
+// The texts the bridge publishes, as compact JSON: a controller's state and
+// messages, with the time in UTC ISO 8601 ("2026-11-24T19:38:07.123Z"), and
+// the answers to requests. Pure.
 
 #include <array>
 #include <chrono>
@@ -35,9 +35,8 @@ std::string stateJson(const ControllerState &state, WallClock::time_point when);
 // {"level":"error"|"warning"|"info","text":"..","time":".."}
 std::string alarmJson(int level, const std::string &text, WallClock::time_point when);
 
-// Answers to requests: {"ok":true} with the given members, or
-// {"error":"..","ok":false}.
-std::string okAnswer(const std::string &member = {}, int value = 0);
+// Answers to requests: {"ok":true}, or {"error":"..","ok":false}.
+std::string okAnswer();
 std::string errorAnswer(const std::string &error);
 
 } // namespace qrxbridge
