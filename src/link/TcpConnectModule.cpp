@@ -2,6 +2,7 @@
 
 #include "common/Logging.h"
 #include "link/FrameCodec.h"
+#include "link/IoThreads.h"
 #include "link/TcpConnectModulePrivate.h"
 
 TcpConnectModule::TcpConnectModule(QString ip, quint16 port, int timeBase, QObject *parent)
@@ -24,6 +25,11 @@ TcpConnectModule::~TcpConnectModule()
 void TcpConnectModule::start()
 {
     d->startLink();
+}
+
+void TcpConnectModule::useSharedIoThread()
+{
+    d->setIoThread(qrx::sharedIoThread());
 }
 
 void TcpConnectModule::setReceiveTimeout(int msecs)

@@ -39,6 +39,9 @@ public:
 
     // Starts the link thread; returns once its timers run.
     void start();
+    // Has the link served by one of the library's shared I/O threads
+    // (link/IoThreads.h) rather than a thread of its own; before start().
+    void useSharedIoThread();
     // How long a connected link may stay silent before the time-out closes
     // it: 7 s unless set (the controller's own figure, whatever the time
     // base). A test of many silent drops sets a short one.

@@ -1,6 +1,7 @@
 #include "link/TcpConnectModulePrivate.h"
 
 #include "common/CompactJson.h"
+#include "common/HandOver.h"
 #include "common/Logging.h"
 
 #include <QCoreApplication>
@@ -44,9 +45,25 @@ TcpConnectModulePrivate::~TcpConnectModulePrivate()
 
 void TcpConnectModulePrivate::startLink()
 {
-    if (isRunning() || state() == State::Closing)
+    if (isRunning() || m_ioContext || state() == State::Closing)
         return;
     m_connectTime = secondsSinceEpoch();
+    if (m_ioThread) {
+        auto *context = new QObject;
+        context->moveToThread(m_ioThread);
+        // The blocking call orders the two sides, invisibly to ThreadSanitizer.
+        qrx::handOff(this);
+        QMetaObject::invokeMethod(
+            context,
+            [this, context] {
+                qrx::takeOver(this);
+                setUp(context);
+                qrx::handOff(this);
+            },
+            Qt::BlockingQueuedConnection);
+        qrx::takeOver(this);
+        return;
+    }
     std::unique_lock<std::mutex> lock(m_startedMutex);
     m_started = false;
     start(QThread::InheritPriority);
@@ -56,6 +73,27 @@ void TcpConnectModulePrivate::startLink()
 void TcpConnectModulePrivate::shutdown()
 {
     m_connection.setState(State::Closing);
+    if (m_ioThread) {
+        QObject *context = m_ioContext;
+        if (!context)
+            return;
+        // Writes and closes queued before this are done first, in order.
+        if (QThread::currentThread() == m_ioThread) {
+            tearDown();
+            return;
+        }
+        qrx::handOff(this);
+        QMetaObject::invokeMethod(
+            context,
+            [this] {
+                qrx::takeOver(this);
+                tearDown();
+                qrx::handOff(this);
+            },
+            Qt::BlockingQueuedConnection);
+        qrx::takeOver(this);
+        return;
+    }
     // QThread::quit ends every event loop running in the thread, the nested
     // one of a connect attempt included.
     quit();
@@ -64,6 +102,40 @@ void TcpConnectModulePrivate::shutdown()
     // where ThreadSanitizer cannot see it; this acquire pairs with the
     // release that ends run(), so what run() tore down is seen as done.
     (void)m_runEnded.load(std::memory_order_acquire);
+}
+
+void TcpConnectModulePrivate::setUp(QObject *context)
+{
+    m_ioContext = context;
+    m_checkTimer.reset(new QTimer);
+    connect(m_checkTimer.data(), &QTimer::timeout, this, &TcpConnectModulePrivate::onTcpSocketCheck,
+            Qt::DirectConnection);
+    m_checkTimer->start(qMax(1, m_timeBase / 180));
+    m_timeoutTimer.reset(new QTimer);
+    connect(m_timeoutTimer.data(), &QTimer::timeout, this, &TcpConnectModulePrivate::onCheckHeartBeat,
+            Qt::DirectConnection);
+    m_timeoutTimer->start(qMax(1, m_timeBase / 150));
+    connect(this, &TcpConnectModulePrivate::closeCurrentSocket, this,
+            &TcpConnectModulePrivate::closeCurrentSocketInNowThread, Qt::DirectConnection);
+    m_connection.setContext(context);
+    m_connection.setState(State::WaitingToConnect);
+    // The first attempt starts at once, not a whole check interval later.
+    QTimer::singleShot(0, context, [this] { onTcpSocketCheck(); });
+}
+
+void TcpConnectModulePrivate::tearDown()
+{
+    disconnect(this, &TcpConnectModulePrivate::closeCurrentSocket, this,
+               &TcpConnectModulePrivate::closeCurrentSocketInNowThread);
+    m_connection.setContext(nullptr);
+    {
+        std::lock_guard<std::recursive_mutex> lock(m_connection.sendMutex());
+        m_checkTimer.reset();
+        m_timeoutTimer.reset();
+        m_connection.release();
+    }
+    m_ioContext->deleteLater();
+    m_ioContext = nullptr;
 }
 
 void TcpConnectModulePrivate::run()
@@ -190,6 +262,11 @@ void TcpConnectModulePrivate::onTcpSocketCheck()
 {
     if (m_stopped || state() == State::Closing || m_connection.isWaitingForConnection())
         return;
+    if (m_ioThread && state() == State::Connecting) {
+        if (QDateTime::currentMSecsSinceEpoch() - m_attemptStartMs.load() >= kConnectWaitMs)
+            m_connection.drop(FramedConnection::DropReason::SocketLost);
+        return;
+    }
     std::lock_guard<std::recursive_mutex> lock(m_connection.sendMutex());
     if (state() == State::WaitingToConnect) {
         const QString address = ip();
@@ -202,6 +279,12 @@ void TcpConnectModulePrivate::onTcpSocketCheck()
         m_connectTime = secondsSinceEpoch();
         m_connectNow = false;
         m_connection.open(address, m_port);
+        if (m_ioThread) {
+            // Other links share this thread: the attempt goes on without
+            // blocking it, and the check gives it up when it takes too long.
+            m_attemptStartMs = QDateTime::currentMSecsSinceEpoch();
+            return;
+        }
         m_connection.waitForConnection(kConnectWaitMs);
         // A startConnect() during this wait (the thread's first attempt may
         // still be under way) found the check busy and set the state back to

@@ -13,6 +13,11 @@
 //    link and goes out as receivedData() in this thread;
 //  - a manual stop (stopped) keeps the check from reconnecting until a
 //    manual start.
+//
+// A link may instead be served by one of the library's shared I/O threads
+// (setIoThread before startLink): the same timers and connection live there,
+// beside those of other links; a connect attempt does not block that thread
+// (the check gives the attempt up after kConnectWaitMs instead).
 
 #include "link/FramedConnection.h"
 #include "protocol/Codes.h"
@@ -45,9 +50,14 @@ public:
     // Quits the event loop and joins the thread, also during a connect attempt.
     ~TcpConnectModulePrivate() override;
 
+    // Serves the link on thread (one of the shared I/O threads) instead of
+    // a thread of its own. Call it before startLink().
+    void setIoThread(QThread *thread) { m_ioThread = thread; }
+
     // Records connectTime, starts the thread and returns once its timers run.
     void startLink();
-    // Marks the connection Closing, quits the thread's event loops and joins it.
+    // Marks the connection Closing, quits the thread's event loops and joins
+    // it (on a shared thread: takes the link's objects down there and waits).
     void shutdown();
 
     // Writes frame bytes if the link is up (queued into the link thread when
@@ -89,6 +99,10 @@ protected:
     void run() override;
 
 private:
+    // The link's objects in the thread that serves it (context: an object
+    // of that thread for the connection's queued work); undone by tearDown.
+    void setUp(QObject *context);
+    void tearDown();
     void route(quint16 command, const QByteArray &payload);
     void sendHeartbeat();
 
@@ -112,4 +126,8 @@ private:
     std::atomic<uint> m_connectTime{0};
     std::atomic<int> m_receiveTimeoutMs{kReceiveTimeoutSecs * 1000};
     std::atomic<bool> m_runEnded{false}; // set last in run(); read after the join
+    QThread *m_ioThread = nullptr;       // the shared thread serving the link, or null
+    QObject *m_ioContext = nullptr;      // the link's object in that thread while set up
+    std::atomic<qint64> m_attemptStartMs{0}; // a shared thread's connect attempt began (ms since the epoch)
+
 };

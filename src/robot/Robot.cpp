@@ -1,6 +1,7 @@
 #include "robot/Robot.h"
 
 #include "common/Logging.h"
+#include "link/IoThreads.h"
 #include "link/TcpConnectModule.h"
 #include "robot/RobotWiring.h"
 #include "protocol/Codes.h"
@@ -67,11 +68,16 @@ bool Robot::takeForceModeNotification()
 }
 
 Robot::Robot(const QString &ip, QObject *parent)
-    : Robot(ip, s_linkPort.load(), parent)
+    : Robot(ip, s_linkPort.load(), false, parent)
 {
 }
 
 Robot::Robot(const QString &ip, quint16 port, QObject *parent)
+    : Robot(ip, port, true, parent)
+{
+}
+
+Robot::Robot(const QString &ip, quint16 port, bool sharedIoThread, QObject *parent)
     : RobotSignals(parent)
 {
     qrx::registerLinkMetaTypes();
@@ -80,6 +86,8 @@ Robot::Robot(const QString &ip, quint16 port, QObject *parent)
     qRegisterMetaType<schar>("schar");
 
     m_link = new TcpConnectModule(ip, port, s_linkTimeBase.load());
+    if (sharedIoThread)
+        m_link->useSharedIoThread();
     m_link->setParent(this);
     m_link->setCurrentRobotSource([this] { return currentRobot(); });
     qrx::wireRobot(m_link, this);
@@ -173,6 +181,10 @@ void Robot::wakeWaiters()
 
 void Robot::waitingPause(int ms)
 {
+    if (qrx::onSharedIoThread()) {
+        QThread::msleep(ulong(ms));
+        return;
+    }
     QElapsedTimer clock;
     clock.start();
     for (qint64 left = ms; left > 0; left = ms - clock.elapsed()) {

@@ -65,7 +65,9 @@ public:
     void setReportSink(std::function<void()> sink);
 
     explicit Robot(const QString &ip, QObject *parent = nullptr);
-    // The same for a controller port of its own (not linkPort()).
+    // The same for a controller port of its own (not linkPort()), with a
+    // link that one of the library's shared I/O threads serves (many such
+    // Robots share a few threads).
     Robot(const QString &ip, quint16 port, QObject *parent = nullptr);
     ~Robot() override;
 
@@ -104,7 +106,7 @@ public:
     bool takeForceModeNotification(); // reads and clears the flag
 
     // Sleeps for ms while processing the calling thread's events, at most
-    // 100 ms per pass.
+    // 100 ms per pass; on a shared I/O thread it only sleeps (link/IoThreads.h).
     static void waitingPause(int ms);
 
     // ---- core: request-and-wait -------------------------------------------
@@ -248,6 +250,7 @@ protected:
     void takeNumber(const QByteArray &data, const char *key, std::atomic<int> &field, const char *text, NumberSignal notify);
 
 private:
+    Robot(const QString &ip, quint16 port, bool sharedIoThread, QObject *parent);
     void storeMessage(const std::string &text);
     // Messages: hands prefix + "data" to the message sink and keeps "data"
     // as the last message. Not delivered (nothing done) without "data".

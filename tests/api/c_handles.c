@@ -8,11 +8,15 @@
 
 #include <arpa/inet.h>
 #include <math.h>
+#include <pthread.h>
 #include <stdio.h>
 #include <string.h>
 #include <time.h>
 
 static int failures;
+static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
+static int stateCalls;
+static qrx_controller *stateHandle;
 
 #define CHECK(cond)                                                          \
     do {                                                                     \
@@ -37,6 +41,31 @@ static void nextAddress(const char *first, unsigned n, char *out, size_t size)
     inet_pton(AF_INET, first, &addr);
     addr.s_addr = htonl(ntohl(addr.s_addr) + n);
     inet_ntop(AF_INET, &addr, out, (socklen_t)size);
+}
+
+static void onState(qrx_controller *c, void *user)
+{
+    pthread_mutex_lock(&lock);
+    ++stateCalls;
+    stateHandle = c;
+    pthread_mutex_unlock(&lock);
+    (void)user;
+}
+
+/* Waits (at most seconds) until the state handler was called at least n times. */
+static int stateCallsReach(int n, double seconds)
+{
+    const double deadline = nowSeconds() + seconds;
+    const struct timespec slice = {0, 1000000};
+    int reached;
+    for (;;) {
+        pthread_mutex_lock(&lock);
+        reached = stateCalls >= n;
+        pthread_mutex_unlock(&lock);
+        if (reached || nowSeconds() > deadline)
+            return reached;
+        nanosleep(&slice, NULL);
+    }
 }
 
 /* What every function gives for a handle that is null or closed: its result
@@ -110,6 +139,19 @@ int main(int argc, char **argv)
 
     CHECK(qrxc_get_state(a, &state) == 1);
     CHECK(state.link == 1);
+
+    /* The state handler hears of a report that changed the state; the
+     * cached state then holds what the getter read. */
+    qrxc_set_state_handler(b, onState, NULL);
+    qrxc_get_current_position(b, pos, 0);
+    CHECK(stateCallsReach(1, 10.0));
+    pthread_mutex_lock(&lock);
+    CHECK(stateHandle == b);
+    pthread_mutex_unlock(&lock);
+    CHECK(qrxc_get_state(b, &state) == 1);
+    for (i = 0; i < 6; ++i)
+        CHECK(state.joints[i] == pos[i]);
+    qrxc_set_state_handler(b, NULL, NULL);
 
     /* One closed, the other still answers. */
     qrxc_close(a);
