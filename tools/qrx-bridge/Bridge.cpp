@@ -39,10 +39,11 @@ Bridge::Bridge(const Options &options, const std::string &password)
 
 Bridge::~Bridge()
 {
-    // Work threads first (they answer through the session), then the links.
+    // The session first (its goodbye goes out at once; answers after it are
+    // dropped), then the work threads, then the links.
+    m_session.stop();
     for (auto &slot : m_slots)
         slot->queue.reset();
-    m_session.stop();
     m_slots.clear();
 }
 

@@ -4,8 +4,6 @@
 
 #include <mqtt_protocol.h>
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <mutex>
 
 namespace qrxbridge {
@@ -93,7 +91,7 @@ void MqttSession::firstConnection()
         if (rc == MOSQ_ERR_SUCCESS)
             break;
         qCWarning(lcBridge, "broker %s:%d not reached (%s); trying again in %d s", s.host.c_str(), s.port,
-                  rc == MOSQ_ERR_ERRNO ? strerror(errno) : mosquitto_strerror(rc), int(pause.count()));
+                  rc == MOSQ_ERR_ERRNO ? "no connection" : mosquitto_strerror(rc), int(pause.count()));
         if (m_startStop.wait_for(lock, pause, [this] { return m_stopping; }))
             return;
         pause = std::min(pause * 2, std::chrono::seconds(30));

@@ -4,7 +4,9 @@
 #include "BridgeLogging.h"
 #include "Options.h"
 
+#include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -105,6 +107,13 @@ int main(int argc, char **argv)
     Watchdog watchdog;
     bridge.run([&] { watchdog.tick(); });
     sd_notify(0, "STOPPING=1");
+    // A controller call that never returns must not keep the process from
+    // ending: the goodbye is out, the rest gets a few seconds.
+    std::thread([] {
+        std::this_thread::sleep_for(std::chrono::seconds(5));
+        qCWarning(lcBridge, "a controller did not let go within 5 s; leaving without it");
+        std::_Exit(0);
+    }).detach();
     signalWaiter.join();
     return 0;
 }
