@@ -11,7 +11,8 @@ QRX_PACKAGES=(cmake ninja-build g++ pkg-config qtbase5-dev qtbase5-dev-tools
 QRX_PACKAGES+=(tshark) # the dissector's test reads captures with it
 QRX_PACKAGES+=(lintian dpkg-dev help2man) # the Debian package: its check, its Depends, the manual pages
 QRX_PACKAGES+=(python3-pytest python3-setuptools python3-wheel python3-pip)
-QRX_PACKAGES+=(python3-matplotlib) # python3 -m qrx_host.plot draws recorded sessions
+QRX_PACKAGES+=(python3-matplotlib python3-mypy) # python3 -m qrx_host.plot draws recorded sessions; mypy checks the annotations
+QRX_PACKAGES+=(libmosquitto-dev libsystemd-dev mosquitto mosquitto-clients) # qrx-bridge and its tests
 
 qrx_install_missing() {
   local missing=()

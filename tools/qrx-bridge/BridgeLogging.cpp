@@ -1,0 +1,3 @@
+#include "BridgeLogging.h"
+
+Q_LOGGING_CATEGORY(lcBridge, "qrx.bridge")
