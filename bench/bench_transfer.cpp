@@ -9,6 +9,12 @@
 // The controller is its own process by default (qrx-sim, as a real one is
 // another machine); QRX_BENCH_SIM=thread runs it in this process instead,
 // where it shares the process's memory figure and its cores' scheduling.
+//
+// Each transfer reports whose CPU time it took: host_cpu_ms (this process,
+// all threads) and sim_cpu_ms (the controller's process); the raw copy
+// reports its own (cpu_ms) beside them. To profile the transfers alone, run
+// the bench under perf record -D -1 --control fifo:CTL,ACK with
+// QRX_BENCH_PERF=CTL,ACK: the measurement is enabled only while a transfer runs.
 
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
@@ -31,6 +37,7 @@
 #include <QThread>
 
 #include <arpa/inet.h>
+#include <sys/resource.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -76,6 +83,28 @@ double processCpuMs(qint64 pid)
             ticks += std::stod(field);
     }
     return ticks * 1000.0 / double(::sysconf(_SC_CLK_TCK));
+}
+
+// CPU time (user + system, all threads) of this process, in milliseconds.
+double ownCpuMs()
+{
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    const auto ms = [](const timeval &t) { return double(t.tv_sec) * 1000.0 + double(t.tv_usec) / 1000.0; };
+    return ms(usage.ru_utime) + ms(usage.ru_stime);
+}
+
+// perf's control fifos (QRX_BENCH_PERF=control,ack): "enable" or "disable"
+// written, perf's acknowledgement awaited. Nothing without the variable.
+void perfControl(const char *command)
+{
+    const QList<QByteArray> fifos = qgetenv("QRX_BENCH_PERF").split(',');
+    if (fifos.size() != 2)
+        return;
+    std::ofstream(fifos[0].constData()) << command << std::endl;
+    std::ifstream ack(fifos[1].constData());
+    std::string line;
+    std::getline(ack, line);
 }
 
 void resetPeak()
@@ -223,7 +252,9 @@ void BM_RawLoopbackFileCopy(benchmark::State &state)
     const QString target = r.controller.path() + QStringLiteral("/raw/BIG.JBR");
     writeBig(source);
     QDir().mkpath(QFileInfo(target).absolutePath());
+    double cpu = 0;
     for (auto _ : state) {
+        const double cpuBefore = ownCpuMs();
         sockaddr_in addr{};
         const int server = listenOnLoopback(addr);
         bool stored = false;
@@ -255,6 +286,7 @@ void BM_RawLoopbackFileCopy(benchmark::State &state)
         ::close(client);
         reader.join();
         ::close(server);
+        cpu += ownCpuMs() - cpuBefore;
         if (!stored)
             state.SkipWithError("cannot write the copy");
         state.PauseTiming();
@@ -262,6 +294,7 @@ void BM_RawLoopbackFileCopy(benchmark::State &state)
         state.ResumeTiming();
     }
     state.SetBytesProcessed(state.iterations() * kBigFile);
+    state.counters["cpu_ms"] = cpu / double(state.iterations());
 }
 
 // The frame check both sides must compute: CRC-32 of 64 MiB in frames of
@@ -330,7 +363,7 @@ void bigTransfer(benchmark::State &state, Prepare &&prepare, Run &&run)
 {
     Rig &r = rig();
     long peak = 0;
-    double simCpu = 0, firstByteMs = 0;
+    double simCpu = 0, hostCpu = 0, firstByteMs = 0;
     qrx_set_transfer_progress(noteFirstByte);
     for (auto _ : state) {
         state.PauseTiming();
@@ -338,11 +371,15 @@ void bigTransfer(benchmark::State &state, Prepare &&prepare, Run &&run)
         resetPeak();
         const long before = statusKb("VmRSS:");
         const double simBefore = r.process ? processCpuMs(r.process->processId()) : 0;
+        const double hostBefore = ownCpuMs();
         g_firstByte = {};
+        perfControl("enable");
         const auto start = std::chrono::steady_clock::now();
         state.ResumeTiming();
         run();
         state.PauseTiming();
+        perfControl("disable");
+        hostCpu += ownCpuMs() - hostBefore;
         firstByteMs += std::chrono::duration<double, std::milli>(g_firstByte - start).count();
         peak = std::max(peak, statusKb("VmHWM:") - before);
         if (r.process)
@@ -355,6 +392,7 @@ void bigTransfer(benchmark::State &state, Prepare &&prepare, Run &&run)
     state.SetBytesProcessed(state.iterations() * kBigFile);
     state.counters["peak_growth_MiB"] = double(peak) / 1024.0;
     state.counters["first_byte_ms"] = firstByteMs / double(state.iterations());
+    state.counters["host_cpu_ms"] = hostCpu / double(state.iterations());
     if (r.process) // the controller's share of the work, per transfer
         state.counters["sim_cpu_ms"] = simCpu / double(state.iterations());
 }
