@@ -6,6 +6,8 @@
 
 #include <zlib.h>
 
+#include <cstring>
+
 namespace qrx {
 
 namespace {
@@ -34,26 +36,36 @@ quint32 frameCrc(const char *data, int size)
 
 QByteArray encodeFrame(quint16 command, const QByteArray &payload)
 {
-    if (payload.size() > kMaxPayload) {
-        qCWarning(lcLink, "encodeFrame: payload too long (%d bytes), frame not sent", payload.size());
-        return QByteArray();
-    }
-    const int size = payload.size();
     QByteArray frame;
-    frame.reserve(size + kFrameOverhead);
-    frame.append(kHead1);
-    frame.append(kHead2);
-    frame.append(char((size >> 8) & 0xFF));
-    frame.append(char(size & 0xFF));
-    frame.append(char((command >> 8) & 0xFF));
-    frame.append(char(command & 0xFF));
-    frame.append(payload);
-    const quint32 crc = frameCrc(frame.constData() + 2, frame.size() - 2);
-    frame.append(char((crc >> 24) & 0xFF));
-    frame.append(char((crc >> 16) & 0xFF));
-    frame.append(char((crc >> 8) & 0xFF));
-    frame.append(char(crc & 0xFF));
+    frame.reserve(qMin(payload.size(), kMaxPayload) + kFrameOverhead);
+    if (!appendFrame(frame, command, payload.constData(), payload.size()))
+        return QByteArray();
     return frame;
+}
+
+bool appendFrame(QByteArray &out, quint16 command, const char *payload, int size)
+{
+    if (size > kMaxPayload) {
+        qCWarning(lcLink, "encodeFrame: payload too long (%d bytes), frame not sent", size);
+        return false;
+    }
+    const int start = out.size();
+    out.resize(start + size + kFrameOverhead);
+    char *p = out.data() + start;
+    p[0] = kHead1;
+    p[1] = kHead2;
+    p[2] = char((size >> 8) & 0xFF);
+    p[3] = char(size & 0xFF);
+    p[4] = char((command >> 8) & 0xFF);
+    p[5] = char(command & 0xFF);
+    if (size > 0)
+        std::memcpy(p + 6, payload, size_t(size));
+    const quint32 crc = frameCrc(p + 2, size + 4);
+    p[6 + size] = char((crc >> 24) & 0xFF);
+    p[7 + size] = char((crc >> 16) & 0xFF);
+    p[8 + size] = char((crc >> 8) & 0xFF);
+    p[9 + size] = char(crc & 0xFF);
+    return true;
 }
 
 QVector<Frame> FrameDecoder::feed(const QByteArray &bytes)

@@ -36,6 +36,10 @@ quint32 frameCrc(const char *data, int size);
 // The frame for (command, payload), or an empty array when the payload is
 // longer than kMaxPayload.
 QByteArray encodeFrame(quint16 command, const QByteArray &payload);
+// Appends the frame for (command, the size bytes at payload) to out, so that
+// a sender can put many frames into one write; false, and nothing appended,
+// when the payload is longer than kMaxPayload.
+bool appendFrame(QByteArray &out, quint16 command, const char *payload, int size);
 
 // Cuts a received byte stream into checked frames.
 //
