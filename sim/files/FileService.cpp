@@ -27,6 +27,7 @@ namespace {
 namespace code = qrx::protocol::code;
 
 constexpr qint64 kChunk = 2048;
+constexpr int kFramesPerBlock = 32;
 constexpr qint64 kBacklog = 256 * 1024;
 
 QString text(const Json::Value &v, const char *key)
@@ -114,19 +115,31 @@ private:
         }
     }
 
-    // The next piece of the file being sent; false when there is none.
+    // The next piece of the file being sent; false when there is none. The
+    // data goes out up to 32 frames at a time (64 KiB of the file, one read,
+    // one write); split frames, one frame at a time.
     bool produce()
     {
         if (!m_sending)
             return false;
         if (m_file.pos() < m_fileSize) {
-            const QByteArray chunk = m_file.read(kChunk);
-            const QByteArray frame = qrx::encodeFrame(code::FileData, chunk);
+            const int frames = m_service.faults.splitFrames ? 1 : kFramesPerBlock;
+            m_block.resize(int(qMin<qint64>(kChunk * frames, m_fileSize - m_file.pos())));
+            const qint64 read = m_file.read(m_block.data(), m_block.size());
+            if (read <= 0) { // the file shrank meanwhile: the host hears of it by the size
+                m_sending = false;
+                m_file.close();
+                return false;
+            }
+            QByteArray out;
+            out.reserve(int(read + (read / kChunk + 1) * qrx::kFrameOverhead));
+            for (qint64 at = 0; at < read; at += kChunk)
+                qrx::appendFrame(out, code::FileData, m_block.constData() + at, int(qMin(kChunk, read - at)));
             if (m_service.faults.splitFrames) {
-                m_out.enqueue(frame.left(frame.size() / 2));
-                m_out.enqueue(frame.mid(frame.size() / 2));
+                m_out.enqueue(out.left(out.size() / 2));
+                m_out.enqueue(out.mid(out.size() / 2));
             } else {
-                m_out.enqueue(frame);
+                m_out.enqueue(out);
             }
             return true;
         }
@@ -134,8 +147,7 @@ private:
         m_file.close();
         Json::Value done(Json::objectValue);
         done["finish"] = "yes";
-        const QByteArray frame = qrx::encodeFrame(code::FileData, qrx::jsonPayload(done));
-        m_out.enqueue(frame);
+        m_out.enqueue(qrx::encodeFrame(code::FileData, qrx::jsonPayload(done)));
         return true;
     }
 
@@ -221,6 +233,7 @@ private:
     qrx::FrameDecoder m_decoder;
     QQueue<QByteArray> m_out;
     QFile m_file;
+    QByteArray m_block; // the piece of the file being framed
     qint64 m_fileSize = 0;
     bool m_sending = false;
     std::unique_ptr<QSaveFile> m_upload;
