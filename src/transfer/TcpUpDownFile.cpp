@@ -65,7 +65,12 @@ bool TcpUpDownFile::connectFileSocket()
 
 void TcpUpDownFile::sendFrame(quint16 command, const QByteArray &payload)
 {
-    if (!m_connection.write(qrx::encodeFrame(command, payload)))
+    sendBytes(qrx::encodeFrame(command, payload));
+}
+
+void TcpUpDownFile::sendBytes(const QByteArray &frames)
+{
+    if (!m_connection.write(frames))
         return;
     // Streaming: the socket never holds more than a few chunks' worth.
     while (m_connection.bytesToWrite() > kWriteBacklog && m_connection.isConnected()) {
@@ -256,12 +261,15 @@ void TcpUpDownFile::uploadAnswer(const QByteArray &payload)
 void TcpUpDownFile::sendWholeFile(const QString &name)
 {
     // Without waiting for acknowledgements: 2048 bytes per 0x5511, the last,
-    // shorter piece as a final one.
+    // shorter piece as a final one. The file is read kChunksPerWrite chunks
+    // at a time and their frames go to the socket in one write.
     const qint64 total = m_sendFile.size();
     qint64 remaining = total;
+    QByteArray block, frames;
     while (remaining > 0) {
-        const QByteArray chunk = m_sendFile.read(qMin<qint64>(kChunkSize, remaining));
-        if (chunk.isEmpty()) {
+        block.resize(int(qMin<qint64>(qint64(kChunkSize) * kChunksPerWrite, remaining)));
+        const qint64 read = m_sendFile.read(block.data(), block.size());
+        if (read <= 0) {
             fail(tr("文件【") + name + tr("】无法打开"));
             return;
         }
@@ -269,10 +277,15 @@ void TcpUpDownFile::sendWholeFile(const QString &name)
             fail(uploadFailureText(name));
             return;
         }
-        sendFrame(code::UploadChunk, chunk);
-        remaining -= chunk.size();
-        if (m_progress)
-            m_progress(name, total - remaining, total);
+        frames.clear();
+        for (qint64 at = 0; at < read; at += kChunkSize)
+            qrx::appendFrame(frames, code::UploadChunk, block.constData() + at, int(qMin<qint64>(kChunkSize, read - at)));
+        sendBytes(frames);
+        for (qint64 at = 0; at < read; at += kChunkSize) {
+            remaining -= qMin<qint64>(kChunkSize, read - at);
+            if (m_progress)
+                m_progress(name, total - remaining, total);
+        }
     }
 }
 

@@ -84,6 +84,7 @@ public:
     };
     static constexpr quint16 kFilePort = 5000;
     static constexpr int kChunkSize = 2048;
+    static constexpr int kChunksPerWrite = 32; // an upload's frames go to the socket 64 KiB at a time
     static constexpr int kPauseMs = 1000;   // between the files of an upload, by default
     static constexpr int kSilenceMs = 5000; // a controller silent this long breaks the transfer
 
@@ -130,6 +131,7 @@ private:
     void onConnectionStatus(int status);
     bool connectFileSocket();
     void sendFrame(quint16 command, const QByteArray &payload);
+    void sendBytes(const QByteArray &frames); // whole frames, the backlog kept bounded
     void sendMain(quint16 command, const QByteArray &payload);
     void setState(State state);
     void fail(const QString &text);
