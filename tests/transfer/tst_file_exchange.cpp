@@ -153,6 +153,9 @@ void TestFileExchange::scenario_data()
     const Files even{{"robotJob/R2/E.JBR", big.left(4096)}};
     QTest::newRow("upload 4096 bytes: two chunks")
         << "upload" << QStringList{"R2/E.JBR"} << even << upload("job/R2/E.JBR", big.left(4096)) << QString() << 1 << even;
+    const Files long_{{"robotJob/R1/L.JBR", bytesOf(70000, 5)}}; // 34 chunks, more than one write holds
+    QTest::newRow("upload 70000 bytes: 34 chunks, the last of 368")
+        << "upload" << QStringList{"R1/L.JBR"} << long_ << upload("job/R1/L.JBR", bytesOf(70000, 5)) << QString() << 1 << long_;
     const Files two{{"robotJob/R1/A.JBR", small}, {"robotJob/R3/B.JBP", other}};
     Script secondFile = upload("job/R3/B.JBP", other);
     secondFile[0] = secondFile[0].after(1000); // the described pause between files
