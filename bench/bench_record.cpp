@@ -167,7 +167,7 @@ struct Round
 Round round(Peer &peer, Link &link, int k, bool record, const QString &path)
 {
     if (record)
-        qrx::SessionRecorder::instance().start(path);
+        qrx::SessionRecorder::processWide().start(path);
     const int start = link.received();
     const double link0 = link.cpu();
     const double process0 = cpuSeconds(CLOCK_PROCESS_CPUTIME_ID);
@@ -175,7 +175,7 @@ Round round(Peer &peer, Link &link, int k, bool record, const QString &path)
     while (link.received() < start + kFramesPerRound)
         std::this_thread::sleep_for(std::chrono::microseconds(200));
     if (record)
-        qrx::SessionRecorder::instance().stop(); // the writer's last batch counts
+        qrx::SessionRecorder::processWide().stop(); // the writer's last batch counts
     const double linkCpu = link.cpu() - link0;
     const double process = cpuSeconds(CLOCK_PROCESS_CPUTIME_ID) - process0;
     return {linkCpu, process - linkCpu - peerCpu};
@@ -220,7 +220,7 @@ void BM_HandOver(benchmark::State &state)
     QTcpSocket socket;
     const QByteArray payload = positionFrame().mid(6, positionFrame().size() - 10);
     const QString path = QDir::temp().filePath(QStringLiteral("bench_handover.pcap"));
-    qrx::SessionRecorder &recorder = qrx::SessionRecorder::instance();
+    qrx::SessionRecorder &recorder = qrx::SessionRecorder::processWide();
     const auto offStart = std::chrono::steady_clock::now();
     constexpr int kChecks = 1000000;
     for (int i = 0; i < kChecks; ++i)

@@ -35,7 +35,7 @@ extern "C" {
 
 int qrx_record(const char *path)
 {
-    qrx::SessionRecorder &recorder = qrx::SessionRecorder::instance();
+    qrx::SessionRecorder &recorder = qrx::SessionRecorder::processWide();
     if (!path || !*path) {
         recorder.stop();
         return 0;

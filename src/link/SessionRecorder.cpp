@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QHostAddress>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstring>
@@ -54,24 +55,58 @@ const Ends &endsOf(const QAbstractSocket &socket)
     return ends;
 }
 
+// The recorders that exist; the hooks walk them only while one runs.
+struct Registry
+{
+    std::mutex mutex;
+    std::vector<SessionRecorder *> recorders;
+};
+
+Registry &registry()
+{
+    static Registry all;
+    return all;
+}
+
 } // namespace
 
-SessionRecorder &SessionRecorder::instance()
+std::atomic<int> SessionRecorder::s_running{0};
+
+SessionRecorder &SessionRecorder::processWide()
 {
-    static SessionRecorder recorder;
+    static SessionRecorder &recorder = []() -> SessionRecorder & {
+        static SessionRecorder all(Filter{});
+        const QString path = QString::fromLocal8Bit(qgetenv("QRX_RECORD"));
+        if (!path.isEmpty())
+            all.start(path);
+        return all;
+    }();
     return recorder;
 }
 
-SessionRecorder::SessionRecorder()
+SessionRecorder::SessionRecorder(Filter filter)
+    : m_filter(filter)
 {
-    const QString path = QString::fromLocal8Bit(qgetenv("QRX_RECORD"));
-    if (!path.isEmpty())
-        start(path);
+    Registry &all = registry();
+    std::lock_guard<std::mutex> lock(all.mutex);
+    all.recorders.push_back(this);
 }
 
 SessionRecorder::~SessionRecorder()
 {
+    {
+        // Once out of the registry, no socket thread reaches this recorder.
+        Registry &all = registry();
+        std::lock_guard<std::mutex> lock(all.mutex);
+        all.recorders.erase(std::find(all.recorders.begin(), all.recorders.end(), this));
+    }
     stop();
+}
+
+void SessionRecorder::setOn(bool on)
+{
+    if (m_on.exchange(on) != on)
+        s_running.fetch_add(on ? 1 : -1);
 }
 
 bool SessionRecorder::start(const QString &path)
@@ -97,7 +132,7 @@ bool SessionRecorder::start(const QString &path)
         }
         writeLoop();
     });
-    m_on.store(true);
+    setOn(true);
     return true;
 }
 
@@ -109,7 +144,7 @@ void SessionRecorder::stop()
 
 void SessionRecorder::stopLocked()
 {
-    m_on.store(false);
+    setOn(false);
     {
         std::lock_guard<std::mutex> lock(m_mutex);
         m_stopping = true;
@@ -124,24 +159,35 @@ void SessionRecorder::stopLocked()
     m_queue.clear();
 }
 
-void SessionRecorder::sent(const QAbstractSocket &socket, const QByteArray &frame)
+void SessionRecorder::sentToAll(const QAbstractSocket &socket, const QByteArray &frame)
 {
     // A write queued from another thread may find the socket closed: then
     // nothing goes on the wire.
     if (socket.state() == QAbstractSocket::ConnectedState)
-        append(socket, pcap::Sender::Host, 0, frame);
+        toAll(socket, pcap::Sender::Host, 0, frame);
 }
 
-void SessionRecorder::received(const QAbstractSocket &socket, quint16 command, const QByteArray &payload)
+void SessionRecorder::receivedByAll(const QAbstractSocket &socket, quint16 command, const QByteArray &payload)
 {
-    append(socket, pcap::Sender::Controller, command, payload);
+    toAll(socket, pcap::Sender::Controller, command, payload);
 }
 
-void SessionRecorder::append(const QAbstractSocket &socket, pcap::Sender sender, quint16 command,
-                             const QByteArray &bytes)
+void SessionRecorder::toAll(const QAbstractSocket &socket, pcap::Sender sender, quint16 command,
+                            const QByteArray &bytes)
 {
     const Ends &ends = endsOf(socket);
-    Entry entry{0, sender, command, ends.host, ends.controller, bytes};
+    Registry &all = registry();
+    std::lock_guard<std::mutex> lock(all.mutex);
+    for (SessionRecorder *recorder : all.recorders) {
+        if (recorder->isOn() && recorder->m_filter.takes(ends.controller))
+            recorder->append(sender, command, ends.host, ends.controller, bytes);
+    }
+}
+
+void SessionRecorder::append(pcap::Sender sender, quint16 command, pcap::Endpoint host, pcap::Endpoint controller,
+                             const QByteArray &bytes)
+{
+    Entry entry{0, sender, command, host, controller, bytes};
     std::lock_guard<std::mutex> lock(m_mutex);
     if (m_stopping || !m_file)
         return;
@@ -189,7 +235,7 @@ bool SessionRecorder::writeBatch(std::vector<Entry> &batch)
 void SessionRecorder::fail(const char *what)
 {
     const int error = errno;
-    m_on.store(false);
+    setOn(false);
     QString path;
     {
         std::lock_guard<std::mutex> lock(m_mutex);

@@ -100,7 +100,7 @@ private slots:
 
     void cleanup()
     {
-        SessionRecorder::instance().stop();
+        SessionRecorder::processWide().stop();
         connection.reset();
         delete peer;
         peer = nullptr;
@@ -110,10 +110,10 @@ private slots:
     {
         QVERIFY(open());
         const QString path = dir.filePath(QStringLiteral("both.pcap"));
-        QVERIFY(SessionRecorder::instance().start(path));
+        QVERIFY(SessionRecorder::processWide().start(path));
         int received = 0;
         QVERIFY(exchange(&received));
-        SessionRecorder::instance().stop();
+        SessionRecorder::processWide().stop();
 
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -163,12 +163,12 @@ private slots:
         QFETCH(QString, warning);
         LogCapture log("qrx.record");
         QVERIFY(open());
-        QCOMPARE(SessionRecorder::instance().start(path), opens);
+        QCOMPARE(SessionRecorder::processWide().start(path), opens);
         int received = 0;
         QVERIFY(exchange(&received));
         QCOMPARE(received, 3 * kPerThread);
-        QTRY_VERIFY_WITH_TIMEOUT(!SessionRecorder::instance().isOn(), 10000);
-        SessionRecorder::instance().stop();
+        QTRY_VERIFY_WITH_TIMEOUT(!SessionRecorder::processWide().isOn(), 10000);
+        SessionRecorder::processWide().stop();
         QCOMPARE(log.lines().size(), 1);
         QVERIFY2(log.lines().first().contains(warning), qPrintable(log.lines().first()));
         QVERIFY(log.lines().first().contains(path));
