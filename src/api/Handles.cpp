@@ -188,6 +188,21 @@ qrx_controller *qrxc_default(void)
     return kDefaultHandle;
 }
 
+int qrxc_record(qrx_controller *c, const char *path)
+{
+    const HandleCall call(c);
+    Controller *controller = call.controller();
+    if (!controller)
+        return -1;
+    if (!path || !*path)
+        return controller->record(QString(), QString(), 0) ? 0 : -1;
+    const ApiCall held(__func__);
+    Robot *robot = held.robot();
+    if (!robot)
+        return -1;
+    return controller->record(QString::fromUtf8(path), robot->link()->ip(), robot->link()->port()) ? 0 : -1;
+}
+
 void qrxc_set_message_handler(qrx_controller *c, qrxc_message_handler handler, void *user)
 {
     if (const auto controller = find(c))

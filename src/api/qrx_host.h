@@ -711,6 +711,20 @@ QRX_HOST_API int QRX_HOST_CALL qrxc_get_state(qrx_controller *c, qrx_state *out)
 typedef void (*qrxc_state_handler)(qrx_controller *c, void *user);
 QRX_HOST_API void QRX_HOST_CALL qrxc_set_state_handler(qrx_controller *c, qrxc_state_handler handler, void *user);
 
+/* Session recording of one controller: like qrx_record(), into the pcap
+ * file path, but only the frames of c's link and of its file connections
+ * (port 5000 at c's address), both directions. Each handle records on its
+ * own and at the same time as qrx_record() and QRX_RECORD, which take every
+ * link (a frame goes to every recording that takes it). A recording of c in
+ * progress ends first, its frames written; a null or empty path only ends
+ * it, and so does qrxc_close(c). The address and port are those of c's
+ * link when the recording starts (the default controller's: of its
+ * current connect_robot()). Returns 0 when recording (or stopped); -1 when
+ * path cannot be opened (one warning in "qrx.record"), for a NULL or closed
+ * handle and for the default controller before connect_robot(). A full
+ * disk ends the recording with one warning; the link goes on untouched. */
+QRX_HOST_API int QRX_HOST_CALL qrxc_record(qrx_controller *c, const char *path);
+
 /* Every function above that concerns one controller, with the handle first:
  * qrxc_<name>(c, ...) for a described function <name>, qrxc_<name>(c, ...)
  * for an extension qrx_<name>; same arguments, same results, acting on the
@@ -724,8 +738,9 @@ QRX_HOST_API void QRX_HOST_CALL qrxc_set_state_handler(qrx_controller *c, qrxc_s
  * qrx_connect_robot_port and qrx_connect_robot_within (connect_robot only) and
  * qrx_last_call_timed_out (it is the calling thread's, whatever the
  * controller), qrx_record and qrx_code_name (recording takes every link of
- * the process). The table below declares them; the library checks each row
- * against the declaration above it, so the two forms cannot drift:
+ * the process; qrxc_record, declared above, records one controller). The
+ * table below declares them; the library checks each row against the
+ * declaration above it, so the two forms cannot drift:
  *   QRXC_DESCRIBED(result, name, (parameters), (arguments)) for <name>,
  *   QRXC_EXTENSION(...) for qrx_<name>, ...0 for functions without
  *   parameters. */

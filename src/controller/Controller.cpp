@@ -2,11 +2,14 @@
 
 #include "common/Logging.h"
 #include "controller/LinkHooks.h"
+#include "link/SessionRecorder.h"
 #include "link/TcpConnectModule.h"
 #include "robot/Robot.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QHostAddress>
+#include <QHostInfo>
 #include <QObject>
 
 #include <chrono>
@@ -35,6 +38,46 @@ Controller::Controller(qrx_controller *handle, int waitBound)
 }
 
 Controller::~Controller() = default;
+
+namespace {
+
+// The controller's IPv4 address (host byte order) as its sockets see it:
+// a name is looked up; 0 when there is none.
+quint32 ipv4Of(const QString &ip)
+{
+    bool ok = false;
+    const quint32 address = QHostAddress(ip).toIPv4Address(&ok);
+    if (ok)
+        return address;
+    for (const QHostAddress &found : QHostInfo::fromName(ip).addresses()) {
+        const quint32 v4 = found.toIPv4Address(&ok);
+        if (ok)
+            return v4;
+    }
+    return 0;
+}
+
+} // namespace
+
+bool Controller::record(const QString &path, const QString &ip, quint16 port)
+{
+    std::lock_guard<std::mutex> lock(m_recordMutex);
+    if (path.isEmpty()) {
+        m_recorder.reset();
+        return true;
+    }
+    const SessionRecorder::Filter filter{ipv4Of(ip), port};
+    if (filter.address == 0) {
+        qCWarning(lcRecord, "cannot record into %s: the controller has no IPv4 address", qPrintable(path));
+        m_recorder.reset();
+        return false;
+    }
+    m_recorder = std::make_unique<SessionRecorder>(filter);
+    if (m_recorder->start(path))
+        return true;
+    m_recorder.reset();
+    return false;
+}
 
 Robot *Controller::robot() const
 {

@@ -4,7 +4,7 @@
 // reported), the Robot's jog driver, the reply counters of matched replies,
 // the link events, the host's settings for it (wait bound, matched replies,
 // link-event handler, message handlers, job root, transfer progress) and
-// the outcome of its last transfer.
+// the outcome of its last transfer, and the recording of its frames.
 //
 // The described functions act on the default controller: it exists for the
 // whole process, gets a fresh Robot from each connect_robot() that starts a
@@ -33,6 +33,8 @@ class Robot;
 struct qrx_controller; // the host's handle (qrx_host.h)
 
 namespace qrx {
+
+class SessionRecorder;
 
 namespace api {
 class JogDriver;
@@ -131,6 +133,14 @@ public:
     bool lastTransferRefused() const;
     QByteArray lastTransferError() const;
 
+    // ---- recording ----------------------------------------------------------
+    // Records the frames of the links to ip:port and ip:5000 (this
+    // controller's link and file connections), both directions, into path;
+    // a recording in progress ends first. An empty path only ends it; the
+    // recording also ends with the controller. False, with a warning
+    // ("qrx.record"), when path cannot be opened or ip has no IPv4 address.
+    bool record(const QString &path, const QString &ip, quint16 port);
+
 private:
     struct ReplyCounts;
     void hookRobot(Robot *robot);
@@ -170,6 +180,9 @@ private:
     int m_lastFailed = 0;
     bool m_lastRefused = false;
     QByteArray m_lastFailure;
+
+    std::mutex m_recordMutex;
+    std::unique_ptr<SessionRecorder> m_recorder;
 };
 
 } // namespace controller

@@ -107,6 +107,11 @@ QString TcpConnectModule::ip() const
     return d->ip();
 }
 
+quint16 TcpConnectModule::port() const
+{
+    return d->port();
+}
+
 void TcpConnectModule::setLastPingTime(QDateTime rectime)
 {
     d->setLastReceiveTime(rectime);

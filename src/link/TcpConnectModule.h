@@ -81,6 +81,8 @@ public:
     QDateTime lastReceiveTime() const;
     // The controller's address (the file connection opens port 5000 there).
     QString ip() const;
+    // The controller's port of this link.
+    quint16 port() const;
 
 public Q_SLOTS:
     void setLastPingTime(QDateTime rectime);
