@@ -126,6 +126,7 @@ _HANDLE_SIGNATURES.update({
     "qrxc_connect": ([_HANDLE], ctypes.c_int),
     "qrxc_close": ([_HANDLE], None),
     "qrxc_link_up": ([_HANDLE], ctypes.c_int),
+    "qrxc_record": ([_HANDLE, ctypes.c_char_p], ctypes.c_int),
 })
 
 

@@ -13,7 +13,7 @@ from typing import Any, Callable, Iterable, List, Optional, Sequence, Tuple, Typ
 
 from . import _library
 from ._records import MotionRecord
-from .transfer import Transfers
+from .transfer import PathLike, Transfers
 from .types import (CallTimedOut, ConnectionRefused, Coord, DigitalOut, Instruction, LinkEvent, LinkReason,
                     Mode, MotorFigures, Move, NotConnected, Refused, ServoState, Wait)
 
@@ -216,6 +216,18 @@ class Robot(Transfers):
     def timeout(self, seconds: Optional[float]) -> None:
         self._timeout_s = seconds
         self._lib.qrx_set_wait_timeout(0 if not seconds else max(1, int(round(seconds * 1000))))
+
+    def record(self, path: Optional[PathLike]) -> None:
+        """Records every frame of this Robot's link and of its file
+        transfers, both directions, into the pcap file path (read it with
+        :func:`qrx_host.recording.read`) until ``record(None)`` or close();
+        other Robots are not recorded. Raises OSError when path cannot be
+        opened or the Robot is closed."""
+        if path is None:
+            self._raw.qrxc_record(self._lib.handle, None)
+            return
+        if self._raw.qrxc_record(self._lib.handle, os.fsencode(path)) != 0:
+            raise OSError(f"cannot record into {os.fspath(path)}" + ("" if self._open else ": the Robot is closed"))
 
     @property
     def robot_type(self) -> Tuple[int, str]:

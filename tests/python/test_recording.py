@@ -1,8 +1,10 @@
 """Recorded sessions: the C demo recorded with QRX_RECORD reads back frame for
 frame as the simulated controller saw and sent them, tshark decodes the file
 with the dissector, a damaged file gives a clear error with the frames before
-the fault, qrx_record() starts, switches and stops a recording, a killed host
-keeps all but its last milliseconds, and the plot shows what it must."""
+the fault, qrx_record() starts, switches and stops a recording, a Robot's
+record() takes its own controller's frames only, beside qrx_record(), a
+killed host keeps all but its last milliseconds, and the plot shows what it
+must."""
 from __future__ import annotations
 
 import os
@@ -31,6 +33,21 @@ def traced(payload: bytes) -> str:
     """A payload as qrx-sim --verbose prints it."""
     text = payload.decode("utf-8", "replace").strip()
     return text[:TRACED_CHARS] + "..." if len(text) > TRACED_CHARS else text
+
+
+def on_the_wire(sim: Sim) -> List[Tuple[str, int, str]]:
+    """Every frame of the main link the simulator traced: (direction, code, payload text)."""
+    wire: List[Tuple[str, int, str]] = []
+    for line in sim.log.read_text().splitlines():
+        m = TRACE.match(line)
+        if m:
+            wire.append((recording.TO_CONTROLLER if m.group(1) == "<-" else recording.FROM_CONTROLLER,
+                         int(m.group(2), 16), m.group(3).strip()))
+    return wire
+
+
+def main_link(frames: List[recording.Frame]) -> List[Tuple[str, int, str]]:
+    return [(f.direction, f.code, traced(f.payload)) for f in frames if not f.file_connection]
 
 
 class Demo:
@@ -66,13 +83,8 @@ def demo(tmp_path_factory: pytest.TempPathFactory) -> Iterator[Demo]:
 
 def test_demo_recording_reads_back_frame_for_frame(demo: Demo) -> None:
     assert demo.result.returncode == 0, demo.result.stdout + demo.result.stderr
-    wire: List[Tuple[str, int, str]] = []
-    for line in demo.sim.log.read_text().splitlines():
-        m = TRACE.match(line)
-        if m:
-            wire.append((recording.TO_CONTROLLER if m.group(1) == "<-" else recording.FROM_CONTROLLER,
-                         int(m.group(2), 16), m.group(3).strip()))
-    recorded = [(f.direction, f.code, traced(f.payload)) for f in demo.frames if not f.file_connection]
+    wire = on_the_wire(demo.sim)
+    recorded = main_link(demo.frames)
     for direction in (recording.TO_CONTROLLER, recording.FROM_CONTROLLER):
         assert [r for r in recorded if r[0] == direction] == [w for w in wire if w[0] == direction], direction
     assert len(recorded) > 100
@@ -167,6 +179,85 @@ def test_qrx_record_starts_switches_and_stops(sim: Sim, tmp_path: Path) -> None:
     assert [f.json for f in two if f.name == "SetSpeed"][0]["speed"] == 42
     assert "GetCoordinationMode" not in [f.name for f in one + two]
     assert lib.qrx_record(str(tmp_path / "no" / "such" / "folder.pcap").encode()) == -1
+
+
+def _addresses(pcap: Path) -> set:
+    """The IPv4 addresses of every packet in a recording (raw IP records)."""
+    data, found, at = pcap.read_bytes(), set(), 24
+    while at < len(data):
+        size = struct.unpack("<I", data[at + 8:at + 12])[0]
+        found |= {".".join(map(str, data[at + 16 + i:at + 20 + i])) for i in (12, 16)}
+        at += 16 + size
+    return found
+
+
+def _within(part: List[Tuple[str, int, str]], whole: List[Tuple[str, int, str]]) -> bool:
+    """Whether part is a run of whole's consecutive frames, each direction on its own."""
+    for direction in (recording.TO_CONTROLLER, recording.FROM_CONTROLLER):
+        mine = [f for f in part if f[0] == direction]
+        all_ = [f for f in whole if f[0] == direction]
+        if not any(all_[i:i + len(mine)] == mine for i in range(len(all_) - len(mine) + 1)):
+            return False
+    return True
+
+
+def test_robot_record_takes_its_controller_only(tmp_path: Path, capfd: pytest.CaptureFixture) -> None:
+    lib = _library.library()
+    sims, jobs = [], []
+    for name in ("one", "two"):
+        jobs.append(tmp_path / name / "controller")
+        jobs[-1].mkdir(parents=True)
+        sims.append(Sim(next_address(), options=["--job-dir", str(jobs[-1])]))
+        sims[-1].start()
+    mine, everything = tmp_path / "mine.pcap", tmp_path / "all.pcap"
+    try:
+        with qrx_host.Robot(sims[0].address, timeout=5.0) as one, \
+                qrx_host.Robot(sims[1].address, timeout=5.0) as two:
+            one.jog_speed = 7  # before: not recorded
+            assert lib.qrx_record(str(everything).encode()) == 0
+            one.record(mine)
+            for robot, speed, name in ((one, 42, "one"), (two, 17, "two")):
+                robot.jog_speed = speed
+                assert robot.jog_speed == speed
+                job = tmp_path / name / "host" / "robotJob" / "R1" / "A.JBR"
+                job.parent.mkdir(parents=True)
+                job.write_bytes(name.encode() * 1500)  # three chunks
+                robot.upload_jobs(root=tmp_path / name / "host")
+            one.record(None)
+            one.jog_speed = 43  # after: not in mine
+            assert one.jog_speed == 43
+            capfd.readouterr()
+            with pytest.raises(OSError, match="cannot record into"):
+                one.record(tmp_path / "no" / "such" / "folder.pcap")
+            assert capfd.readouterr().err.count("cannot record into") == 1
+            assert lib.qrx_record(None) == 0
+        closed = tmp_path / "closed.pcap"
+        with pytest.raises(OSError, match="closed"):
+            one.record(closed)
+        assert lib.qrxc_record(None, str(closed).encode()) == -1
+        assert not closed.exists()
+
+        frames = recording.read(str(mine))
+        assert sims[1].address not in _addresses(mine) and sims[0].address in _addresses(mine)
+        speeds = [f.json["speed"] for f in frames if f.name == "SetSpeed"]
+        assert speeds == [42]
+        # Every frame of the main link between start and stop, both directions.
+        assert wait_for(lambda: _within(main_link(frames), on_the_wire(sims[0])), 20), main_link(frames)
+        assert {f.direction for f in frames if not f.file_connection} == {recording.TO_CONTROLLER,
+                                                                          recording.FROM_CONTROLLER}
+        # The file connection of the upload, both directions, every chunk.
+        files = [f for f in frames if f.file_connection]
+        assert b"".join(f.payload for f in files if f.name == "UploadChunk") == b"one" * 1500
+        assert {f.direction for f in files} == {recording.TO_CONTROLLER, recording.FROM_CONTROLLER}
+        # qrx_record at the same time took both controllers.
+        both = recording.read(str(everything))
+        assert {sims[0].address, sims[1].address} <= _addresses(everything)
+        assert sorted(f.json["speed"] for f in both if f.name == "SetSpeed") == [17, 42, 43]
+        assert b"".join(f.payload for f in both if f.name == "UploadChunk") == b"one" * 1500 + b"two" * 1500
+    finally:
+        for sim in sims:
+            sim.stop()
+            sim.log.unlink()
 
 
 def test_plot_shows_joints_states_and_the_error(sim: Sim, tmp_path: Path) -> None:
