@@ -216,16 +216,17 @@ def test_robot_record_takes_its_controller_only(tmp_path: Path, capfd: pytest.Ca
             one.jog_speed = 7  # before: not recorded
             assert lib.qrx_record(str(everything).encode()) == 0
             one.record(mine)
-            for robot, speed, name in ((one, 42, "one"), (two, 17, "two")):
-                robot.jog_speed = speed
-                assert robot.jog_speed == speed
+            for robot, speeds, name in ((one, range(40, 50), "one"), (two, range(10, 20), "two")):
+                for speed in speeds:
+                    robot.jog_speed = speed
+                    assert robot.jog_speed == speed
                 job = tmp_path / name / "host" / "robotJob" / "R1" / "A.JBR"
                 job.parent.mkdir(parents=True)
                 job.write_bytes(name.encode() * 1500)  # three chunks
                 robot.upload_jobs(root=tmp_path / name / "host")
             one.record(None)
-            one.jog_speed = 43  # after: not in mine
-            assert one.jog_speed == 43
+            one.jog_speed = 50  # after: not in mine
+            assert one.jog_speed == 50
             capfd.readouterr()
             with pytest.raises(OSError, match="cannot record into"):
                 one.record(tmp_path / "no" / "such" / "folder.pcap")
@@ -240,7 +241,7 @@ def test_robot_record_takes_its_controller_only(tmp_path: Path, capfd: pytest.Ca
         frames = recording.read(str(mine))
         assert sims[1].address not in _addresses(mine) and sims[0].address in _addresses(mine)
         speeds = [f.json["speed"] for f in frames if f.name == "SetSpeed"]
-        assert speeds == [42]
+        assert speeds == list(range(40, 50))
         # Every frame of the main link between start and stop, both directions.
         assert wait_for(lambda: _within(main_link(frames), on_the_wire(sims[0])), 20), main_link(frames)
         assert {f.direction for f in frames if not f.file_connection} == {recording.TO_CONTROLLER,
@@ -252,7 +253,7 @@ def test_robot_record_takes_its_controller_only(tmp_path: Path, capfd: pytest.Ca
         # qrx_record at the same time took both controllers.
         both = recording.read(str(everything))
         assert {sims[0].address, sims[1].address} <= _addresses(everything)
-        assert sorted(f.json["speed"] for f in both if f.name == "SetSpeed") == [17, 42, 43]
+        assert sorted(f.json["speed"] for f in both if f.name == "SetSpeed") == list(range(10, 20)) + list(range(40, 51))
         assert b"".join(f.payload for f in both if f.name == "UploadChunk") == b"one" * 1500 + b"two" * 1500
     finally:
         for sim in sims:
