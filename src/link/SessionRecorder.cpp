@@ -64,8 +64,10 @@ struct Registry
 
 Registry &registry()
 {
-    static Registry all;
-    return all;
+    // Never destroyed: the recorder of a handle a host left open ends while
+    // the process exits, after the statics made later than the handle.
+    static Registry *const all = new Registry;
+    return *all;
 }
 
 } // namespace
