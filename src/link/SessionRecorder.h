@@ -79,7 +79,6 @@ public:
     SessionRecorder &operator=(const SessionRecorder &) = delete;
 
 private:
-
     struct Entry
     {
         qint64 timeUs;
