@@ -181,9 +181,10 @@ private:
                             .arg(m_packet)
                             .arg(ahead)
                             .arg(senderName(sender))};
-        if (-ahead >= bytes.size())
+        const qint64 behind = -qint64(ahead);
+        if (behind >= bytes.size())
             return; // a retransmission of bytes already read
-        bytes.remove(0, -ahead);
+        bytes.remove(0, int(behind));
         side.nextSeq += quint32(bytes.size());
         side.bytes += bytes;
         frames(stream, sender, side.bytes);
