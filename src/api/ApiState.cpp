@@ -84,7 +84,19 @@ void freeRobot(Robot *robot)
     if (home == QThread::currentThread()) {
         delete robot;
     } else if (g_appContext && home == g_appContext->thread() && !g_appEnding.load()) {
-        QMetaObject::invokeMethod(g_appContext, [robot] { delete robot; }, Qt::BlockingQueuedConnection);
+        // What this thread did with the Robot comes before its end there, and
+        // all that thread did for it before this thread goes on.
+        const int handOver = 0;
+        qrx::handOff(&handOver);
+        QMetaObject::invokeMethod(
+            g_appContext,
+            [robot, &handOver] {
+                qrx::takeOver(&handOver);
+                delete robot;
+                qrx::handOff(&handOver);
+            },
+            Qt::BlockingQueuedConnection);
+        qrx::takeOver(&handOver);
     } else {
         robot->link()->shutdown();
         robot->deleteLater();

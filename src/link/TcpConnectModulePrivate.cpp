@@ -74,7 +74,7 @@ void TcpConnectModulePrivate::shutdown()
 {
     m_connection.setState(State::Closing);
     if (m_ioThread) {
-        QObject *context = m_ioContext;
+        QObject *context = m_ioContext.load(std::memory_order_acquire);
         if (!context)
             return;
         // Writes and closes queued before this are done first, in order.
@@ -106,7 +106,7 @@ void TcpConnectModulePrivate::shutdown()
 
 void TcpConnectModulePrivate::setUp(QObject *context)
 {
-    m_ioContext = context;
+    m_ioContext.store(context, std::memory_order_release);
     m_checkTimer.reset(new QTimer);
     connect(m_checkTimer.data(), &QTimer::timeout, this, &TcpConnectModulePrivate::onTcpSocketCheck,
             Qt::DirectConnection);
@@ -134,8 +134,8 @@ void TcpConnectModulePrivate::tearDown()
         m_timeoutTimer.reset();
         m_connection.release();
     }
-    m_ioContext->deleteLater();
-    m_ioContext = nullptr;
+    m_ioContext.load(std::memory_order_relaxed)->deleteLater();
+    m_ioContext.store(nullptr, std::memory_order_release);
 }
 
 void TcpConnectModulePrivate::run()

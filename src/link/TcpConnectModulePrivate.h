@@ -127,7 +127,10 @@ private:
     std::atomic<int> m_receiveTimeoutMs{kReceiveTimeoutSecs * 1000};
     std::atomic<bool> m_runEnded{false}; // set last in run(); read after the join
     QThread *m_ioThread = nullptr;       // the shared thread serving the link, or null
-    QObject *m_ioContext = nullptr;      // the link's object in that thread while set up
+    // The link's object in that thread while set up. Set and cleared in that
+    // thread; read by whichever thread shuts the link down, possibly after a
+    // hand-over through Qt's event queue, which ThreadSanitizer cannot see.
+    std::atomic<QObject *> m_ioContext{nullptr};
     std::atomic<qint64> m_attemptStartMs{0}; // a shared thread's connect attempt began (ms since the epoch)
 
 };
