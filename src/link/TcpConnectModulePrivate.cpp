@@ -22,7 +22,7 @@ using qrx::FramedConnection;
 
 TcpConnectModulePrivate::TcpConnectModulePrivate(const QString &ip, quint16 port, int timeBase,
                                                  QObject *parent)
-    : QThread(parent)
+    : QObject(parent)
     , m_ip(ip)
     , m_port(port)
     , m_timeBase(timeBase)
@@ -45,7 +45,7 @@ TcpConnectModulePrivate::~TcpConnectModulePrivate()
 
 void TcpConnectModulePrivate::startLink()
 {
-    if (isRunning() || m_ioContext || state() == State::Closing)
+    if ((m_ownThread && m_ownThread->isRunning()) || m_ioContext || state() == State::Closing)
         return;
     m_connectTime = secondsSinceEpoch();
     if (m_ioThread) {
@@ -66,7 +66,8 @@ void TcpConnectModulePrivate::startLink()
     }
     std::unique_lock<std::mutex> lock(m_startedMutex);
     m_started = false;
-    start(QThread::InheritPriority);
+    m_ownThread.reset(QThread::create([this] { run(); }));
+    m_ownThread->start(QThread::InheritPriority);
     m_startedCondition.wait(lock, [this] { return m_started; });
 }
 
@@ -94,10 +95,12 @@ void TcpConnectModulePrivate::shutdown()
         qrx::takeOver(this);
         return;
     }
+    if (!m_ownThread)
+        return;
     // QThread::quit ends every event loop running in the thread, the nested
     // one of a connect attempt included.
-    quit();
-    wait();
+    m_ownThread->quit();
+    m_ownThread->wait();
     // QThread::wait orders the end of run() before this point, but inside Qt,
     // where ThreadSanitizer cannot see it; this acquire pairs with the
     // release that ends run(), so what run() tore down is seen as done.

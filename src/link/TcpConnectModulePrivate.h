@@ -1,7 +1,8 @@
 #pragma once
-// The link thread behind TcpConnectModule: the controller link's policy on
-// top of one FramedConnection. The thread owns the two timers and runs its
-// own event loop; the connection's socket lives there too.
+// The link behind TcpConnectModule: the controller link's policy on top of
+// one FramedConnection, served by a thread of its own (made when the link
+// starts) that owns the two timers and runs its own event loop; the
+// connection's socket lives there too.
 //
 //  - every timeBase/180 ms the check opens a new socket when the connection
 //    waits to connect, or sends the heartbeat 0x7266 {"time": seconds since
@@ -17,7 +18,11 @@
 // A link may instead be served by one of the library's shared I/O threads
 // (setIoThread before startLink): the same timers and connection live there,
 // beside those of other links; a connect attempt does not block that thread
-// (the check gives the attempt up after kConnectWaitMs instead).
+// (the check gives the attempt up after kConnectWaitMs instead). Such a link
+// makes no thread object at all: destroying one (even one that never ran)
+// on the library's application thread, once the thread Qt took for its main
+// thread has ended, makes Qt forget that thread's event data, and nothing
+// posted to it runs any more.
 
 #include "link/FramedConnection.h"
 #include "protocol/Codes.h"
@@ -30,9 +35,10 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 
-class TcpConnectModulePrivate : public QThread
+class TcpConnectModulePrivate : public QObject
 {
     Q_OBJECT
 public:
@@ -95,10 +101,9 @@ public Q_SLOTS:
     void onCheckHeartBeat();
     void TcpSocketError(QAbstractSocket::SocketError error);
 
-protected:
-    void run() override;
-
 private:
+    // The own thread's body (a link not on a shared thread).
+    void run();
     // The link's objects in the thread that serves it (context: an object
     // of that thread for the connection's queued work); undone by tearDown.
     void setUp(QObject *context);
@@ -126,6 +131,7 @@ private:
     std::atomic<uint> m_connectTime{0};
     std::atomic<int> m_receiveTimeoutMs{kReceiveTimeoutSecs * 1000};
     std::atomic<bool> m_runEnded{false}; // set last in run(); read after the join
+    std::unique_ptr<QThread> m_ownThread; // the thread of its own, once started
     QThread *m_ioThread = nullptr;       // the shared thread serving the link, or null
     QObject *m_ioContext = nullptr;      // the link's object in that thread while set up
     std::atomic<qint64> m_attemptStartMs{0}; // a shared thread's connect attempt began (ms since the epoch)
