@@ -3,6 +3,7 @@
 #include "common/CompactJson.h"
 #include "common/HandOver.h"
 #include "common/Logging.h"
+#include "link/IoThreads.h"
 
 #include <QCoreApplication>
 #include <QTime>
@@ -45,7 +46,7 @@ TcpConnectModulePrivate::~TcpConnectModulePrivate()
 
 void TcpConnectModulePrivate::startLink()
 {
-    if ((m_ownThread && m_ownThread->isRunning()) || m_ioContext || state() == State::Closing)
+    if (m_ownThread.load() || m_ioContext || state() == State::Closing)
         return;
     m_connectTime = secondsSinceEpoch();
     if (m_ioThread) {
@@ -66,8 +67,9 @@ void TcpConnectModulePrivate::startLink()
     }
     std::unique_lock<std::mutex> lock(m_startedMutex);
     m_started = false;
-    m_ownThread.reset(QThread::create([this] { run(); }));
-    m_ownThread->start(QThread::InheritPriority);
+    QThread *thread = qrx::takeLinkThread([this] { run(); });
+    m_ownThread.store(thread);
+    thread->start(QThread::InheritPriority);
     m_startedCondition.wait(lock, [this] { return m_started; });
 }
 
@@ -95,12 +97,14 @@ void TcpConnectModulePrivate::shutdown()
         qrx::takeOver(this);
         return;
     }
-    if (!m_ownThread)
+    QThread *thread = m_ownThread.exchange(nullptr);
+    if (!thread)
         return;
     // QThread::quit ends every event loop running in the thread, the nested
     // one of a connect attempt included.
-    m_ownThread->quit();
-    m_ownThread->wait();
+    thread->quit();
+    thread->wait();
+    qrx::giveBackLinkThread(thread);
     // QThread::wait orders the end of run() before this point, but inside Qt,
     // where ThreadSanitizer cannot see it; this acquire pairs with the
     // release that ends run(), so what run() tore down is seen as done.

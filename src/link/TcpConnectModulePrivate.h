@@ -1,7 +1,7 @@
 #pragma once
 // The link behind TcpConnectModule: the controller link's policy on top of
-// one FramedConnection, served by a thread of its own (made when the link
-// starts) that owns the two timers and runs its own event loop; the
+// one FramedConnection, served by a thread of its own (taken when the link
+// starts, given back when it ends: qrx::takeLinkThread) that owns the two timers and runs its own event loop; the
 // connection's socket lives there too.
 //
 //  - every timeBase/180 ms the check opens a new socket when the connection
@@ -18,11 +18,8 @@
 // A link may instead be served by one of the library's shared I/O threads
 // (setIoThread before startLink): the same timers and connection live there,
 // beside those of other links; a connect attempt does not block that thread
-// (the check gives the attempt up after kConnectWaitMs instead). Such a link
-// makes no thread object at all: destroying one (even one that never ran)
-// on the library's application thread, once the thread Qt took for its main
-// thread has ended, makes Qt forget that thread's event data, and nothing
-// posted to it runs any more.
+// (the check gives the attempt up after kConnectWaitMs instead). No link
+// destroys a thread object (see takeLinkThread).
 
 #include "link/FramedConnection.h"
 #include "protocol/Codes.h"
@@ -35,7 +32,6 @@
 
 #include <atomic>
 #include <condition_variable>
-#include <memory>
 #include <mutex>
 
 class TcpConnectModulePrivate : public QObject
@@ -131,7 +127,7 @@ private:
     std::atomic<uint> m_connectTime{0};
     std::atomic<int> m_receiveTimeoutMs{kReceiveTimeoutSecs * 1000};
     std::atomic<bool> m_runEnded{false}; // set last in run(); read after the join
-    std::unique_ptr<QThread> m_ownThread; // the thread of its own, once started
+    std::atomic<QThread *> m_ownThread{nullptr}; // the thread of its own while taken
     QThread *m_ioThread = nullptr;       // the shared thread serving the link, or null
     QObject *m_ioContext = nullptr;      // the link's object in that thread while set up
     std::atomic<qint64> m_attemptStartMs{0}; // a shared thread's connect attempt began (ms since the epoch)

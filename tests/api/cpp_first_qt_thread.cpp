@@ -3,7 +3,8 @@
 // takes that thread for its main thread; the thread then ends. Handles to
 // an address where nothing listens are then opened and closed, beside live
 // controllers, from several threads: every open must come back within its
-// bound, and the live links must still be reported up. (Before the fix, the
+// bound, and the live links must still be reported up; so must the default
+// controller's, connected and disconnected twice after them. (Before the fix, the
 // first failed open after the thread ended left the library's application
 // thread deaf: the next open waited for it for ever.)
 // qrx-sim --count 2 listens on the address given and the next one; nothing
@@ -99,6 +100,14 @@ int main(int argc, char **argv)
     }
     for (std::thread &t : threads)
         t.join();
+    // The default controller's link, on a thread of its own, twice over.
+    for (int round = 0; round < 2; ++round) {
+        if (connect_robot(argv[1]) != 1) {
+            std::fprintf(stderr, "round %d: connect_robot(%s) failed\n", round, argv[1]);
+            ++failures;
+        }
+        disconnect_robot();
+    }
     std::fprintf(stderr, "%d failure(s)\n", failures.load());
     return failures.load() == 0 ? 0 : 1;
 }
