@@ -4,6 +4,9 @@
 
 #include <array>
 #include <atomic>
+#include <mutex>
+#include <utility>
+#include <vector>
 
 namespace qrx {
 
@@ -27,6 +30,18 @@ std::array<QThread *, kIoThreads> &ioThreads()
 
 std::atomic<bool> g_started{false};
 
+class LinkThread : public QThread
+{
+public:
+    std::function<void()> body;
+
+protected:
+    void run() override { body(); }
+};
+
+std::mutex g_linkThreadsMutex;
+std::vector<LinkThread *> g_finishedLinkThreads;
+
 } // namespace
 
 QThread *sharedIoThread()
@@ -47,6 +62,30 @@ bool onSharedIoThread()
             return true;
     }
     return false;
+}
+
+QThread *takeLinkThread(std::function<void()> body)
+{
+    LinkThread *thread = nullptr;
+    {
+        std::lock_guard<std::mutex> lock(g_linkThreadsMutex);
+        if (!g_finishedLinkThreads.empty()) {
+            thread = g_finishedLinkThreads.back();
+            g_finishedLinkThreads.pop_back();
+        }
+    }
+    if (!thread)
+        thread = new LinkThread;
+    thread->body = std::move(body);
+    return thread;
+}
+
+void giveBackLinkThread(QThread *thread)
+{
+    auto *linkThread = static_cast<LinkThread *>(thread);
+    linkThread->body = nullptr;
+    std::lock_guard<std::mutex> lock(g_linkThreadsMutex);
+    g_finishedLinkThreads.push_back(linkThread);
 }
 
 } // namespace qrx

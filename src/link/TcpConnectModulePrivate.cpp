@@ -3,6 +3,7 @@
 #include "common/CompactJson.h"
 #include "common/HandOver.h"
 #include "common/Logging.h"
+#include "link/IoThreads.h"
 
 #include <QCoreApplication>
 #include <QTime>
@@ -22,7 +23,7 @@ using qrx::FramedConnection;
 
 TcpConnectModulePrivate::TcpConnectModulePrivate(const QString &ip, quint16 port, int timeBase,
                                                  QObject *parent)
-    : QThread(parent)
+    : QObject(parent)
     , m_ip(ip)
     , m_port(port)
     , m_timeBase(timeBase)
@@ -45,7 +46,7 @@ TcpConnectModulePrivate::~TcpConnectModulePrivate()
 
 void TcpConnectModulePrivate::startLink()
 {
-    if (isRunning() || m_ioContext || state() == State::Closing)
+    if (m_ownThread.load() || m_ioContext || state() == State::Closing)
         return;
     m_connectTime = secondsSinceEpoch();
     if (m_ioThread) {
@@ -66,7 +67,9 @@ void TcpConnectModulePrivate::startLink()
     }
     std::unique_lock<std::mutex> lock(m_startedMutex);
     m_started = false;
-    start(QThread::InheritPriority);
+    QThread *thread = qrx::takeLinkThread([this] { run(); });
+    m_ownThread.store(thread);
+    thread->start(QThread::InheritPriority);
     m_startedCondition.wait(lock, [this] { return m_started; });
 }
 
@@ -94,10 +97,14 @@ void TcpConnectModulePrivate::shutdown()
         qrx::takeOver(this);
         return;
     }
+    QThread *thread = m_ownThread.exchange(nullptr);
+    if (!thread)
+        return;
     // QThread::quit ends every event loop running in the thread, the nested
     // one of a connect attempt included.
-    quit();
-    wait();
+    thread->quit();
+    thread->wait();
+    qrx::giveBackLinkThread(thread);
     // QThread::wait orders the end of run() before this point, but inside Qt,
     // where ThreadSanitizer cannot see it; this acquire pairs with the
     // release that ends run(), so what run() tore down is seen as done.

@@ -1,7 +1,8 @@
 #pragma once
-// The link thread behind TcpConnectModule: the controller link's policy on
-// top of one FramedConnection. The thread owns the two timers and runs its
-// own event loop; the connection's socket lives there too.
+// The link behind TcpConnectModule: the controller link's policy on top of
+// one FramedConnection, served by a thread of its own (taken when the link
+// starts, given back when it ends: qrx::takeLinkThread) that owns the two timers and runs its own event loop; the
+// connection's socket lives there too.
 //
 //  - every timeBase/180 ms the check opens a new socket when the connection
 //    waits to connect, or sends the heartbeat 0x7266 {"time": seconds since
@@ -17,7 +18,8 @@
 // A link may instead be served by one of the library's shared I/O threads
 // (setIoThread before startLink): the same timers and connection live there,
 // beside those of other links; a connect attempt does not block that thread
-// (the check gives the attempt up after kConnectWaitMs instead).
+// (the check gives the attempt up after kConnectWaitMs instead). No link
+// destroys a thread object (see takeLinkThread).
 
 #include "link/FramedConnection.h"
 #include "protocol/Codes.h"
@@ -32,7 +34,7 @@
 #include <condition_variable>
 #include <mutex>
 
-class TcpConnectModulePrivate : public QThread
+class TcpConnectModulePrivate : public QObject
 {
     Q_OBJECT
 public:
@@ -95,10 +97,9 @@ public Q_SLOTS:
     void onCheckHeartBeat();
     void TcpSocketError(QAbstractSocket::SocketError error);
 
-protected:
-    void run() override;
-
 private:
+    // The own thread's body (a link not on a shared thread).
+    void run();
     // The link's objects in the thread that serves it (context: an object
     // of that thread for the connection's queued work); undone by tearDown.
     void setUp(QObject *context);
@@ -126,6 +127,7 @@ private:
     std::atomic<uint> m_connectTime{0};
     std::atomic<int> m_receiveTimeoutMs{kReceiveTimeoutSecs * 1000};
     std::atomic<bool> m_runEnded{false}; // set last in run(); read after the join
+    std::atomic<QThread *> m_ownThread{nullptr}; // the thread of its own while taken
     QThread *m_ioThread = nullptr;       // the shared thread serving the link, or null
     // The link's object in that thread while set up. Set and cleared in that
     // thread; read by whichever thread shuts the link down, possibly after a
