@@ -7,7 +7,8 @@ find_program(QRX_GZIP gzip)
 set(QRX_MANPAGES
   "qrx|drive a robot controller from a terminal, one command at a time"
   "qrx-sim|a simulated robot controller for qrx_host"
-  "qrx-job|check, format, upgrade and convert job files")
+  "qrx-job|check, format, upgrade and convert job files"
+  "qrx-bridge|put the robot controllers of a cell on an MQTT broker")
 if(QRX_HELP2MAN AND QRX_GZIP)
   set(pages "")
   foreach(entry ${QRX_MANPAGES})
