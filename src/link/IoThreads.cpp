@@ -74,8 +74,10 @@ QThread *takeLinkThread(std::function<void()> body)
             g_finishedLinkThreads.pop_back();
         }
     }
-    if (!thread)
+    if (!thread) {
         thread = new LinkThread;
+        thread->setObjectName(QStringLiteral("qrx link")); // its name in ps, gdb and /proc
+    }
     thread->body = std::move(body);
     return thread;
 }

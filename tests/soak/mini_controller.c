@@ -206,7 +206,7 @@ static int linkThreads(void)
         comm = fopen(path, "r");
         if (!comm)
             continue;
-        if (fgets(name, sizeof name, comm) && strncmp(name, "TcpConnectModul", 15) == 0)
+        if (fgets(name, sizeof name, comm) && strncmp(name, "qrx link", 8) == 0)
             ++n;
         fclose(comm);
     }

@@ -13,7 +13,7 @@ int mini_controller_accepted(void);
 int mini_controller_frames(unsigned code);
 
 /* Waits (up to seconds) until the controller holds no client and no link
- * thread of the library (named after TcpConnectModulePrivate) is still
+ * thread of the library ("qrx link") is still
  * ending; 0 when that was not reached. */
 int settle(double seconds);
 
