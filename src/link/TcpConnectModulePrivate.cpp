@@ -111,9 +111,10 @@ void TcpConnectModulePrivate::shutdown()
     (void)m_runEnded.load(std::memory_order_acquire);
 }
 
-void TcpConnectModulePrivate::setUp(QObject *context)
+// In the link's thread: the check and time-out timers, and the close that a
+// host thread asks for, run there.
+void TcpConnectModulePrivate::startTimers()
 {
-    m_ioContext.store(context, std::memory_order_release);
     m_checkTimer.reset(new QTimer);
     connect(m_checkTimer.data(), &QTimer::timeout, this, &TcpConnectModulePrivate::onTcpSocketCheck,
             Qt::DirectConnection);
@@ -124,6 +125,12 @@ void TcpConnectModulePrivate::setUp(QObject *context)
     m_timeoutTimer->start(qMax(1, m_timeBase / 150));
     connect(this, &TcpConnectModulePrivate::closeCurrentSocket, this,
             &TcpConnectModulePrivate::closeCurrentSocketInNowThread, Qt::DirectConnection);
+}
+
+void TcpConnectModulePrivate::setUp(QObject *context)
+{
+    m_ioContext.store(context, std::memory_order_release);
+    startTimers();
     m_connection.setContext(context);
     m_connection.setState(State::WaitingToConnect);
     // The first attempt starts at once, not a whole check interval later.
@@ -148,17 +155,7 @@ void TcpConnectModulePrivate::tearDown()
 void TcpConnectModulePrivate::run()
 {
     m_eventLoop.reset(new QEventLoop);
-    m_checkTimer.reset(new QTimer);
-    connect(m_checkTimer.data(), &QTimer::timeout, this, &TcpConnectModulePrivate::onTcpSocketCheck,
-            Qt::DirectConnection);
-    m_checkTimer->start(qMax(1, m_timeBase / 180));
-    m_timeoutTimer.reset(new QTimer);
-    connect(m_timeoutTimer.data(), &QTimer::timeout, this, &TcpConnectModulePrivate::onCheckHeartBeat,
-            Qt::DirectConnection);
-    m_timeoutTimer->start(qMax(1, m_timeBase / 150));
-
-    connect(this, &TcpConnectModulePrivate::closeCurrentSocket, this,
-            &TcpConnectModulePrivate::closeCurrentSocketInNowThread, Qt::DirectConnection);
+    startTimers();
     m_connection.setContext(m_eventLoop.data());
 
     m_connection.setState(State::WaitingToConnect);

@@ -102,6 +102,7 @@ private:
     void run();
     // The link's objects in the thread that serves it (context: an object
     // of that thread for the connection's queued work); undone by tearDown.
+    void startTimers();
     void setUp(QObject *context);
     void tearDown();
     void route(quint16 command, const QByteArray &payload);
