@@ -168,16 +168,19 @@ def test_qrx_record_starts_switches_and_stops(sim: Sim, tmp_path: Path) -> None:
     first, second = tmp_path / "first.pcap", tmp_path / "second.pcap"
     assert lib.qrx_record(str(first).encode()) == 0
     with qrx_host.Robot(sim.address, timeout=5.0) as robot:
-        robot.mode  # noqa: B018 (a query: 0x2102 -> 0x2103)
+        # A query whose reply the controller does not also send unasked at
+        # link-up (its mode report could answer a mode query before the
+        # query itself is on the wire).
+        robot.coord  # noqa: B018 (a query: 0x2202 -> 0x2203)
         assert lib.qrx_record(str(second).encode()) == 0
         robot.jog_speed = 42
         assert robot.jog_speed == 42  # the setting is on the wire before the answer
         assert lib.qrx_record(None) == 0
-        robot.coord  # noqa: B018 (not recorded)
+        robot.mode  # noqa: B018 (not recorded)
     one, two = recording.read(str(first)), recording.read(str(second))
-    assert "GetOperationMode" in [f.name for f in one]
+    assert "GetCoordinationMode" in [f.name for f in one]
     assert [f.json for f in two if f.name == "SetSpeed"][0]["speed"] == 42
-    assert "GetCoordinationMode" not in [f.name for f in one + two]
+    assert "GetOperationMode" not in [f.name for f in one + two]
     assert lib.qrx_record(str(tmp_path / "no" / "such" / "folder.pcap").encode()) == -1
 
 
