@@ -11,6 +11,7 @@
 #include "common/Logging.h"
 #include "dialogs/AboutDialog.h"
 #include "dialogs/CalibrationDialog.h"
+#include "dialogs/DialogKit.h"
 #include "dialogs/JogPanel.h"
 #include "dialogs/QWinWidget.h"
 
@@ -57,6 +58,7 @@ QDialog *create(Kind kind)
 QString openInGuiThread(Kind kind, WId parent)
 {
     initDialogResources();
+    qrx::dialogs::setRobotSource(&qrx::api::apiRobot);
     if (g_open[kind])
         delete g_open[kind].data(); // shown again, in the window asked for now
     QDialog *dialog = create(kind);

@@ -1,9 +1,12 @@
 #include "dialogs/DialogKit.h"
 
-#include "api/ApiState.h"
+#include "common/CompactJson.h"
+#include "robot/Robot.h"
 
 #include <QCoreApplication>
 #include <QPushButton>
+
+#include <atomic>
 
 namespace qrx::dialogs {
 
@@ -41,9 +44,33 @@ QString textOf(const char *const (&table)[N], int index)
 
 } // namespace
 
+namespace {
+std::atomic<RobotSource> g_source{nullptr};
+} // namespace
+
+void setRobotSource(RobotSource source)
+{
+    g_source.store(source);
+}
+
+Robot *currentRobot()
+{
+    const RobotSource source = g_source.load();
+    return source ? source() : nullptr;
+}
+
+void queryAboutCurrentRobot(Robot *robot, quint16 code, int coord)
+{
+    Json::Value request(Json::objectValue);
+    request["robot"] = robot->currentRobot();
+    if (coord >= 0)
+        request["coord"] = coord;
+    robot->send(code, jsonPayload(request));
+}
+
 Robot *connectedRobot()
 {
-    Robot *robot = api::apiRobot();
+    Robot *robot = currentRobot();
     return robot && !robot->isClosed() && robot->connected.load() ? robot : nullptr;
 }
 

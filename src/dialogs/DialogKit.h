@@ -3,15 +3,28 @@
 // buttons, and whether a controller is there to talk to.
 
 #include <QString>
+#include <QtGlobal>
 
 class QPushButton;
 class Robot;
 
 namespace qrx::dialogs {
 
-// The Robot of the host API when its link is up, else null. Calls that wait
-// for a reply are made only with a connected Robot.
+// Where the dialogs find the Robot they show: the host API sets it (the
+// dialogs know nothing of the API's state), and asks again at each use, as
+// the Robot changes with each connect.
+using RobotSource = Robot *(*)();
+void setRobotSource(RobotSource source);
+
+// The Robot of the host API (null when there is none).
+Robot *currentRobot();
+// The same when its link is up, else null. Calls that wait for a reply are
+// made only with a connected Robot.
 Robot *connectedRobot();
+
+// Sends a query about the robot the controller currently addresses:
+// {"robot": n} and, when coord is not negative, "coord".
+void queryAboutCurrentRobot(Robot *robot, quint16 code, int coord = -1);
 
 // Servo state, operation mode and coordinate system in words (translated in
 // the DialogKit context).

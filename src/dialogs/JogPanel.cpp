@@ -1,8 +1,8 @@
 #include "dialogs/JogPanel.h"
 
-#include "api/ApiState.h"
 #include "api/qrx_host.h"
 #include "dialogs/DialogKit.h"
+#include "protocol/Codes.h"
 #include "robot/Robot.h"
 
 #include <QComboBox>
@@ -23,9 +23,7 @@ namespace {
 
 constexpr int kServoRunning = 3;
 constexpr int kRefreshMs = 300;   // live state and position
-constexpr quint16 kPositionQuery = 0x2F07;
-constexpr quint16 kSpeedQuery = 0x2602;
-constexpr quint16 kCoordQuery = 0x2202;
+using namespace qrx::protocol::code;
 
 } // namespace
 
@@ -68,12 +66,12 @@ JogPanel::JogPanel(QWidget *parent)
     layout->addWidget(m_message);
 
     retranslate();
-    Robot *robot = qrx::api::apiRobot();
+    Robot *robot = currentRobot();
     buildAxes(robot ? int(robot->axisCount) : 6);
     if (Robot *linked = connectedRobot()) {
         // Ask for what the controller holds now; the replies refresh the cache.
-        linked->send(kSpeedQuery, qrx::api::payloadOf(qrx::api::withCurrentRobot(linked)));
-        linked->send(kCoordQuery, qrx::api::payloadOf(qrx::api::withCurrentRobot(linked)));
+        queryAboutCurrentRobot(linked, GetSpeed);
+        queryAboutCurrentRobot(linked, GetCoordinationMode);
     }
     connect(m_speed, QOverload<int>::of(&QSpinBox::valueChanged), this, [](int speed) { set_jogging_speed(speed); });
     connect(m_coord, QOverload<int>::of(&QComboBox::activated), this, [this](int coord) {
@@ -209,7 +207,7 @@ void JogPanel::refresh()
         m_axes[i].name->setText(axisLabel(i + 1, coord));
         m_axes[i].position->setText(i < 6 ? QString::number(robot->currentPosition[i], 'f', 3) : QStringLiteral("-"));
     }
-    robot->send(kPositionQuery, qrx::api::payloadOf(qrx::api::withCurrentRobot(robot, {{"coord", coord}})));
+    queryAboutCurrentRobot(robot, GetCurrentPosition, coord);
 }
 
 void JogPanel::retranslate()
