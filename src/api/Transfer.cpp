@@ -30,11 +30,11 @@ QString jobRootOf(const qrx::controller::Controller &controller)
 }
 
 // What the transfer needs of the robot's main link.
-qrx::transfer::MainLink mainLinkOf(Robot *robot)
+qrx::transfer::MainLink mainLinkOf(Robot *robot, qrx::controller::Controller &controller)
 {
     return {robot->link()->ip(),
             [robot](quint16 command, const QByteArray &payload) { return robot->send(command, payload); },
-            [robot] { robot->link()->setLastPingTime(QDateTime::currentDateTimeUtc()); }};
+            [robot] { robot->link()->setLastPingTime(QDateTime::currentDateTimeUtc()); }, &controller.uploading};
 }
 
 // Runs one transfer on a fresh object and keeps its outcome.
@@ -43,7 +43,7 @@ int transfer(const ApiCall &call, Run &&run)
 {
     Robot *robot = call.robot();
     qrx::controller::Controller &controller = *call.controller();
-    TcpUpDownFile file(mainLinkOf(robot));
+    TcpUpDownFile file(mainLinkOf(robot, controller));
     // The main link's file notifications reach the transfer in this thread.
     QObject::connect(robot, &Robot::robot_job_Sum_list, &file, &TcpUpDownFile::recvJobFileSumList);
     QObject::connect(robot, &Robot::robot_job_File_list, &file, &TcpUpDownFile::recvJobFileList);

@@ -127,6 +127,8 @@ public:
     std::atomic<TransferProgress> transferProgress{nullptr};
     // The pause between the files of an upload in ms (-1: the transfer's own).
     std::atomic<int> transferPauseMs{-1};
+    // An upload to this controller runs (a second one is turned down).
+    std::atomic<bool> uploading{false};
     // refused: the controller itself said no (an answer other than "yes").
     void setTransferOutcome(int failed, bool refused, const QByteArray &text);
     int lastTransferFailed() const;

@@ -24,10 +24,9 @@ constexpr qint64 kWriteBacklog = 256 * 1024;
 
 } // namespace
 
-std::atomic<bool> TcpUpDownFile::s_uploading{false};
-
 TcpUpDownFile::TcpUpDownFile(MainLink link, QObject *parent)
-    : QObject(parent), m_link(std::move(link)), m_jobRoot(jobRoot())
+    : QObject(parent), m_link(std::move(link)), m_jobRoot(jobRoot()),
+      m_uploading(m_link.uploading ? *m_link.uploading : m_ownUploading)
 {
     // A host thread that is not a Qt thread gets its event dispatcher here,
     // before the socket exists: the socket's notifiers need one to report
@@ -138,7 +137,7 @@ void TcpUpDownFile::fail(const QString &text)
     qCInfo(lcTransfer).noquote() << text;
     m_lastFailure = text;
     if (m_mode == Upload)
-        s_uploading = false;
+        m_uploading = false;
     if (m_target)
         m_target->cancelWriting();
     m_target.reset(); // the temporary beside the target goes with it
@@ -155,7 +154,7 @@ void TcpUpDownFile::finish()
     if (m_state == State::Done || m_state == State::Failed)
         return;
     if (m_mode == Upload)
-        s_uploading = false;
+        m_uploading = false;
     m_connection.disconnect(this);
     m_connection.release(1000);
     setState(State::Done);
@@ -194,7 +193,7 @@ void TcpUpDownFile::waitUntilEnded()
 
 void TcpUpDownFile::runUpload(const QStringList &names)
 {
-    if (s_uploading.exchange(true)) {
+    if (m_uploading.exchange(true)) {
         fail(tr("上传文件中，不允许上传文件"));
         return;
     }

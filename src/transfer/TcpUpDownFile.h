@@ -181,7 +181,8 @@ private:
     std::unique_ptr<QSaveFile> m_target;
     qint64 m_expected = 0;
     qint64 m_received = 0;
-    static std::atomic<bool> s_uploading; // one upload at a time, process-wide
+    std::atomic<bool> m_ownUploading{false};
+    std::atomic<bool> &m_uploading; // the controller's flag (MainLink::uploading) or the own one
 
     qrx::transfer::LocalDigests m_localDigests; // of a job download, taken while the lists come
     QStringList m_downloadList; // controller names ("job/R1/A.JBR", "a.log")
