@@ -162,10 +162,10 @@ void setApiRobot(Robot *robot, JogDriver *jog)
     freeRobot(replaced);
 }
 
-MadeRobot makeRobot(const QString &ip, quint16 port)
+MadeRobot makeRobot(const QString &ip, quint16 port, Robot::IoThread io)
 {
     const auto make = [&] {
-        Robot *robot = port ? new Robot(ip, port) : new Robot(ip);
+        Robot *robot = new Robot(ip, port, io);
         return MadeRobot{robot, JogDriver::attach(robot)};
     };
     QObject *context = libraryContext();

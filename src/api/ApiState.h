@@ -64,15 +64,16 @@ void setApiRobot(Robot *robot, JogDriver *jog);
 void finishApiLink(Robot *robot);
 // Deletes a Robot on the thread it lives in (its timers belong there).
 void freeRobot(Robot *robot);
-// A Robot for ip:port (0: Robot::linkPort()) with its jog driver, made
-// where the library's events run (the library's own thread when the host
-// runs no Qt application).
+// A Robot for ip:port with its jog driver, its link on a thread of its own
+// (the default controller) or a shared one (handles), made where the
+// library's events run (the library's own thread when the host runs no Qt
+// application).
 struct MadeRobot
 {
     Robot *robot;
     JogDriver *jog;
 };
-MadeRobot makeRobot(const QString &ip, quint16 port);
+MadeRobot makeRobot(const QString &ip, quint16 port, Robot::IoThread io);
 
 // One exported function running on this thread: holds the Robot of its
 // controller of the moment so that a concurrent connect_robot() or close

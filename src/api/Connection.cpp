@@ -43,14 +43,14 @@ void pauseWithEvents(int ms)
 
 namespace qrx::api {
 
-int connectPolling(const char *ip, int polls, int pollMs)
+int connectPolling(const char *ip, int polls, int pollMs, quint16 port)
 {
     Robot *current = apiRobot();
     if (current && !current->isClosed())
         return 0;
 
     const QString address = QString::fromLatin1(ip ? ip : "", ip ? int(std::strlen(ip)) : 0);
-    const MadeRobot made = makeRobot(address, 0);
+    const MadeRobot made = makeRobot(address, port ? port : Robot::linkPort(), Robot::IoThread::Own);
     Robot *robot = made.robot;
     setApiRobot(robot, made.jog);
     robot->firstStart();
@@ -70,13 +70,18 @@ int connectPolling(const char *ip, int polls, int pollMs)
     return 0;
 }
 
+int connectRobot(const char *ip, quint16 port)
+{
+    return connectPolling(ip, kConnectPolls, g_connectPollMs.load(), port);
+}
+
 } // namespace qrx::api
 
 extern "C" {
 
 int connect_robot(const char *ip)
 {
-    return connectPolling(ip, kConnectPolls, g_connectPollMs.load());
+    return connectRobot(ip, 0);
 }
 
 void disconnect_robot(void)

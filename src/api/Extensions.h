@@ -62,8 +62,11 @@ void setLastCallTimedOut(bool timedOut);
 int copyText(const std::string &text, char *buffer, int size);
 
 // The steps of connect_robot(), checking the connection polls times,
-// pollMs apart, before it gives up (Connection.cpp).
-int connectPolling(const char *ip, int polls, int pollMs);
+// pollMs apart, before it gives up (Connection.cpp); port 0 is the
+// controller's (Robot::linkPort()).
+int connectPolling(const char *ip, int polls, int pollMs, quint16 port = 0);
+// connect_robot() itself on a port (0: the controller's).
+int connectRobot(const char *ip, quint16 port);
 
 // Watches the Robot's link for the controller's refusals of commands, kept
 // by its controller (ExtensionsRefusal.cpp); forgets those kept before.

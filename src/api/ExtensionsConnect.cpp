@@ -7,26 +7,13 @@
 #include "api/qrx_host.h"
 #include "robot/Robot.h"
 
-#include <mutex>
-
 namespace {
 
 constexpr int kCheckMs = 5;
 
-std::mutex g_connectMutex;
-
-// Connects with the link on port for the time of the call.
-template <class Connect>
-int onPort(int port, Connect connect)
+bool validPort(int port)
 {
-    if (port < 1 || port > 65535)
-        return 0;
-    std::lock_guard<std::mutex> lock(g_connectMutex);
-    const quint16 usual = Robot::linkPort();
-    Robot::setLinkPort(quint16(port));
-    const int result = connect();
-    Robot::setLinkPort(usual);
-    return result;
+    return port >= 1 && port <= 65535;
 }
 
 } // namespace
@@ -35,15 +22,17 @@ extern "C" {
 
 int qrx_connect_robot_port(const char *ip, int port)
 {
-    return onPort(port, [ip] { return connect_robot(ip); });
+    if (!validPort(port))
+        return 0;
+    return qrx::api::connectRobot(ip, quint16(port));
 }
 
 int qrx_connect_robot_within(const char *ip, int port, int timeout_ms)
 {
-    if (timeout_ms < 1)
+    if (timeout_ms < 1 || !validPort(port))
         return 0;
     const int checks = (timeout_ms + kCheckMs - 1) / kCheckMs;
-    return onPort(port, [ip, checks] { return qrx::api::connectPolling(ip, checks, kCheckMs); });
+    return qrx::api::connectPolling(ip, checks, kCheckMs, quint16(port));
 }
 
 } // extern "C"

@@ -136,7 +136,7 @@ qrx_controller *qrxc_new(const char *ip, int port)
     auto *handle = reinterpret_cast<qrx_controller *>(++g_lastHandle);
     auto controller = std::make_shared<Controller>(handle, kDefaultOpenBoundMs);
     const QString address = QString::fromLatin1(ip ? ip : "", ip ? int(std::strlen(ip)) : 0);
-    const MadeRobot made = makeRobot(address, quint16(port > 0 ? port : kControllerPort));
+    const MadeRobot made = makeRobot(address, quint16(port > 0 ? port : kControllerPort), Robot::IoThread::Shared);
     freeRobot(controller->attach(made.robot, made.jog));
     attachRefusals(*controller, made.robot);
     std::lock_guard<std::mutex> lock(g_handlesMutex);

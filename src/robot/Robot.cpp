@@ -68,16 +68,16 @@ bool Robot::takeForceModeNotification()
 }
 
 Robot::Robot(const QString &ip, QObject *parent)
-    : Robot(ip, s_linkPort.load(), false, parent)
+    : Robot(ip, s_linkPort.load(), IoThread::Own, parent)
 {
 }
 
 Robot::Robot(const QString &ip, quint16 port, QObject *parent)
-    : Robot(ip, port, true, parent)
+    : Robot(ip, port, IoThread::Shared, parent)
 {
 }
 
-Robot::Robot(const QString &ip, quint16 port, bool sharedIoThread, QObject *parent)
+Robot::Robot(const QString &ip, quint16 port, IoThread io, QObject *parent)
     : RobotSignals(parent)
 {
     qrx::registerLinkMetaTypes();
@@ -86,7 +86,7 @@ Robot::Robot(const QString &ip, quint16 port, bool sharedIoThread, QObject *pare
     qRegisterMetaType<schar>("schar");
 
     m_link = new TcpConnectModule(ip, port, s_linkTimeBase.load());
-    if (sharedIoThread)
+    if (io == IoThread::Shared)
         m_link->useSharedIoThread();
     m_link->setParent(this);
     m_link->setCurrentRobotSource([this] { return currentRobot(); });

@@ -69,6 +69,9 @@ public:
     // link that one of the library's shared I/O threads serves (many such
     // Robots share a few threads).
     Robot(const QString &ip, quint16 port, QObject *parent = nullptr);
+    // Either, named: the link's own thread or a shared one.
+    enum class IoThread { Own, Shared };
+    Robot(const QString &ip, quint16 port, IoThread io, QObject *parent = nullptr);
     ~Robot() override;
 
     TcpConnectModule *link() const;
@@ -250,7 +253,6 @@ protected:
     void takeNumber(const QByteArray &data, const char *key, std::atomic<int> &field, const char *text, NumberSignal notify);
 
 private:
-    Robot(const QString &ip, quint16 port, bool sharedIoThread, QObject *parent);
     void storeMessage(const std::string &text);
     // Messages: hands prefix + "data" to the message sink and keeps "data"
     // as the last message. Not delivered (nothing done) without "data".
