@@ -298,6 +298,9 @@ void awaitReply(Robot *robot, const ReplyTicket &ticket)
 
 void requestAndWait(Robot *robot, quint16 code, const QByteArray &payload)
 {
+    // A payload its builder turned down never leaves, so no reply can come.
+    if (LinkSenders::isRefused(payload))
+        return;
     requestAndWait(robot, [&] { robot->send(code, payload); }, code);
 }
 

@@ -69,6 +69,10 @@ void TestNonFinite::notSent_data()
                                     << "robot_movc: nan in the payload, not sent";
     QTest::newRow("set_GPosition nan") << Call([] { set_GPosition("GP001", 1, axesWith(3, kNan), g_syncAxes); })
                                        << "set_GPosition: nan in the payload, not sent";
+    // A query that is not sent is not waited for either (the described wait
+    // has no bound: it would never end).
+    QTest::newRow("four_point_calculation nan") << Call([] { four_point_calculation(kNan, 1.0, g_pos); })
+                                                << "four_point_calculation: nan in the payload, not sent";
 }
 
 void TestNonFinite::notSent()
