@@ -7,17 +7,15 @@
  * Usage: c_host [address]   (exit status 0 when every check held)
  */
 #include "qrx_host.h"
+#include "host_checks.h"
 #include "wire_frame.h"
 
-#include <arpa/inet.h>
 #include <math.h>
 #include <netinet/in.h>
 #include <pthread.h>
-#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/socket.h>
-#include <time.h>
 #include <unistd.h>
 
 #define MAX_FRAMES 512
@@ -33,25 +31,8 @@ static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
 static struct frame frames[MAX_FRAMES];
 static int frameCount;
 static int client = -1;
-static int failures;
 static char callbackText[256];
 static int callbackCalls;
-
-#define CHECK(cond)                                                          \
-    do {                                                                     \
-        if (!(cond)) {                                                       \
-            fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, \
-                    #cond);                                                  \
-            ++failures;                                                      \
-        }                                                                    \
-    } while (0)
-
-static double nowSeconds(void)
-{
-    struct timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return (double)ts.tv_sec + ts.tv_nsec / 1e9;
-}
 
 static void sendFrame(unsigned code, const char *payload)
 {
@@ -117,24 +98,36 @@ static void *controller(void *arg)
     return NULL;
 }
 
+struct frameQuery {
+    unsigned code;
+    int from;
+    int found;
+};
+
+/* Whether a frame with the query's code stands at or after its `from`. */
+static int frameFound(void *arg)
+{
+    struct frameQuery *query = arg;
+    int i;
+    pthread_mutex_lock(&lock);
+    for (i = query->from; i < frameCount && query->found < 0; ++i) {
+        if (frames[i].code == query->code)
+            query->found = i;
+    }
+    pthread_mutex_unlock(&lock);
+    return query->found >= 0;
+}
+
 /* Index of the first frame with that code at or after `from`, or -1; waits
  * up to timeout seconds for it. */
 static int waitForFrame(unsigned code, int from, double timeout)
 {
-    double deadline = nowSeconds() + timeout;
-    do {
-        int i;
-        pthread_mutex_lock(&lock);
-        for (i = from; i < frameCount; ++i) {
-            if (frames[i].code == code) {
-                pthread_mutex_unlock(&lock);
-                return i;
-            }
-        }
-        pthread_mutex_unlock(&lock);
-        usleep(2000);
-    } while (nowSeconds() < deadline);
-    return -1;
+    struct frameQuery query;
+    query.code = code;
+    query.from = from;
+    query.found = -1;
+    waitUntil(frameFound, &query, timeout);
+    return query.found;
 }
 
 static int countFrames(unsigned code)
@@ -166,19 +159,10 @@ static void onError(const char *text)
     pthread_mutex_unlock(&lock);
 }
 
-static int waitForCallback(int calls, double timeout)
+/* Whether the servo state the library holds is *(int *)state. */
+static int servoStateIs(void *state)
 {
-    double deadline = nowSeconds() + timeout;
-    do {
-        int n;
-        pthread_mutex_lock(&lock);
-        n = callbackCalls;
-        pthread_mutex_unlock(&lock);
-        if (n >= calls)
-            return 1;
-        usleep(2000);
-    } while (nowSeconds() < deadline);
-    return 0;
+    return get_servo_state() == *(int *)state;
 }
 
 int main(int argc, char **argv)
@@ -239,7 +223,10 @@ int main(int argc, char **argv)
     /* Controller errors reach the handler on the library's thread. */
     setErrorHandle(onError);
     sendFrame(0x2B03, "{\"data\":\"C host\"}\n");
-    CHECK(waitForCallback(1, 10.0));
+    {
+        struct countAtLeast called = {&lock, &callbackCalls, 1};
+        CHECK(waitUntil(countReaches, &called, 10.0));
+    }
     pthread_mutex_lock(&lock);
     CHECK(strcmp(callbackText, "错误： C host") == 0);
     pthread_mutex_unlock(&lock);
@@ -248,10 +235,8 @@ int main(int argc, char **argv)
      * per timer tick, and none after the stop. */
     sendFrame(0x2003, "{\"mode\":0,\"robot\":1,\"status\":3}\n");
     {
-        double deadline = nowSeconds() + 10.0;
-        while (get_servo_state() != 3 && nowSeconds() < deadline)
-            usleep(2000);
-        CHECK(get_servo_state() == 3);
+        int servoOn = 3;
+        CHECK(waitUntil(servoStateIs, &servoOn, 10.0));
     }
     start_jogging(3, false);
     index = waitForFrame(0x2901, 0, 10.0);
