@@ -92,12 +92,6 @@ int main(int argc, char **argv)
     CHECK(mini_controller_wait_frame(0x50B8, 0, 10.0) > index);
     CHECK(mini_controller_wait_frame(0x2901, index, 0.0) < 0);
 
-    continuous_motion_mode(0);
-    index = mini_controller_wait_frame(0x50B1, 0, 10.0);
-    CHECK(mini_controller_payload_is(index, "{\"open\":false}\n"));
-    index = mini_controller_wait_frame(0x2101, index, 10.0);
-    CHECK(mini_controller_payload_is(index, "{\"mode\":0}\n"));
-
     disconnect_robot();
     index = mini_controller_wait_frame(0x7277, 0, 10.0);
     CHECK(mini_controller_payload_is(index, ""));
