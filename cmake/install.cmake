@@ -7,9 +7,10 @@ install(TARGETS qrx_host EXPORT qrx_hostTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-# The public headers are the C API and its header-only C++ layer; the rest
-# of src/api is internal.
-install(FILES ${PROJECT_SOURCE_DIR}/src/api/qrx_host.h ${PROJECT_SOURCE_DIR}/src/api/qrx_host.hpp
+# The public headers are the C API (qrx_host.h and the two it includes) and
+# its header-only C++ layer; the rest of src/api is internal.
+install(FILES ${PROJECT_SOURCE_DIR}/src/api/qrx_host.h ${PROJECT_SOURCE_DIR}/src/api/qrx_host_records.h
+              ${PROJECT_SOURCE_DIR}/src/api/qrx_host_handles.h ${PROJECT_SOURCE_DIR}/src/api/qrx_host.hpp
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/qrx_host)
 if(TARGET qrx-sim)
   install(TARGETS qrx-sim RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

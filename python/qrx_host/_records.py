@@ -1,4 +1,4 @@
-"""ctypes mirrors of the continuous-motion queue records of qrx_host.h."""
+"""ctypes mirrors of the continuous-motion queue records of qrx_host_records.h."""
 from __future__ import annotations
 
 import ctypes

@@ -12,6 +12,7 @@ from pathlib import Path
 from typing import Callable, List, Optional, TypeVar, Union
 
 from . import _library
+from ._calls import Calls
 from .types import NotConnected, TransferFailed
 
 T = TypeVar("T")
@@ -44,16 +45,11 @@ def _utf8(path: PathLike) -> bytes:
     return os.fspath(path).encode("utf-8")
 
 
-class Transfers:
+class Transfers(Calls):
     """The transfer calls of :class:`~qrx_host.Robot` (a mixin; the Robot
-    provides the library, the connection flag and the interruptible call)."""
+    provides the library and the connection flag)."""
 
-    _lib: _library.Bound
-    _open: bool
     _job_root: Optional[Path] = None
-
-    def _interruptible(self, call: Callable[[], T], name: str) -> T:  # provided by Robot
-        raise NotImplementedError
 
     # ---- job files -------------------------------------------------------
     @property

@@ -5,43 +5,15 @@
  * Usage: c_handles <first address>   (exit status 0 when every check held)
  */
 #include "qrx_host.h"
+#include "host_checks.h"
 
-#include <arpa/inet.h>
 #include <math.h>
 #include <pthread.h>
-#include <stdio.h>
 #include <string.h>
-#include <time.h>
 
-static int failures;
 static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
 static int stateCalls;
 static qrx_controller *stateHandle;
-
-#define CHECK(cond)                                                          \
-    do {                                                                     \
-        if (!(cond)) {                                                       \
-            fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, \
-                    #cond);                                                  \
-            ++failures;                                                      \
-        }                                                                    \
-    } while (0)
-
-static double nowSeconds(void)
-{
-    struct timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return (double)ts.tv_sec + ts.tv_nsec / 1e9;
-}
-
-/* The address n after first, as text. */
-static void nextAddress(const char *first, unsigned n, char *out, size_t size)
-{
-    struct in_addr addr;
-    inet_pton(AF_INET, first, &addr);
-    addr.s_addr = htonl(ntohl(addr.s_addr) + n);
-    inet_ntop(AF_INET, &addr, out, (socklen_t)size);
-}
 
 static void onState(qrx_controller *c, void *user)
 {
@@ -50,22 +22,6 @@ static void onState(qrx_controller *c, void *user)
     stateHandle = c;
     pthread_mutex_unlock(&lock);
     (void)user;
-}
-
-/* Waits (at most seconds) until the state handler was called at least n times. */
-static int stateCallsReach(int n, double seconds)
-{
-    const double deadline = nowSeconds() + seconds;
-    const struct timespec slice = {0, 1000000};
-    int reached;
-    for (;;) {
-        pthread_mutex_lock(&lock);
-        reached = stateCalls >= n;
-        pthread_mutex_unlock(&lock);
-        if (reached || nowSeconds() > deadline)
-            return reached;
-        nanosleep(&slice, NULL);
-    }
 }
 
 /* What every function gives for a handle that is null or closed: its result
@@ -144,7 +100,10 @@ int main(int argc, char **argv)
      * cached state then holds what the getter read. */
     qrxc_set_state_handler(b, onState, NULL);
     qrxc_get_current_position(b, pos, 0);
-    CHECK(stateCallsReach(1, 10.0));
+    {
+        struct countAtLeast called = {&lock, &stateCalls, 1};
+        CHECK(waitUntil(countReaches, &called, 10.0));
+    }
     pthread_mutex_lock(&lock);
     CHECK(stateHandle == b);
     pthread_mutex_unlock(&lock);

@@ -1,162 +1,21 @@
 /*
  * A host program in plain C (no Qt of its own) that drives the library
- * through qrx_host.h against a minimal controller of its own: a listening
- * socket on a loopback address, a thread that records every frame, answers
- * heartbeats and sends what the test asks for.
+ * through qrx_host.h against the minimal controller of tests/support on a
+ * loopback address: it records every frame, answers heartbeats and position
+ * queries and sends what the test asks for.
  *
  * Usage: c_host [address]   (exit status 0 when every check held)
  */
 #include "qrx_host.h"
-#include "wire_frame.h"
+#include "host_checks.h"
+#include "mini_controller.h"
 
-#include <arpa/inet.h>
-#include <math.h>
-#include <netinet/in.h>
 #include <pthread.h>
-#include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
-#include <sys/socket.h>
-#include <time.h>
-#include <unistd.h>
-
-#define MAX_FRAMES 512
-#define MAX_PAYLOAD 1024
-
-struct frame {
-    unsigned code;
-    size_t length;
-    char payload[MAX_PAYLOAD + 1];
-};
 
 static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER;
-static struct frame frames[MAX_FRAMES];
-static int frameCount;
-static int client = -1;
-static int failures;
 static char callbackText[256];
 static int callbackCalls;
-
-#define CHECK(cond)                                                          \
-    do {                                                                     \
-        if (!(cond)) {                                                       \
-            fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, \
-                    #cond);                                                  \
-            ++failures;                                                      \
-        }                                                                    \
-    } while (0)
-
-static double nowSeconds(void)
-{
-    struct timespec ts;
-    clock_gettime(CLOCK_MONOTONIC, &ts);
-    return (double)ts.tv_sec + ts.tv_nsec / 1e9;
-}
-
-static void sendFrame(unsigned code, const char *payload)
-{
-    unsigned char bytes[MAX_PAYLOAD + 10];
-    size_t size = wire_encode(code, payload, bytes);
-    pthread_mutex_lock(&lock);
-    if (client >= 0 && write(client, bytes, size) != (ssize_t)size)
-        fprintf(stderr, "short write\n");
-    pthread_mutex_unlock(&lock);
-}
-
-static int readAll(int fd, unsigned char *to, size_t size)
-{
-    size_t done = 0;
-    while (done < size) {
-        ssize_t n = read(fd, to + done, size - done);
-        if (n <= 0)
-            return 0;
-        done += (size_t)n;
-    }
-    return 1;
-}
-
-/* Accepts one client and records its frames until it goes away. */
-static void *controller(void *arg)
-{
-    int server = *(int *)arg;
-    int fd = accept(server, NULL, NULL);
-    unsigned char head[6];
-    if (fd < 0)
-        return NULL;
-    pthread_mutex_lock(&lock);
-    client = fd;
-    pthread_mutex_unlock(&lock);
-    while (readAll(fd, head, 6)) {
-        unsigned length = (unsigned)head[2] << 8 | head[3];
-        unsigned code = (unsigned)head[4] << 8 | head[5];
-        unsigned char body[65536 + 4];
-        if (head[0] != 0x4E || head[1] != 0x66 || !readAll(fd, body, length + 4))
-            break;
-        if (code == 0x2F07) {
-            sendFrame(0x2F08, "{\"coord\":1,\"pos\":[1.50,2.50,3.50,4.50,5.50,6.50,7.50],"
-                              "\"posDeg\":[0.0,0.0,0.0,0.0,0.0,0.0,0.0],\"robot\":1}\n");
-        }
-        if (code == 0x7266) {
-            char echo[MAX_PAYLOAD + 1];
-            size_t n = length < MAX_PAYLOAD ? length : MAX_PAYLOAD;
-            memcpy(echo, body, n);
-            echo[n] = 0;
-            sendFrame(0x7267, echo);
-            continue;
-        }
-        pthread_mutex_lock(&lock);
-        if (frameCount < MAX_FRAMES) {
-            struct frame *f = &frames[frameCount++];
-            f->code = code;
-            f->length = length < MAX_PAYLOAD ? length : MAX_PAYLOAD;
-            memcpy(f->payload, body, f->length);
-            f->payload[f->length] = 0;
-        }
-        pthread_mutex_unlock(&lock);
-    }
-    return NULL;
-}
-
-/* Index of the first frame with that code at or after `from`, or -1; waits
- * up to timeout seconds for it. */
-static int waitForFrame(unsigned code, int from, double timeout)
-{
-    double deadline = nowSeconds() + timeout;
-    do {
-        int i;
-        pthread_mutex_lock(&lock);
-        for (i = from; i < frameCount; ++i) {
-            if (frames[i].code == code) {
-                pthread_mutex_unlock(&lock);
-                return i;
-            }
-        }
-        pthread_mutex_unlock(&lock);
-        usleep(2000);
-    } while (nowSeconds() < deadline);
-    return -1;
-}
-
-static int countFrames(unsigned code)
-{
-    int i, n = 0;
-    pthread_mutex_lock(&lock);
-    for (i = 0; i < frameCount; ++i)
-        n += frames[i].code == code;
-    pthread_mutex_unlock(&lock);
-    return n;
-}
-
-static int payloadIs(int index, const char *expected)
-{
-    int same;
-    if (index < 0)
-        return 0;
-    pthread_mutex_lock(&lock);
-    same = strcmp(frames[index].payload, expected) == 0;
-    pthread_mutex_unlock(&lock);
-    return same;
-}
 
 static void onError(const char *text)
 {
@@ -166,45 +25,19 @@ static void onError(const char *text)
     pthread_mutex_unlock(&lock);
 }
 
-static int waitForCallback(int calls, double timeout)
+/* Whether the servo state the library holds is *(int *)state. */
+static int servoStateIs(void *state)
 {
-    double deadline = nowSeconds() + timeout;
-    do {
-        int n;
-        pthread_mutex_lock(&lock);
-        n = callbackCalls;
-        pthread_mutex_unlock(&lock);
-        if (n >= calls)
-            return 1;
-        usleep(2000);
-    } while (nowSeconds() < deadline);
-    return 0;
+    return get_servo_state() == *(int *)state;
 }
 
 int main(int argc, char **argv)
 {
     const char *address = argc > 1 ? argv[1] : "127.3.0.1";
-    struct sockaddr_in at;
-    int server, one = 1, index;
-    pthread_t thread;
+    int index;
 
-    /* Without a link every function returns at once. */
-    CHECK(connection_status() == 0);
-    disconnect_robot();
-    continuous_motion_start();
-    continuous_motion_mode(1);
-
-    server = socket(AF_INET, SOCK_STREAM, 0);
-    setsockopt(server, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
-    memset(&at, 0, sizeof at);
-    at.sin_family = AF_INET;
-    at.sin_port = htons(6001);
-    if (inet_pton(AF_INET, address, &at.sin_addr) != 1
-        || bind(server, (struct sockaddr *)&at, sizeof at) != 0 || listen(server, 4) != 0) {
-        fprintf(stderr, "cannot listen on %s:6001\n", address);
+    if (mini_controller_start(address) != 0)
         return 2;
-    }
-    pthread_create(&thread, NULL, controller, &server);
 
     /* A controller that accepts at once is seen at the first poll, after
      * the first one-second pause, not a poll later. */
@@ -214,110 +47,56 @@ int main(int argc, char **argv)
         CHECK(nowSeconds() - start < 1.9);
     }
     CHECK(connection_status() == 1);
-    index = waitForFrame(0x5052, 0, 10.0);
+    index = mini_controller_wait_frame(0x5052, 0, 10.0);
     CHECK(index >= 0);
-    CHECK(payloadIs(index, ""));
-
-    /* A second connect while connected returns 0 at once. */
-    {
-        double start = nowSeconds();
-        CHECK(connect_robot(address) == 0);
-        CHECK(nowSeconds() - start < 0.5);
-    }
+    CHECK(mini_controller_payload_is(index, ""));
 
     /* A getter blocks this thread, which runs no event loop, until the
      * library's own thread has handled the reply. */
     {
         double pos[7] = {0, 0, 0, 0, 0, 0, -1};
         get_current_position(pos, 1);
-        index = waitForFrame(0x2F07, 0, 10.0);
-        CHECK(payloadIs(index, "{\"coord\":1,\"robot\":1}\n"));
+        index = mini_controller_wait_frame(0x2F07, 0, 10.0);
+        CHECK(mini_controller_payload_is(index, "{\"coord\":1,\"robot\":1}\n"));
         CHECK(pos[0] == 1.5 && pos[5] == 6.5);
         CHECK(pos[6] == -1); /* six values, not seven */
     }
 
     /* Controller errors reach the handler on the library's thread. */
     setErrorHandle(onError);
-    sendFrame(0x2B03, "{\"data\":\"C host\"}\n");
-    CHECK(waitForCallback(1, 10.0));
+    mini_controller_send(0x2B03, "{\"data\":\"C host\"}\n");
+    {
+        struct countAtLeast called = {&lock, &callbackCalls, 1};
+        CHECK(waitUntil(countReaches, &called, 10.0));
+    }
     pthread_mutex_lock(&lock);
     CHECK(strcmp(callbackText, "错误： C host") == 0);
     pthread_mutex_unlock(&lock);
 
     /* Jogging runs on the library's own thread: one step at once, then one
      * per timer tick, and none after the stop. */
-    sendFrame(0x2003, "{\"mode\":0,\"robot\":1,\"status\":3}\n");
+    mini_controller_send(0x2003, "{\"mode\":0,\"robot\":1,\"status\":3}\n");
     {
-        double deadline = nowSeconds() + 10.0;
-        while (get_servo_state() != 3 && nowSeconds() < deadline)
-            usleep(2000);
-        CHECK(get_servo_state() == 3);
+        int servoOn = 3;
+        CHECK(waitUntil(servoStateIs, &servoOn, 10.0));
     }
     start_jogging(3, false);
-    index = waitForFrame(0x2901, 0, 10.0);
-    CHECK(payloadIs(index, "{\"axis\":3,\"direction\":-1}\n"));
-    index = waitForFrame(0x2901, index + 1, 10.0);
-    CHECK(payloadIs(index, "{\"axis\":3,\"direction\":-1}\n"));
+    index = mini_controller_wait_frame(0x2901, 0, 10.0);
+    CHECK(mini_controller_payload_is(index, "{\"axis\":3,\"direction\":-1}\n"));
+    index = mini_controller_wait_frame(0x2901, index + 1, 10.0);
+    CHECK(mini_controller_payload_is(index, "{\"axis\":3,\"direction\":-1}\n"));
     stop_jogging(3);
-    index = waitForFrame(0x2902, 0, 10.0);
-    CHECK(payloadIs(index, "{\"axis\":3}\n"));
+    index = mini_controller_wait_frame(0x2902, 0, 10.0);
+    CHECK(mini_controller_payload_is(index, "{\"axis\":3}\n"));
     continuous_motion_start(); /* sent after the stop: every frame before it is in */
-    CHECK(waitForFrame(0x50B8, 0, 10.0) > index);
-    CHECK(waitForFrame(0x2901, index, 0.0) < 0);
-
-    continuous_motion_mode(0);
-    index = waitForFrame(0x50B1, 0, 10.0);
-    CHECK(payloadIs(index, "{\"open\":false}\n"));
-    index = waitForFrame(0x2101, index, 10.0);
-    CHECK(payloadIs(index, "{\"mode\":0}\n"));
-
-    /* A payload that would hold a NaN or an infinity is not sent: the frame
-     * after it (the same command with finite values) is the first of its
-     * code. */
-    {
-        struct {
-            unsigned code;
-            const char *expected;
-        } cases[] = {
-            {0x3607, "{\"port\":2,\"value\":0.50}\n"},
-            {0x4501, "{\"acc\":0,\"coord\":0,\"dec\":0,\"pos\":[1.0,2.0,3.0,4.0,5.0,6.0],"
-                     "\"robot\":1,\"vel\":10}\n"},
-            {0x5607, "{\"varName\":\"GD001\",\"varType\":3,\"varValue\":2.50}\n"},
-        };
-        double bad[7] = {1, 2, NAN, 4, 5, 6, 7};
-        double good[7] = {1, 2, 3, 4, 5, 6, 7};
-        size_t i;
-        set_aout(1, NAN);
-        set_aout(1, INFINITY);
-        set_aout(2, 0.5);
-        robot_movj(bad, 10, 0, 0, 0);
-        bad[2] = -INFINITY;
-        robot_movj(bad, 10, 0, 0, 0);
-        robot_movj(good, 10, 0, 0, 0);
-        set_global_variant("GD001", NAN);
-        set_global_variant("GD001", 2.5);
-        for (i = 0; i < sizeof cases / sizeof cases[0]; ++i) {
-            index = waitForFrame(cases[i].code, 0, 10.0);
-            if (!payloadIs(index, cases[i].expected)) {
-                fprintf(stderr, "code 0x%04X: first frame is %s\n", cases[i].code,
-                        index >= 0 ? frames[index].payload : "(none)");
-                ++failures;
-            }
-        }
-    }
+    CHECK(mini_controller_wait_frame(0x50B8, 0, 10.0) > index);
+    CHECK(mini_controller_wait_frame(0x2901, index, 0.0) < 0);
 
     disconnect_robot();
-    index = waitForFrame(0x7277, 0, 10.0);
-    CHECK(payloadIs(index, ""));
-    disconnect_robot();
-    CHECK(countFrames(0x5052) == 1);
-    CHECK(countFrames(0x7277) == 1);
+    index = mini_controller_wait_frame(0x7277, 0, 10.0);
+    CHECK(mini_controller_payload_is(index, ""));
 
-    /* The link has gone: the controller thread sees the end of its client
-     * (or, without one, its accept fails once the socket shuts down). */
-    shutdown(server, SHUT_RDWR);
-    pthread_join(thread, NULL);
-    close(server);
+    mini_controller_stop();
     if (failures)
         fprintf(stderr, "%d check(s) failed\n", failures);
     else

@@ -4,8 +4,7 @@
 // Usage: cpp_controllers <first address>   (exit status 0 when every check held)
 
 #include "qrx_host.hpp"
-
-#include <arpa/inet.h>
+#include "host_checks.h"
 
 #include <cmath>
 #include <cstdio>
@@ -18,30 +17,6 @@ static_assert(!std::is_copy_constructible_v<qrx::Controller> && !std::is_copy_as
               "a controller is closed once: no copies");
 static_assert(std::is_nothrow_move_constructible_v<qrx::Controller> && std::is_move_assignable_v<qrx::Controller>,
               "a controller moves");
-
-namespace {
-
-int g_failures = 0;
-
-#define CHECK(cond)                                                                \
-    do {                                                                           \
-        if (!(cond)) {                                                             \
-            std::fprintf(stderr, "%s:%d: check failed: %s\n", __FILE__, __LINE__, #cond); \
-            ++g_failures;                                                          \
-        }                                                                          \
-    } while (0)
-
-std::string nextAddress(const std::string &first, unsigned n)
-{
-    in_addr addr{};
-    inet_pton(AF_INET, first.c_str(), &addr);
-    addr.s_addr = htonl(ntohl(addr.s_addr) + n);
-    char text[INET_ADDRSTRLEN];
-    inet_ntop(AF_INET, &addr, text, sizeof text);
-    return text;
-}
-
-} // namespace
 
 int main(int argc, char **argv)
 {
@@ -90,7 +65,7 @@ int main(int argc, char **argv)
     }
     CHECK(refused);
 
-    if (g_failures)
-        std::fprintf(stderr, "%d check(s) failed\n", g_failures);
-    return g_failures ? 1 : 0;
+    if (failures.load())
+        std::fprintf(stderr, "%d check(s) failed\n", failures.load());
+    return failures.load() ? 1 : 0;
 }

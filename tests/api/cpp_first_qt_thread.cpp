@@ -13,16 +13,14 @@
 // Usage: cpp_first_qt_thread <first address>   (exit status 0 when every check held)
 
 #include "qrx_host.h"
+#include "host_checks.h"
 
 #include <QLoggingCategory>
-
-#include <arpa/inet.h>
 
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <string>
 #include <thread>
 #include <vector>
 
@@ -32,16 +30,6 @@ namespace {
 
 constexpr int kRounds = 4;
 constexpr int kOpenBoundMs = 300;
-
-std::string nextAddress(const char *first, unsigned n)
-{
-    in_addr addr{};
-    inet_pton(AF_INET, first, &addr);
-    addr.s_addr = htonl(ntohl(addr.s_addr) + n);
-    char text[INET_ADDRSTRLEN];
-    inet_ntop(AF_INET, &addr, text, sizeof text);
-    return text;
-}
 
 } // namespace
 
@@ -75,7 +63,6 @@ int main(int argc, char **argv)
     libraryRuns = true;
     first.join();
 
-    std::atomic<int> failures{0};
     std::vector<std::thread> threads;
     for (unsigned n = 0; n < 2; ++n) {
         threads.emplace_back([&, live = nextAddress(argv[1], n)] {

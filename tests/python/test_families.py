@@ -58,8 +58,9 @@ def test_set_then_read_back(robot: qrx_host.Robot, setter: Setter, getter: Gette
 
 def test_power_move_and_position(robot: qrx_host.Robot) -> None:
     assert robot.servo_state is ServoState.STOP
-    robot.power_on()
-    assert wait_for(lambda: robot.servo_state is ServoState.RUNNING, 10)
+    # power_on returns once the drives run, so a move right after is taken.
+    assert robot.power_on() is True
+    assert robot.servo_state is ServoState.RUNNING
     target = (12.0, -8.0, 4.0, 0.0, 15.0, 30.0)
     robot.movj(target, vel=100, acc=100, dec=100)
     robot.wait_move_done(target, tolerance=1e-3, timeout=30)

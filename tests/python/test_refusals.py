@@ -1,7 +1,6 @@
 """Refusals and bounds a host can act on: a command the controller refuses
-raises Refused with the controller's text in the call that sent it, power_on
-returns once the drives run, waits take the Robot's timeout, and the timeout
-bounds the connect too."""
+raises Refused with the controller's text in the call that sent it, waits
+take the Robot's timeout, and the timeout bounds the connect too."""
 from __future__ import annotations
 
 import time
@@ -11,7 +10,7 @@ import pytest
 
 import qrx_host
 from conftest import Sim, next_address
-from qrx_host import Coord, ServoState
+from qrx_host import Coord
 
 FAR = (170.0, -80.0, 60.0, 0.0, 90.0, 170.0)
 
@@ -56,15 +55,6 @@ def test_refused_once_the_drives_run(robot: qrx_host.Robot, call: Callable[[qrx_
     with pytest.raises(qrx_host.Refused) as raised:
         call(robot)
     assert (str(raised.value), raised.value.command) == (text, command)
-
-
-def test_power_on_returns_with_the_drives_running(robot: qrx_host.Robot) -> None:
-    assert robot.servo_state is ServoState.STOP
-    assert robot.power_on() is True
-    assert robot.servo_state is ServoState.RUNNING
-    target = (5.0, 0.0, 0.0, 0.0, 0.0, 0.0)
-    robot.movj(target, vel=100, acc=100, dec=100)  # taken at once, not refused
-    robot.wait_move_done(target)
 
 
 def test_wait_move_done_takes_the_robots_timeout(robot: qrx_host.Robot) -> None:

@@ -44,19 +44,9 @@ private Q_SLOTS:
 
     void heartbeatAnswered_data();
     void heartbeatAnswered();
-    void heartbeatAnswerSwitchedOff();
     void framesRecordedInOrder();
-    void clearReceived();
-    void silentAnswersNothing_data();
-    void silentAnswersNothing();
-    void dropConnections();
-    void refuseConnections();
     void secondSimulatorCannotBind();
-    void garbageArrives_data();
-    void garbageArrives();
     void splitDelivery();
-    void corruptNextCrc_data();
-    void corruptNextCrc();
     void controllerHeartbeat_data();
     void controllerHeartbeat();
     void handlerRepliesAndBroadcasts();
@@ -114,22 +104,6 @@ void TestSim::heartbeatAnswered()
     QCOMPARE(client.bytes(), qrx::encodeFrame(kHeartbeatAnswer, payload));
 }
 
-void TestSim::heartbeatAnswerSwitchedOff()
-{
-    WireClient client;
-    connectClient(client);
-    m_sim->setAnswerHeartbeats(false);
-    client.sendFrame(kHeartbeat, heartbeat(1));
-    QVERIFY(m_sim->waitForFrame(kHeartbeat));
-    m_sim->setAnswerHeartbeats(true);
-    client.sendFrame(kHeartbeat, heartbeat(2));
-    QVERIFY(client.waitForFrame(kHeartbeatAnswer));
-    // Frames are handled in order: had the first one been answered, its
-    // answer would have come first.
-    QCOMPARE(client.frames().first().payload, heartbeat(2));
-    QCOMPARE(m_sim->received(kHeartbeat).size(), 2);
-}
-
 void TestSim::framesRecordedInOrder()
 {
     WireClient client;
@@ -171,121 +145,12 @@ void TestSim::framesRecordedInOrder()
     QCOMPARE(m_sim->lastFrame(0x1234).atMs, qint64(-1));
 }
 
-void TestSim::clearReceived()
-{
-    WireClient client;
-    connectClient(client);
-    client.sendFrame(0x2002, QByteArray("{}\n"));
-    QVERIFY(m_sim->waitForFrame(0x2002));
-    m_sim->clearReceived();
-    QVERIFY(m_sim->received().isEmpty());
-    QVERIFY(!m_sim->waitForFrame(0x2002, 50));
-    client.sendFrame(0x2102, QByteArray("{}\n"));
-    QVERIFY(m_sim->waitForFrame(0x2102));
-    QCOMPARE(m_sim->received().size(), 1);
-}
-
-void TestSim::silentAnswersNothing_data()
-{
-    // A handler that answers, and the heartbeat from the table.
-    QTest::addColumn<quint16>("request");
-    QTest::addColumn<quint16>("answer");
-    QTest::newRow("heartbeat") << kHeartbeat << kHeartbeatAnswer;
-    QTest::newRow("scripted handler") << quint16(0x2002) << quint16(0x2003);
-}
-
-void TestSim::silentAnswersNothing()
-{
-    QFETCH(quint16, request);
-    QFETCH(quint16, answer);
-    m_sim->setHandler(0x2002, [](Session &s, const ReceivedFrame &f) { s.reply(0x2003, f.payload); });
-    WireClient client;
-    connectClient(client);
-    m_sim->setSilent(true);
-    m_sim->setControllerHeartbeat(5);
-    client.sendFrame(request, QByteArray("\"first\"\n"));
-    QVERIFY(m_sim->waitForFrame(request));
-    m_sim->setControllerHeartbeat(0);
-    m_sim->setSilent(false);
-    client.sendFrame(request, QByteArray("\"second\"\n"));
-    QVERIFY(client.waitForFrame(answer));
-    // Nothing came while silent: neither the first answer nor a controller
-    // heartbeat precedes the answer to the second request.
-    QCOMPARE(client.frames().size(), 1);
-    QCOMPARE(client.frames().first().payload, QByteArray("\"second\"\n"));
-    QCOMPARE(m_sim->received(request).size(), 2);
-}
-
-void TestSim::dropConnections()
-{
-    WireClient first;
-    WireClient second;
-    connectClient(first, 1);
-    connectClient(second, 2);
-    m_sim->dropConnections();
-    QCOMPARE(m_sim->clientCount(), 0);
-    QVERIFY(first.waitForDisconnected());
-    QVERIFY(second.waitForDisconnected());
-    // Still listening: a new client is served.
-    WireClient again;
-    connectClient(again);
-    again.sendFrame(kHeartbeat, heartbeat(3));
-    QVERIFY(again.waitForFrame(kHeartbeatAnswer));
-}
-
-void TestSim::refuseConnections()
-{
-    WireClient before;
-    connectClient(before);
-    m_sim->setRefuseConnections(true);
-    WireClient refused;
-    QVERIFY(!refused.connectTo(m_sim->address(), m_sim->port()));
-    QCOMPARE(refused.socket().error(), QAbstractSocket::ConnectionRefusedError);
-    // A client that was already there is still served.
-    before.sendFrame(kHeartbeat, heartbeat(4));
-    QVERIFY(before.waitForFrame(kHeartbeatAnswer));
-
-    m_sim->setRefuseConnections(false);
-    WireClient after;
-    connectClient(after, 2);
-    after.sendFrame(kHeartbeat, heartbeat(5));
-    QVERIFY(after.waitForFrame(kHeartbeatAnswer));
-}
-
 void TestSim::secondSimulatorCannotBind()
 {
     SimHandle second(m_sim->address(), m_sim->port());
     QVERIFY(!second.start());
     SimHandle elsewhere(QStringLiteral("192.0.2.1"));
     QVERIFY(!elsewhere.start());
-}
-
-void TestSim::garbageArrives_data()
-{
-    QTest::addColumn<QByteArray>("garbage");
-    QTest::addColumn<int>("headErrors");
-    QTest::newRow("text") << QByteArray("hello controller") << 16;
-    QTest::newRow("NUL bytes") << QByteArray(5, '\0') << 5;
-    QTest::newRow("lone heads") << QByteArray("NxN") << 3;
-    QTest::newRow("frame with bad CRC") << QByteArray::fromHex("4e66" "0000" "2003" "00000000") << 10;
-}
-
-void TestSim::garbageArrives()
-{
-    QFETCH(QByteArray, garbage);
-    QFETCH(int, headErrors);
-    WireClient client;
-    connectClient(client);
-    const QByteArray frame = qrx::encodeFrame(0x2003, QByteArray("{\"servo\":1}\n"));
-    LogCapture log("qrx.link");
-    m_sim->sendGarbage(garbage);
-    m_sim->send(0x2003, QByteArray("{\"servo\":1}\n"));
-    QVERIFY(client.waitForFrame(0x2003));
-    QCOMPARE(client.bytes(), garbage + frame);
-    QCOMPARE(client.frames().size(), 1);
-    const int dropped = log.count(QStringLiteral("onTcpSocketReadyRead: head error"))
-        + log.count(QStringLiteral("onTcpSocketReadyRead: crc32 error"));
-    QCOMPARE(dropped, headErrors);
 }
 
 void TestSim::splitDelivery()
@@ -311,45 +176,6 @@ void TestSim::splitDelivery()
     client.sendFrame(kHeartbeat, heartbeat(9));
     QVERIFY(client.waitForFrame(kHeartbeatAnswer));
     QCOMPARE(client.bytes(), qrx::encodeFrame(kHeartbeatAnswer, heartbeat(9)));
-}
-
-void TestSim::corruptNextCrc_data()
-{
-    QTest::addColumn<bool>("viaHeartbeat");
-    QTest::addColumn<bool>("armedBeforeClient"); // and a frame sent to nobody
-    QTest::newRow("explicit send") << false << false;
-    QTest::newRow("heartbeat answer") << true << false;
-    QTest::newRow("armed before the client came") << false << true;
-}
-
-void TestSim::corruptNextCrc()
-{
-    QFETCH(bool, viaHeartbeat);
-    QFETCH(bool, armedBeforeClient);
-    if (armedBeforeClient) {
-        m_sim->corruptNextCrc();
-        m_sim->send(0x2003, QByteArray("{}\n")); // nobody there: not the next frame
-    }
-    WireClient client;
-    connectClient(client);
-    LogCapture log("qrx.link");
-    const QByteArray payload = heartbeat(77);
-    if (!armedBeforeClient)
-        m_sim->corruptNextCrc();
-    if (viaHeartbeat)
-        client.sendFrame(kHeartbeat, payload);
-    else
-        m_sim->send(kHeartbeatAnswer, payload);
-    const QByteArray good = qrx::encodeFrame(kHeartbeatAnswer, payload);
-    QVERIFY(client.waitForBytes(good.size()));
-    QVERIFY(client.frames().isEmpty());
-    QCOMPARE(client.bytes().left(good.size() - 4), good.left(good.size() - 4));
-    QVERIFY(client.bytes().right(4) != good.right(4));
-    QCOMPARE(log.count(QStringLiteral("onTcpSocketReadyRead: crc32 error")), 1);
-    // Only the next frame: the one after it is intact.
-    m_sim->send(0x2003, QByteArray("{}\n"));
-    QVERIFY(client.waitForFrame(0x2003));
-    QCOMPARE(client.frames().size(), 1);
 }
 
 void TestSim::controllerHeartbeat_data()

@@ -7,6 +7,7 @@
  * Usage: soak_cycles address cycles
  */
 #include "mini_controller.h"
+#include "process_stats.h"
 #include "qrx_host.h"
 
 #include <stdio.h>
