@@ -94,8 +94,6 @@ private Q_SLOTS:
     void defaultsRoundTrip();
     void createsNothing_data();
     void createsNothing();
-    void classOfType_data();
-    void classOfType();
     void familyKeys_data();
     void familyKeys();
     void partialObjectGivesDefaults();
@@ -183,45 +181,6 @@ void TestJobJson::createsNothing()
     PositionTable table;
     QVERIFY(!createCommand(value, &table));
     QCOMPARE(table.size(), std::size_t(0));
-}
-
-void TestJobJson::classOfType_data()
-{
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("className");
-    QTest::newRow("1") << 1 << "MoveCommand";
-    QTest::newRow("28") << 28 << "MoveCommand";
-    QTest::newRow("109") << 109 << "MoveCommand";
-    QTest::newRow("7") << 7 << "TimerCommand";
-    QTest::newRow("8") << 8 << "WaitCommand";
-    QTest::newRow("12") << 12 << "IFCommand";
-    QTest::newRow("99") << 99 << "IOCommand";
-    QTest::newRow("177") << 177 << "ARCCommand";
-    QTest::newRow("117") << 117 << "COORDCommand";
-    QTest::newRow("174") << 174 << "CONYTRACKCommand";
-    QTest::newRow("204") << 204 << "PALCommand";
-    QTest::newRow("206") << 206 << "NEWPUNCHCommand";
-    QTest::newRow("209") << 209 << "PTHREADCommand";
-    QTest::newRow("150") << 150 << "GEARINCommand";
-    QTest::newRow("215") << 215 << "Call_luafileCommand";
-    QTest::newRow("216") << 216 << "SWICHPAYLOADCommand";
-    QTest::newRow("219") << 219 << "PALCommand";
-}
-
-void TestJobJson::classOfType()
-{
-    QFETCH(int, type);
-    QFETCH(QString, className);
-    QCOMPARE(QString::fromLatin1(commandClassName(type)), className);
-    const std::unique_ptr<Command> command = newCommand(type);
-    QVERIFY(command);
-    QCOMPARE(command->type, type);
-    // The object is of the named class, not only labelled so.
-    const bool isMove = dynamic_cast<MoveCommand *>(command.get()) != nullptr;
-    QCOMPARE(isMove, className == "MoveCommand");
-    const bool isTimer = dynamic_cast<TimerCommand *>(command.get()) != nullptr;
-    QCOMPARE(isTimer, className == "TimerCommand" || className == "WaitCommand");
-    QCOMPARE(dynamic_cast<PALCommand *>(command.get()) != nullptr, className == "PALCommand");
 }
 
 void TestJobJson::familyKeys_data()

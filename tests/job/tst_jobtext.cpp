@@ -29,7 +29,6 @@ private Q_SLOTS:
     void unknownSubtypes_data();
     void unknownSubtypes();
     void plainBlendingWithoutParameterObject();
-    void threadEndAllRendersWithoutFactory();
     void parameterTexts_data();
     void parameterTexts();
     void extmovBlockText();
@@ -396,8 +395,6 @@ void TestJobText::lines_data()
     row("WINDOW count beyond three", R"({"type":208,"text1":"A","variable":"I1","count":9,"text2":"B","text3":"C",
         "text4":"D","value1":1,"value2":2,"value3":3})", "WINDOW [$A$] I1 9 [$B$] 1 [$C$] 2 [$D$] 3");
     row("WINDOW negative count", R"({"type":208,"text1":"A","variable":"I1","count":-1,"text2":"B"})", "WINDOW [$A$] I1 -1");
-    row("disabled statement", R"({"type":16,"portId":3,"portValue":1,"logout":true})", "DOUT 3 1 DISABLE");
-    row("disabled block end", R"({"type":12,"logout":true})", "ENDIF DISABLE");
 }
 
 void TestJobText::lines()
@@ -459,13 +456,6 @@ void TestJobText::plainBlendingWithoutParameterObject()
     move.paraAcc.reset(); // a missing object writes nothing
     move.paraTime.reset();
     QCOMPARE(QString::fromStdString(move.toString()), QString("MOVL P1 V = 10 mm/s PL = 4 DEC = 0"));
-}
-
-void TestJobText::threadEndAllRendersWithoutFactory()
-{
-    QVERIFY(!newCommand(114));
-    PTHREADCommand endAll(114);
-    QCOMPARE(QString::fromStdString(endAll.toString()), QString("PTHREAD_ENDALL"));
 }
 
 void TestJobText::parameterTexts_data()

@@ -1,7 +1,7 @@
 // File transfer through the exported functions against qrx-sim's file
-// service: what lands on either side, the controller's kept digests, frames
-// split over reads, and the refusal of a second upload. The exchange frame by
-// frame and its failures are tst_file_exchange's.
+// service: the pause between uploaded files, the controller's kept digests,
+// frames split over reads, and the refusal of a second upload. The exchange
+// frame by frame, its outcomes and its failures are tst_file_exchange's.
 
 #include "api/ApiState.h"
 #include "api/qrx_host.h"
@@ -10,7 +10,6 @@
 #include "support/LogCapture.h"
 #include "support/Loopback.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
@@ -43,13 +42,6 @@ QByteArray readFile(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-}
-
-QString lastError()
-{
-    char text[512];
-    qrx_last_transfer_error(text, sizeof text);
-    return QString::fromUtf8(text);
 }
 
 // Names of every file below dir, relative to it, sorted.
@@ -86,13 +78,9 @@ private Q_SLOTS:
     void secondUploadRefused();
     void uploadPause_data();
     void uploadPause();
-    void downloadSynchronises();
     void controllerDigests_data();
     void controllerDigests();
     void splitFramesArriveWhole();
-    void exportLists_data();
-    void exportLists();
-    void configurationRoundTrip();
 
 private:
     QVector<QByteArray> fileFrames(quint16 code);
@@ -208,29 +196,6 @@ void TestTransfer::uploadPause()
         QVERIFY2(took < 2000, qPrintable(QString::number(took))); // no pause: a few ms of loopback traffic
 }
 
-void TestTransfer::downloadSynchronises()
-{
-    const QString job = m_controller->path() + QStringLiteral("/job");
-    const QString local = m_host->path() + QStringLiteral("/robotJob");
-    QVERIFY(writeFile(job + QStringLiteral("/R1/SAME.JBR"), "same text\n"));
-    QVERIFY(writeFile(job + QStringLiteral("/R2/NEW.JBP"), bytesOf(5000, 9)));
-    QVERIFY(writeFile(job + QStringLiteral("/R4/CHANGED.JBR"), "new text\n"));
-    QVERIFY(writeFile(local + QStringLiteral("/R1/SAME.JBR"), "same text\n"));
-    QVERIFY(writeFile(local + QStringLiteral("/R4/CHANGED.JBR"), "old text\n"));
-    QVERIFY(writeFile(local + QStringLiteral("/R3/LOCAL_ONLY.JBR"), "mine\n"));
-
-    download_job();
-
-    QCOMPARE(qrx_last_transfer_failed(), 0);
-    QVERIFY(m_sim->waitForFrame(0x5532));
-    QCOMPARE(fileFrames(0x5504), (QVector<QByteArray>{"{\"name\":\"job/R2/NEW.JBP\"}\n",
-                                                     "{\"name\":\"job/R4/CHANGED.JBR\"}\n"}));
-    QCOMPARE(readFile(local + QStringLiteral("/R2/NEW.JBP")), bytesOf(5000, 9));
-    QCOMPARE(readFile(local + QStringLiteral("/R4/CHANGED.JBR")), QByteArray("new text\n"));
-    QCOMPARE(readFile(local + QStringLiteral("/R3/LOCAL_ONLY.JBR")), QByteArray("mine\n"));
-    QCOMPARE(filesBelow(local), (QStringList{"R1/SAME.JBR", "R2/NEW.JBP", "R3/LOCAL_ONLY.JBR", "R4/CHANGED.JBR"}));
-}
-
 // The controller keeps its files' digests between synchronisations; a file
 // that changed, even in the same tick of the file clock and at the same size,
 // is still announced with its new digest and fetched again.
@@ -290,45 +255,6 @@ void TestTransfer::splitFramesArriveWhole()
     QCOMPARE(qrx_last_transfer_failed(), 0);
     QCOMPARE(readFile(m_host->path() + QStringLiteral("/robotJob/R3/SPLIT.JBR")), data);
 }
-
-void TestTransfer::exportLists_data()
-{
-    QTest::addColumn<QString>("kind");
-    QTest::newRow("logs") << QStringLiteral("log");
-    QTest::newRow("ENI") << QStringLiteral("eni");
-}
-
-void TestTransfer::exportLists()
-{
-    QFETCH(QString, kind);
-    const QString source = m_controller->path() + QLatin1Char('/') + kind;
-    QVERIFY(writeFile(source + QStringLiteral("/a.txt"), bytesOf(3000, 4)));
-    QVERIFY(writeFile(source + QStringLiteral("/b.txt"), QByteArray()));
-    const QString target = m_host->path() + QStringLiteral("/export/here");
-    const QByteArray folder = target.toUtf8();
-
-    const int moved = kind == QLatin1String("log") ? qrx_export_logs(folder) : qrx_export_eni(folder);
-
-    QCOMPARE(moved, 2);
-    QCOMPARE(readFile(target + QStringLiteral("/a.txt")), bytesOf(3000, 4));
-    QCOMPARE(readFile(target + QStringLiteral("/b.txt")), QByteArray());
-    QVERIFY(m_sim->waitForFrame(0x5542));
-    QCOMPARE(m_sim->lastFrame(0x5542).payload,
-             QByteArray(kind == QLatin1String("log") ? "{\"num\":5}\n" : "{\"num\":10}\n"));
-}
-
-void TestTransfer::configurationRoundTrip()
-{
-    const QString source = m_host->path() + QStringLiteral("/mine/global.json");
-    QVERIFY(writeFile(source, "{\"speed\":20}\n"));
-    QCOMPARE(qrx_import_config(source.toUtf8().constData()), 1);
-    QCOMPARE(readFile(m_controller->path() + QStringLiteral("/config/global.json")), QByteArray("{\"speed\":20}\n"));
-
-    // Export asks for every catalogue file; a missing one is refused.
-    QCOMPARE(qrx_export_config((m_host->path() + QStringLiteral("/cfg")).toUtf8().constData()), -1);
-    QCOMPARE(lastError(), QStringLiteral("控制器拒绝下载配置文件"));
-}
-
 
 QTEST_GUILESS_MAIN(TestTransfer)
 #include "tst_transfer.moc"
