@@ -28,29 +28,6 @@
 
 #include <initializer_list>
 
-namespace qrx {
-
-// True when the object holds at least one of the keys (a list or an array
-// of key names).
-template <typename Keys>
-bool hasAnyKey(const Json::Value &root, const Keys &keys)
-{
-    if (!root.isObject())
-        return false;
-    for (const char *key : keys) {
-        if (!jsonMember(root, key).isNull())
-            return true;
-    }
-    return false;
-}
-
-inline bool hasAnyKey(const Json::Value &root, std::initializer_list<const char *> keys)
-{
-    return hasAnyKey<std::initializer_list<const char *>>(root, keys);
-}
-
-} // namespace qrx
-
 template <typename Read>
 void Robot::takeReport(const QByteArray &data, Read &&read)
 {

@@ -5,9 +5,9 @@
 // servo and IO slave list (0x2E0F) and the safe-position check (0x2F16).
 // They have the common shape and wake every waiter at the end.
 //
-// Every other process message is a relay: the link notification is joined
-// straight to its Robot signal by the families rows of RobotWiring.cpp, so
-// the reader gets the payload byte for byte and no waiting call is woken.
+// Every other process message is a relay: its row of the report table
+// (ReportTable.cpp) emits its Robot signal, so the reader gets the payload
+// byte for byte and no waiting call is woken.
 
 #include "robot/Robot.h"
 

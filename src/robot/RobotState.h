@@ -1,8 +1,8 @@
 #pragma once
-// The controller's state as the host sees it: the caches the handlers of
-// Robot fill on the link thread and the host API copies out after a wake.
-// A plain struct: no signals, no link; Robot derives from it, so a getter
-// reads robot->servoStatus as before.
+// The controller's state as the host sees it: the caches the decoders of
+// the report table (ReportTable.h) fill on the link thread and the host API
+// copies out after a wake. A plain struct: no signals, no link; Robot
+// derives from it, so a getter reads robot->servoStatus as before.
 //
 // Threads: every field is written on the link thread by one handler (or,
 // where noted, by the host API) and read on host threads after the request
@@ -19,14 +19,32 @@
 
 #include <atomic>
 #include <mutex>
+#include <string>
 
 namespace qrx {
 
 struct RobotState
 {
-    // Held by a handler while it reads a report into the caches, and by the
-    // host API only while it copies cached array values out.
+    // Held while a report is decoded into the caches, and by the host API
+    // only while it copies cached array values out.
     mutable std::recursive_mutex cacheMutex;
+
+    // The robot that "robot" keys address: the override if non-zero, else
+    // the default. Both start at 1; the current-robot report (0x5003) sets both.
+    std::atomic<int> robotOverride{1};
+    std::atomic<int> robotDefault{1};
+    int currentRobot() const
+    {
+        const int override = robotOverride.load();
+        return override != 0 ? override : robotDefault.load();
+    }
+    // Mode reports are taken only while ready (the link is about to connect
+    // or is connected); modeNotificationForced makes the next one notify
+    // even when the mode did not change.
+    std::atomic<bool> ready{false};
+    std::atomic<bool> modeNotificationForced{false};
+    // 0x2B03/0x2B04/0x2B05 "data" of the last error, warning or information.
+    std::string lastMessageText;
 
     // 0x2003 servo report {"mode","robot","status"}
     std::atomic<int> servoStatus{0};                // "status" of the robot shown
