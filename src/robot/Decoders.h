@@ -1,8 +1,10 @@
 #pragma once
 // The decoders and notifiers of the report table (ReportTable.h), by family:
 // status (StatusDecoders.cpp), records (RecordDecoders.cpp), controller
-// messages (MessageDecoders.cpp). Each decoder's comment says which
-// Change::values its notifier reads.
+// messages (MessageDecoders.cpp), robot type and kinematics
+// (RobotTypeDecoders.cpp), tools and user frames (ToolFrameDecoders.cpp),
+// process messages (ProcessDecoders.cpp). Each decoder's comment says which
+// members of Change its notifier reads.
 
 #include "robot/ReportTable.h"
 
@@ -64,5 +66,64 @@ Change error(const Json::Value &report, RobotState &state);
 Change warning(const Json::Value &report, RobotState &state);
 Change information(const Json::Value &report, RobotState &state);
 void notifyError(RobotSignals &to, const Change &change, const QByteArray &payload);
+
+// Robot type and kinematics.
+Change robotType(const Json::Value &report, RobotState &state);
+Change jointParameters(const Json::Value &report, RobotState &state);
+Change jointJogLimits(const Json::Value &report, RobotState &state);
+Change interpolation(const Json::Value &report, RobotState &state);
+Change sensitivity(const Json::Value &report, RobotState &state);
+Change positionerAxes(const Json::Value &report, RobotState &state);
+Change dhState(const Json::Value &report, RobotState &state);
+Change dhValues(const Json::Value &report, RobotState &state);
+void notifyRobotType(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyJointParameters(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyJointJogLimits(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyPositionerAxes(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyDhState(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyDhValues(RobotSignals &to, const Change &change, const QByteArray &payload);
+
+// Tools, user frames and calibration.
+Change toolParameters(const Json::Value &report, RobotState &state);
+Change userFrame(const Json::Value &report, RobotState &state);
+Change currentUserFrame(const Json::Value &report, RobotState &state);
+Change userFrameNote(const Json::Value &report, RobotState &state);
+Change toolPoint(const Json::Value &report, RobotState &state);
+Change toolPointFor20(const Json::Value &report, RobotState &state);
+Change markedPointOf20(const Json::Value &report, RobotState &state);
+Change markedPointOf7(const Json::Value &report, RobotState &state);
+Change toolResult(const Json::Value &report, RobotState &state);
+Change toolResultFor20(const Json::Value &report, RobotState &state);
+Change zeroPointOf20(const Json::Value &report, RobotState &state);
+Change fourPoint(const Json::Value &report, RobotState &state);
+Change fourPointResult(const Json::Value &report, RobotState &state);
+Change dhResult(const Json::Value &report, RobotState &state);
+Change zeroCalibration(const Json::Value &report, RobotState &state);
+void notifyToolParameters(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyUserFrame(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyCurrentUserFrame(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyUserFrameNote(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyToolPoint(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyToolPointFor20(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyMarkedPointOf20(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyMarkedPointOf7(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyToolResult(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyToolResultFor20(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyZeroPointOf20(RobotSignals &to, const Change &change, const QByteArray &payload);
+
+// Process messages that read keys.
+Change weldEquipment(const Json::Value &report, RobotState &state);
+Change modbusState(const Json::Value &report, RobotState &state);
+Change modbusIoState(const Json::Value &report, RobotState &state);
+Change cooperativeRobot(const Json::Value &report, RobotState &state);
+Change globalPosition(const Json::Value &report, RobotState &state);
+Change robotList(const Json::Value &report, RobotState &state);
+Change servoList(const Json::Value &report, RobotState &state);
+Change unsafePoint(const Json::Value &report, RobotState &state);
+void notifyModbusState(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyModbusIoState(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyCooperativeRobot(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyRobotList(RobotSignals &to, const Change &change, const QByteArray &payload);
+void notifyServoList(RobotSignals &to, const Change &change, const QByteArray &payload);
 
 } // namespace qrx::decoders

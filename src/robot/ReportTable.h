@@ -17,21 +17,15 @@
 // Robot::take() is the one entry point: it finds the row, decodes under the
 // state's lock, writes the lines, sends the request, notifies, wakes the
 // waiters and tells the controller, once each.
-//
-// The families that still keep their handler slots (robot type and
-// kinematics, tools and user frames, process messages: RobotTypeHandlers.cpp,
-// ToolFrameHandlers.cpp, ProcessRelays.cpp) have a row whose `handler` is
-// that slot, called by member pointer from the same entry point; the slot
-// parses, writes, emits and wakes itself.
 
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 #include <QtGlobal>
 
 #include <json/value.h>
 
-class Robot;
 class RobotSignals;
 
 namespace qrx {
@@ -44,6 +38,8 @@ struct Change
     bool wakes = true;        // false: ignored so wholly that not even the waiters wake
     int values[4] = {};       // what the listeners get (each decoder says which)
     QString text;             // a text the listeners get
+    QStringList texts;        // a list the listeners get
+    QVector<double> reals;    // values the listeners get
     QStringList lines;        // log lines (qrx.robot), in order
     quint16 request = 0;      // a request the report makes the Robot send (0: none)
     QByteArray requestPayload;
@@ -54,14 +50,12 @@ struct Change
 
 using Decode = Change (*)(const Json::Value &report, RobotState &state);
 using Notify = void (*)(RobotSignals &to, const Change &change, const QByteArray &payload);
-using Handler = void (Robot::*)(const QByteArray &payload);
 
 struct ReportRow
 {
     quint16 code;
-    Decode decode;    // null: a relay (or a handler row)
+    Decode decode;    // null: a relay
     Notify notify;    // null: nobody listens
-    Handler handler;  // a family still on its handler slot, else null
     bool wakes;
 };
 

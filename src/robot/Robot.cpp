@@ -115,9 +115,6 @@ void Robot::take(quint16 command, const QByteArray &payload)
     if (!row) {
         if (!qrx::protocol::find(command))
             emit robot_received_data(command, payload);
-    } else if (row->handler) {
-        (this->*row->handler)(payload); // a family still on its handler slot: it wakes itself
-        woke = qrx::notifyReport(*row, qrx::Change(), *this, payload);
     } else {
         qrx::Change change;
         {
@@ -203,6 +200,12 @@ void Robot::wakeWaiters()
 {
     std::lock_guard<std::mutex> lock(replyMutex);
     replyCondition.notify_all();
+}
+
+// The catalogue is chosen by the robot count held (0x2E06).
+QString Robot::configFileDescription(const QString &fileName) const
+{
+    return configCatalogue.describe(fileName, robotCount);
 }
 
 void Robot::waitingPause(int ms)

@@ -10,10 +10,7 @@
 // writes the caches under cacheMutex, then take() writes the log lines,
 // sends what the report asks for, emits the named signals, and wakes every
 // thread waiting on replyCondition, so a host thread blocked in a getter is
-// woken even when the host runs no event loop of its own. The families
-// still on their handler slots (RobotTypeHandlers.cpp, ToolFrameHandlers.cpp,
-// ProcessRelays.cpp; their shared shape is HandlerShape.h) are reached from
-// take() by member pointer.
+// woken even when the host runs no event loop of its own.
 
 #include <QByteArray>
 #include <QDateTime>
@@ -25,7 +22,6 @@
 #include <atomic>
 #include <condition_variable>
 #include <functional>
-#include <initializer_list>
 #include <mutex>
 #include <string>
 
@@ -98,7 +94,7 @@ public:
     // Copy of the last error, warning or information text (UTF-8).
     std::string lastMessage() const;
 
-    // The mode handler takes reports only while the Robot is ready. Set by
+    // The mode decoder takes reports only while the Robot is ready. Set by
     // firstStart() and restart() (the link is about to connect, so the
     // controller's first mode report counts), cleared by close().
     void setReady(bool on) { ready.store(on); }
@@ -115,8 +111,8 @@ public:
     static void waitingPause(int ms);
 
     // ---- core: request-and-wait -------------------------------------------
-    // Lock replyMutex, send, wait on replyCondition; every key-reading
-    // handler wakes all waiters at its end.
+    // Lock replyMutex, send, wait on replyCondition; every report whose row
+    // wakes (ReportTable.h) wakes all waiters once it is taken.
     // Link connected. Follows connectSucceed, which the link façade
     // re-emits in the thread it lives in (the Robot's), so it changes when
     // that thread runs its events.
@@ -133,94 +129,11 @@ public:
 public Q_SLOTS:
     // The link's connection result (connected flag, robot_connect_succeed).
     void robot_net_slot_connectSucceed(int status);
-    // ---- families: handlers ------------------------------------------------
-    // robot type and kinematics (RobotTypeHandlers.cpp)
-    void robot_net_slot_RobotType(const QByteArray &data);
-    void robot_net_slot_JointPara(const QByteArray &data);
-    void robot_net_slot_JointInchSpeed(const QByteArray &data);
-    void robot_net_slot_RectInchSpeed(const QByteArray &data);
-    void robot_net_slot_InterpolationMode(const QByteArray &data);
-    void robot_net_slot_Sensitivity(const QByteArray &data);
-    void robot_net_slot_OutterAxisCount(const QByteArray &data);
-    void robot_net_slot_DHParaValue(const QByteArray &data);
-    void robot_net_slot_dhParaState(const QByteArray &data);
-    // tools, user frames, calibration (ToolFrameHandlers.cpp)
-    void robot_net_slot_ToolParameter(const QByteArray &data);
-    void robot_net_slot_UserCoordsReply(const QByteArray &data);
-    void robot_net_slot_CurrentUserCoords(const QByteArray &data);
-    void robot_net_slot_UserCoordsNote(const QByteArray &data);
-    void robot_net_slot_ToolCheck(const QByteArray &data);
-    void robot_net_slot_ToolCheckFor20(const QByteArray &data);
-    void robot_net_slot_20MarkedPoint(const QByteArray &data);
-    void robot_net_slot_7MarkedPoint(const QByteArray &data);
-    void robot_net_slot_ToolStatus(const QByteArray &data);
-    void robot_net_slot_CountSuccess(const QByteArray &data);
-    void robot_net_slot_CountSuccessFor20(const QByteArray &data);
-    void robot_net_slot_ResetResultToZeroPoint(const QByteArray &data);
-    void robot_net_slot_4Point(const QByteArray &data);
-    void robot_net_slot_CountSuccessFor4(const QByteArray &data);
-    void robot_net_slot_resultForDH(const QByteArray &data);
-    void robot_net_slot_ZeroSuccess(const QByteArray &data);
-    // process messages that read keys (ProcessRelays.cpp)
-    void robot_net_slot_WeldEquipmentData(const QByteArray &data);
-    void robot_net_slot_ModbusState(const QByteArray &data);
-    void robot_net_slot_ModbusIoState(const QByteArray &data);
-    void robot_net_slot_VisionRange(const QByteArray &data);
-    void robot_net_slot_SyncGroundRail(const QByteArray &data);
-    void robot_net_slot_COOPERATIVE(const QByteArray &data);
-    void robot_net_slot_GlobalPosition(const QByteArray &data);
-    void robot_net_slot_PresentRobot(const QByteArray &data);
-    void robot_net_slot_ServoList(const QByteArray &data);
-    void robot_net_slot_UnsafePoint(const QByteArray &data);
-    // ---- end families: handlers --------------------------------------------
-
-protected:
-    // Wakes every thread waiting on replyCondition.
-    void wakeWaiters();
-    // Wakes the waiters when a handler returns, whichever way it returns.
-    class WakeAtEnd
-    {
-    public:
-        explicit WakeAtEnd(Robot *robot) : m_robot(robot) {}
-        ~WakeAtEnd() { m_robot->wakeWaiters(); }
-        WakeAtEnd(const WakeAtEnd &) = delete;
-        WakeAtEnd &operator=(const WakeAtEnd &) = delete;
-
-    private:
-        Robot *m_robot;
-    };
-
-    // The shape of every handler that reads a JSON report: parses the
-    // payload (text up to its first NUL), hands the root to
-    // read(const Json::Value &) when it parses, and wakes the waiters at
-    // the end either way. Defined in robot/HandlerShape.h.
-    template <typename Read>
-    void takeReport(const QByteArray &data, Read &&read);
-    // The same, but a report that holds none of contentKeys is not read
-    // (it still wakes the waiters).
-    template <typename Read>
-    void takeReport(const QByteArray &data, std::initializer_list<const char *> contentKeys, Read &&read);
-
-    // Reports that fill cache arrays and hand the payload on as received:
-    // once the payload parses, each array member is copied into its cache
-    // (element by element, at most count), then every signal in notify is
-    // emitted with the payload.
-    struct CacheArray
-    {
-        const char *key;
-        double *out;
-        int count;
-    };
-    using PayloadSignal = void (Robot::*)(QByteArray);
-    void takePayload(const QByteArray &data, std::initializer_list<CacheArray> arrays,
-                    std::initializer_list<PayloadSignal> notify);
-
-    // Reports of one number: field = the key's value, log line text (Robot
-    // context) with the number as %1, then notify(field).
-    using NumberSignal = void (Robot::*)(int);
-    void takeNumber(const QByteArray &data, const char *key, std::atomic<int> &field, const char *text, NumberSignal notify);
 
 private:
+    // Wakes every thread waiting on replyCondition.
+    void wakeWaiters();
+
     Robot(const QString &ip, quint16 port, bool sharedIoThread, QObject *parent);
 
     TcpConnectModule *m_link = nullptr;

@@ -6,8 +6,7 @@
 //
 // Most of them are relays: a row of the report table (ReportTable.cpp)
 // emits the signal with the payload exactly as received and wakes nobody.
-// The others are emitted by the notifiers of the decoders (Decoders.h) and
-// by the handler slots of the families still on them.
+// The others are emitted by the notifiers of the decoders (Decoders.h).
 
 #include "link/LinkTypes.h"
 #include "robot/RobotTypes.h"

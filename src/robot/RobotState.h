@@ -4,14 +4,13 @@
 // copies out after a wake. A plain struct: no signals, no link; Robot
 // derives from it, so a getter reads robot->servoStatus as before.
 //
-// Threads: every field is written on the link thread by one handler (or,
+// Threads: every field is written on the link thread by one decoder (or,
 // where noted, by the host API) and read on host threads after the request
 // that asked for it was woken. Scalars are atomic, so a read beside a write
-// is defined; arrays are written by the handlers and copied by the host API
+// is defined; arrays are written by the decoders and copied by the host API
 // under the Robot's cacheMutex, so a copy never mixes two reports.
-// Each field's layout is documented here and beside the handler that fills
-// it (StatusHandlers.cpp, RecordHandlers.cpp, RobotTypeHandlers.cpp,
-// ToolFrameHandlers.cpp, ProcessRelays.cpp).
+// Each field's layout is documented here and beside the decoder that fills
+// it (the *Decoders.cpp files, Decoders.h).
 
 #include <QDateTime>
 #include <QStringList>
@@ -98,7 +97,7 @@ struct RobotState
     double globalReal[kGlobalVarCount] = {};     // varType 3 ("GD...")
     quint8 globalBool[kGlobalVarCount] = {};     // varType 1 ("GB..."), 0 or 1
     // 0x5606 one global position {"robot","posName","posValue"[14]}
-    // (filled by the families' global-position handler)
+    // (filled by the global-position decoder)
     double globalPosition[14] = {};     // robot axes [0..6], synchronous axes [7..13]
     // 0x2A05 motor speed {"vel"[7],"maxVel"[7],"velSync"[5],"maxVelSync"[5]}
     double motorVel[2][7] = {};         // [0] "vel", [1] "maxVel"
@@ -143,7 +142,7 @@ struct RobotState
 
     // ---- families: state ---------------------------------------------------
     // (robot type and kinematics, tools and frames, catalogue, relays)
-    // Caches filled by ToolFrameHandlers.cpp:
+    // Caches filled by ToolFrameDecoders.cpp:
     //   toolParameters[toolNum]  0x3807 "toolDeg"[0..5] (x, y, z, A, B, C),
     //                            toolNum 0..kToolCount-1; lastToolNum = "toolNum"
     //   fourPointData[9]         0x7208: "status"[0..3], "result",

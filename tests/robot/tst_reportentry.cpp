@@ -11,6 +11,7 @@
 #include "link/TcpConnectModule.h"
 #include "support/LogCapture.h"
 
+#include <QElapsedTimer>
 #include <QtTest>
 
 Q_DECLARE_METATYPE(QVector<double>)
@@ -151,6 +152,17 @@ private Q_SLOTS:
         QCOMPARE(status.count(), 1);
         QCOMPARE(status.at(0).value(0).toInt(), 1);
         QCOMPARE(int(robot->connected.load()), 1);
+    }
+
+    // The mode report settles for 200 ms before the waiters wake.
+    void modeReportPausesBeforeWaking()
+    {
+        QElapsedTimer clock;
+        clock.start();
+        QVERIFY(fixture.sendWaking(0x2103, R"({"mode":1})"));
+        QVERIFY2(clock.elapsed() >= 200, qPrintable(QString::number(clock.elapsed())));
+        QVERIFY(fixture.flush());
+        QCOMPARE(robot->operationMode, 1);
     }
 
     void twoWaitersWokenByOneReply()
