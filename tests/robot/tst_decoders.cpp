@@ -487,6 +487,22 @@ void tst_Decoders::report_data()
     add("tool 32 is no tool of the table", {0x3807, R"({"toolDeg":[1],"toolNum":32})", "", "lastToolNum=32", true, true,
                                             {"robot_tool_count_check(32,[1,0,0,0,0,0],'{\"toolDeg\":[1],\"toolNum\":32}')"},
                                             {"接收工具手参数 toolNum=32 x=1 y=0 z=0 A=0 B=0 C=0 note="}});
+    add("tool 5, the whole record",
+        {0x3807, "{\"note\":\"焊枪\",\"payload_mass\":2.5,\"toolDeg\":[10.5,-20.25,300.0,0.0,90.0,-45.5],\"toolNum\":5}",
+         "", "lastToolNum=5 toolParameters[5][0]=10.5 toolParameters[5][1]=-20.25 toolParameters[5][2]=300 "
+             "toolParameters[5][4]=90 toolParameters[5][5]=-45.5", true, true,
+         {"robot_tool_count_check(5,[10.5,-20.25,300,0,90,-45.5],'{\"note\":\"焊枪\",\"payload_mass\":2.5,"
+          "\"toolDeg\":[10.5,-20.25,300.0,0.0,90.0,-45.5],\"toolNum\":5}')"},
+         {"接收工具手参数 toolNum=5 x=10.5 y=-20.25 z=300 A=0 B=90 C=-45.5 note=焊枪"}});
+    add("tool parameters, not JSON", {0x3807, "\xff\xfe not json", "lastToolNum=17", "", false});
+    add("four-point data, scalar length",
+        {0x7208, R"({"dtheta":2.5,"length":7.5,"result":0,"status":[1]})", "fourPointData[1]=9 fourPointData[6]=9",
+         "fourPointData[0]=1 fourPointData[1]=0 fourPointData[5]=7.5 fourPointData[6]=0 fourPointData[8]=2.5", true,
+         true, {"robot_received4Point('{\"dtheta\":2.5,\"length\":7.5,\"result\":0,\"status\":[1]}')"}});
+    add("DH calculation not applied", {0x7206, R"({"apply":0})", "dhResult=1", "dhResult=0", true, true,
+                                       {"robot_receivedresultForDH('{\"apply\":0}')"}});
+    add("zero point with its axis", {0x3303, R"({"axis":3})", "", "zeroCalibrationSuccess=1", true, true,
+                                     {"robot_zero_success('{\"axis\":3}')"}, {"接收零点标定成功"}});
     add("current user frame", {0x3C0C, R"({"curUserNum":4})", "", "currentUserFrame=4", true, true,
                                {"robot_usercoords_inuse(4)"}, {"接收切换用户坐标 userNum=4"}});
     add("four-point data",
