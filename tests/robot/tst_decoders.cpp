@@ -467,6 +467,54 @@ void tst_Decoders::report_data()
                                              {"robot_change_CurRobotType(20)"}, {"接收机器人型号delta机器人"}});
     add("robot type, seven axes: no line", {0x2E03, R"({"type":12})", "", "robotType=17 axisCount=7", true, true,
                                             {"robot_change_CurRobotType(17)"}});
+    // Every wire code after a seven-axis model: the type, the axes, the line.
+    struct TypeRow
+    {
+        int wire, type, axes;
+        const char *line;
+    };
+    const TypeRow types[] = {
+        {1, 1, 6, "接收机器人型号 六轴机器人"},       {2, 6, 4, "接收机器人型号四轴SCARA机器人"},
+        {3, 8, 4, "接收机器人型号四轴码垛机器人"},     {5, 18, 1, "接收机器人型号一轴机器人"},
+        {6, 5, 5, "接收机器人型号五轴机器人"},         {7, 2, 6, "接收机器人型号UR机器人"},
+        {8, 16, 2, "接收机器人型号二轴SCARA机器人"},   {9, 13, 3, nullptr},
+        {10, 14, 3, nullptr},                          {11, 15, 3, nullptr},
+        {13, 7, 4, "接收机器人型号SCARA异型一机器人"}, {14, 9, 4, "接收机器人型号四轴码垛异形一机器人"},
+        {15, 3, 6, "接收机器人型号六轴喷涂机器人"},   {16, 11, 4, "接收机器人型号四轴直角机器人"},
+        {17, 12, 4, "接收机器人型号四轴极坐标异型机器人"}, {18, 4, 6, "接收机器人型号 六轴异型一"},
+        {19, 19, 5, "接收机器人型号龙门焊接机器人"},   {0, 0, 7, nullptr},
+        {21, 0, 7, nullptr},                           {-1, 0, 7, nullptr},
+    };
+    for (const TypeRow &t : types) {
+        const QByteArray name = "robot type, wire " + QByteArray::number(t.wire);
+        QTest::newRow(name.constData())
+            << Case{0x2E03, "{\"type\":" + QByteArray::number(t.wire) + "}", "robotType=17 axisCount=7",
+                    QStringLiteral("robotType=%1 axisCount=%2").arg(t.type).arg(t.axes), true, true,
+                    {QStringLiteral("robot_change_CurRobotType(%1)").arg(t.type)},
+                    t.line ? QStringList{QString::fromUtf8(t.line)} : QStringList()};
+    }
+    add("robot type, not JSON", {0x2E03, "type=7", "robotType=8 axisCount=4", "", false});
+    add("joint parameters",
+        {0x3B03, R"({"Joint":{"AxisDirection":-1,"AxisNum":3,"BackLash":0.01,"DeRatedVel":2500,"Direction":1,)"
+                 R"("EncoderResolution":17,"MaxAcc":2.5,"MaxDeRotSpeed":3400,"MaxDecel":3.5,"MaxRotSpeed":3500,)"
+                 R"("NegSWLimit":-170,"PosSWLimit":170,"RatedDeRotSpeed":2900,"RatedRotSpeed":3000,"RatedVel":3000,)"
+                 R"("ReducRatio":101}})",
+         "", "", true, true,
+         {"robot_joint_para(3,'{\"Joint\":{\"AxisDirection\":-1,\"AxisNum\":3,\"BackLash\":0.01,\"DeRatedVel\":2500,"
+          "\"Direction\":1,\"EncoderResolution\":17,\"MaxAcc\":2.5,\"MaxDeRotSpeed\":3400,\"MaxDecel\":3.5,"
+          "\"MaxRotSpeed\":3500,\"NegSWLimit\":-170,\"PosSWLimit\":170,\"RatedDeRotSpeed\":2900,"
+          "\"RatedRotSpeed\":3000,\"RatedVel\":3000,\"ReducRatio\":101}}')"},
+         {"接收关节参数数据 joint=3 posSWLimit=170 negSWLimit=-170 ratedvel=3000 DeRatedVel=2500 maxRotSpeed=3500 "
+          "maxDeRotSpeed=3400 maxAcc=2.5 maxDecel=3.5 reducRatio=101 encoderResolution=17 ratedrotspeed=3000 "
+          "ratedderotspeed=2900 backlash=0.01 direction=1 AxisDirection=-1"}});
+    add("Cartesian jog limits", {0x2609, R"({"MaxAcc":100,"MaxSpeed":250})", "", "", true, true,
+                                 {"robot_rectInchSpeed_data_check('{\"MaxAcc\":100,\"MaxSpeed\":250}')"}});
+    add("interpolation", {0x2803, R"({"interpolationMethod":1,"stopTime":10})", "", "", true, true,
+                          {"robot_interpolationMode_data_check('{\"interpolationMethod\":1,\"stopTime\":10}')"},
+                          {"接收机器人插补方式 interpolationMethod=1"}});
+    add("sensitivity", {0x260C, R"({"Sensitivity":3})", "", "", true, true,
+                        {"robot_sensitivity_data_check('{\"Sensitivity\":3}')"}, {"接收点动灵敏度 Sensitivity=3"}});
+    add("DH values ignored for the one-axis model, not JSON", {0x3E05, "Link=1", "robotType=18", "", false, false});
     add("joint jog limits", {0x2606, R"({"AxisNum":2,"MaxSpeed":30})", "", "", true, true,
                              {"robot_jointInchSpeed_data_check(2,'{\"AxisNum\":2,\"MaxSpeed\":30}')"},
                              {"接收关节轴最大点动速度 AxisNum=2 MaxSpeed=30 MaxAcc=0"}});
