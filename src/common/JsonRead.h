@@ -8,6 +8,7 @@
 // and clamps to the int range; true and false read as 1 and 0.
 
 #include <QString>
+#include <initializer_list>
 #include <string>
 #include <json/value.h>
 
@@ -38,5 +39,24 @@ std::string jsonText(const Json::Value &value);
 // A member that is a number (or true/false), else the fallback.
 int jsonIntOr(const Json::Value &object, const char *key, int fallback);
 double jsonRealOr(const Json::Value &object, const char *key, double fallback);
+
+// True when the value is an object that holds at least one of the keys (a
+// list or an array of key names) as a member that is not null.
+template <typename Keys>
+bool hasAnyKey(const Json::Value &object, const Keys &keys)
+{
+    if (!object.isObject())
+        return false;
+    for (const char *key : keys) {
+        if (!jsonMember(object, key).isNull())
+            return true;
+    }
+    return false;
+}
+
+inline bool hasAnyKey(const Json::Value &object, std::initializer_list<const char *> keys)
+{
+    return hasAnyKey<std::initializer_list<const char *>>(object, keys);
+}
 
 } // namespace qrx

@@ -155,10 +155,14 @@ void Controller::hookRobot(Robot *robot)
     }
     restartLinkEvents();
     robot->setMessageSink([this](int level, const QByteArray &text) { deliverMessage(level, text); });
-    robot->setReportSink([this] { notifyState(); });
-    // The Robot's handlers were wired first, so each count follows the
-    // handler that filled the cache.
-    hookReplyCounters(robot, [this, robot, counts](quint16 code) { countReply(robot, *counts, code); });
+    // After the report filled the caches: the state handler hears of it,
+    // then a reply is counted for matched waits.
+    robot->setReportSink([this, robot, counts](quint16 code, bool woke) {
+        if (woke)
+            notifyState();
+        if (isAnsweringReply(code))
+            countReply(robot, *counts, code);
+    });
     hookLinkStatus(robot, [this, robot](int status) { onLinkStatus(robot, status); });
 }
 

@@ -1,7 +1,6 @@
 #include "controller/LinkHooks.h"
 
 #include "common/HandOver.h"
-#include "link/DispatchTable.h"
 #include "link/TcpConnectModule.h"
 #include "link/TcpConnectModulePrivate.h"
 #include "protocol/Catalogue.h"
@@ -11,6 +10,9 @@
 #include <QObject>
 #include <QThread>
 
+#include <algorithm>
+#include <vector>
+
 namespace qrx {
 
 quint16 replyCodeFor(quint16 query)
@@ -18,38 +20,18 @@ quint16 replyCodeFor(quint16 query)
     return protocol::replyTo(query);
 }
 
-QVector<quint16> answeringReplyCodes()
+bool isAnsweringReply(quint16 code)
 {
-    QVector<quint16> codes;
-    for (const protocol::Message &request : protocol::outgoing()) {
-        if (request.pairedWith && !codes.contains(request.pairedWith))
-            codes.append(request.pairedWith);
-    }
-    return codes;
-}
-
-void hookReplyCounters(Robot *robot, std::function<void(quint16)> counted)
-{
-    TcpConnectModule *link = robot->link();
-    for (const quint16 code : answeringReplyCodes()) {
-        const DispatchRow *row = findDispatchRow(code);
-        const bool payloadSignal = row && row->notification &&
-                                   (row->delivery == protocol::Delivery::Forward ||
-                                    row->delivery == protocol::Delivery::ForwardIfJson);
-        if (payloadSignal) {
-            QObject::connect(
-                link, row->notification, robot, [counted, code](const QByteArray &) { counted(code); },
-                Qt::DirectConnection);
-        } else if (!row) {
-            QObject::connect(
-                link, &LinkNotifications::receivedData, robot,
-                [counted, code](quint16 command, const QByteArray &) {
-                    if (command == code)
-                        counted(code);
-                },
-                Qt::DirectConnection);
+    static const std::vector<quint16> codes = [] {
+        std::vector<quint16> all;
+        for (const protocol::Message &request : protocol::outgoing()) {
+            if (request.pairedWith)
+                all.push_back(request.pairedWith);
         }
-    }
+        std::sort(all.begin(), all.end());
+        return all;
+    }();
+    return std::binary_search(codes.begin(), codes.end(), code);
 }
 
 void hookLinkStatus(Robot *robot, std::function<void(int)> status)

@@ -1,9 +1,8 @@
 #pragma once
-// What a Controller hooks to its Robot's link: the reply counters of matched
-// replies, the link's status for the connection events, and why a link
-// went down.
+// What a Controller hooks to its Robot's link: the link's status for the
+// connection events, and why a link went down; and which reports are the
+// counted replies of matched waits.
 
-#include <QVector>
 #include <QtGlobal>
 
 #include <functional>
@@ -24,12 +23,8 @@ constexpr int kReasonControllerSilent = 3;
 
 // The reply code that answers a query code (0 when the catalogue has none).
 quint16 replyCodeFor(quint16 query);
-// Every such reply code, once each.
-QVector<quint16> answeringReplyCodes();
-
-// Calls counted(code) on the link thread for each reply of
-// answeringReplyCodes() the Robot's link takes, after the Robot's handler.
-void hookReplyCounters(Robot *robot, std::function<void(quint16)> counted);
+// True for a code that answers some query (counted for matched waits).
+bool isAnsweringReply(quint16 code);
 
 // Calls status(0 or 1) with each status the Robot's link says, in the
 // Robot's thread; the hook is made there.

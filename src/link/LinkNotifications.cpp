@@ -3,45 +3,51 @@
 #include "common/Payload.h"
 #include "link/DispatchTable.h"
 #include "link/LinkTypes.h"
+#include "link/PositionReport.h"
+
+#include <QMetaMethod>
 
 #include <json/value.h>
 
-namespace {
+#include <vector>
 
-// 0x2A03: "posDeg" (array of reals), "coord", "robot", "configuration".
-// All four must be there; a payload that lacks one, does not parse, or
-// holds values of the wrong kind is dropped.
-bool decodePosition(const QByteArray &data, QVector<double> &position, int &coord, int &robot,
-                    int &configuration)
-{
-    Json::Value root;
-    if (!qrx::parsePayload(data, root) || !root.isObject())
-        return false;
-    for (const char *key : {"posDeg", "coord", "robot", "configuration"}) {
-        if (!root.isMember(key))
-            return false;
-    }
-    try {
-        const Json::Value &posDeg = root["posDeg"];
-        if (posDeg.isObject()) // not an array: no elements to read by index
-            return false;
-        position.clear();
-        position.reserve(int(posDeg.size()));
-        for (Json::ArrayIndex i = 0; i < posDeg.size(); ++i)
-            position.append(posDeg[i].asDouble());
-        coord = root["coord"].asInt();
-        robot = root["robot"].asInt();
-        configuration = root["configuration"].asInt();
-    } catch (const Json::Exception &) {
-        return false;
-    }
-    return true;
-}
+namespace {
 
 bool isJson(const QByteArray &data)
 {
     Json::Value ignored;
     return qrx::parsePayload(data, ignored);
+}
+
+// The catalogue names each notification; the signal of that name taking the
+// payload, looked up once, by the row's place among the incoming rows.
+struct NamedSignals
+{
+    std::vector<QMetaMethod> first;
+    std::vector<QMetaMethod> second;
+
+    static QMetaMethod payloadSignal(const char *name)
+    {
+        if (!name)
+            return QMetaMethod();
+        const QMetaObject &meta = LinkNotifications::staticMetaObject;
+        const int index = meta.indexOfSignal(QByteArray(QByteArray(name) + "(QByteArray)").constData());
+        return index >= 0 ? meta.method(index) : QMetaMethod();
+    }
+
+    NamedSignals()
+    {
+        for (const qrx::protocol::Message &row : qrx::protocol::incoming()) {
+            first.push_back(payloadSignal(row.name));
+            second.push_back(payloadSignal(row.secondName));
+        }
+    }
+};
+
+const NamedSignals &namedSignals()
+{
+    static const NamedSignals table;
+    return table;
 }
 
 } // namespace
@@ -50,35 +56,41 @@ LinkNotifications::LinkNotifications(QObject *parent)
     : QObject(parent)
 {
     qrx::registerLinkMetaTypes();
+    namedSignals();
 }
 
 void LinkNotifications::onReceivedData(quint16 command, QByteArray data)
 {
     const qrx::DispatchRow *row = qrx::findDispatchRow(command);
     if (!row) {
+        if (m_frameSink)
+            m_frameSink(command, data);
         Q_EMIT receivedData(command, data);
         return;
     }
     using Delivery = qrx::protocol::Delivery;
+    if (row->delivery == Delivery::ForwardIfJson && !isJson(data))
+        return;
+    if (m_frameSink)
+        m_frameSink(command, data);
     switch (row->delivery) {
     case Delivery::ForwardIfJson:
-        if (!isJson(data))
-            return;
-        Q_FALLTHROUGH();
-    case Delivery::Forward:
-        Q_EMIT(this->*row->notification)(data);
-        if (row->second)
-            Q_EMIT(this->*row->second)(data);
+    case Delivery::Forward: {
+        const std::size_t at = std::size_t(row - qrx::protocol::incoming().begin());
+        const NamedSignals &named = namedSignals();
+        named.first[at].invoke(this, Qt::DirectConnection, Q_ARG(QByteArray, data));
+        if (named.second[at].isValid())
+            named.second[at].invoke(this, Qt::DirectConnection, Q_ARG(QByteArray, data));
         return;
+    }
     case Delivery::TestModeByte:
         if (data.size() == 1)
             Q_EMIT receivedTestMode(static_cast<signed char>(data.at(0)));
         return;
     case Delivery::Position: {
-        QVector<double> position;
-        int coord = 0, robot = 0, configuration = 0;
-        if (decodePosition(data, position, coord, robot, configuration))
-            Q_EMIT receivedPosition(position, coord, robot, configuration);
+        qrx::PositionReport report;
+        if (qrx::decodePositionReport(data, report))
+            Q_EMIT receivedPosition(report.position, report.coord, report.robot, report.configuration);
         return;
     }
     case Delivery::NoArgument:

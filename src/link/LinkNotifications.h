@@ -12,11 +12,16 @@
 // that is not in the table goes out as receivedData(command, payload).
 //
 // The dispatcher runs in the link thread and never blocks; listeners in
-// other threads get the notifications queued.
+// other threads get the notifications queued. Before the notifications, it
+// hands each frame it delivers to the frame sink (the state model's one
+// entry point), so that a listener of a notification finds the state the
+// report changed already changed.
 
 #include <QByteArray>
 #include <QObject>
 #include <QVector>
+
+#include <functional>
 
 class LinkNotifications : public QObject
 {
@@ -393,7 +398,17 @@ Q_SIGNALS:
     void recvSyncPositonerSwitch(const QByteArray &data);
     void receivePayloadNumPara(const QByteArray &data);
 
+public:
+    // Called on the link thread with every frame the dispatcher delivers
+    // (a code it does not know included; a payload that its row refuses,
+    // such as a non-JSON 0x2003, not). Set before the link starts.
+    using FrameSink = std::function<void(quint16 command, const QByteArray &data)>;
+    void setFrameSink(FrameSink sink) { m_frameSink = std::move(sink); }
+
 public Q_SLOTS:
     // The dispatcher; runs in the link thread and never blocks.
     void onReceivedData(quint16 command, QByteArray data);
+
+private:
+    FrameSink m_frameSink;
 };

@@ -2,19 +2,17 @@
 // The protocol catalogue: every command code this library knows, one row per
 // code and direction, in one place (Catalogue.cpp).
 //
-// A message from the controller names the link notification it becomes
-// (a member pointer of LinkNotifications), how the dispatcher delivers it,
-// the Robot slot or signal the notification reaches, whether that handler
-// wakes the calls waiting for a reply, and, for a reply, the query it
-// answers. A request to the controller names its code (Codes.h) and the
-// reply the controller answers it with.
+// A message from the controller names the link notification it becomes (by
+// name: the link maps names to its signals), how the dispatcher delivers
+// it, and, for a reply, the query it answers. A request to the controller
+// names its code (Codes.h) and the reply the controller answers it with.
 //
-// The dispatcher (link/DispatchTable.cpp), the Robot wiring
-// (robot/RobotWiring.cpp), the exported functions (through the named codes),
-// qrx-sim and the tests all read these rows. Lookups are binary searches over
-// constant arrays: no allocation, no lock, safe from any thread.
+// The dispatcher (link/LinkNotifications.cpp), the state model's report
+// table (robot/ReportTable.cpp), the exported functions (through the named
+// codes), qrx-sim and the tests all read these rows. Lookups are binary
+// searches over constant arrays: no allocation, no lock, safe from any
+// thread. Nothing here knows the link or the state model.
 
-#include "link/LinkNotifications.h"
 #include "protocol/Codes.h"
 
 #include <QtGlobal>
@@ -28,7 +26,7 @@ enum class Direction : quint8 {
 
 // How the dispatcher turns a received payload into its notification.
 enum class Delivery : quint8 {
-    Forward,       // emit `notification` (then `second`, if set) with the payload as it came
+    Forward,       // emit the notification (then the second, if named) with the payload as it came
     ForwardIfJson, // as Forward, but only when the payload parses as JSON
     TestModeByte,  // receivedTestMode(signed char) for a payload of exactly one byte
     Position,      // receivedPosition(...) decoded from "posDeg", "coord", "robot", "configuration"
@@ -37,32 +35,14 @@ enum class Delivery : quint8 {
     None,          // a request: nothing to deliver
 };
 
-// A notification that carries the received payload.
-using PayloadSignal = void (LinkNotifications::*)(const QByteArray &);
-
-// Where a notification goes in the Robot: a handler slot or a Robot signal
-// (a relay), by its normalised signature.
-struct Listener
-{
-    enum Kind : quint8 { Nobody, Slot, Signal };
-    Kind kind = Nobody;
-    const char *member = nullptr; // e.g. "robot_net_slot_servoChangedProcess(QByteArray)"
-};
-
 struct Message
 {
     quint16 code;
     Direction direction;
     const char *name;            // the notification's name, or the request's name in Codes.h
-    PayloadSignal notification;  // null for deliveries that emit a signal of another shape
     Delivery delivery;
-    Listener listener;           // the Robot member the notification reaches
-    Listener alsoTo;             // a second Robot member of the same notification
-    bool wakes;                  // the handler wakes every call waiting for a reply
     quint16 pairedWith;          // a reply: the query it answers; a request: the reply it gets (0: none)
     const char *secondName = nullptr; // a second notification of the same payload
-    PayloadSignal second = nullptr;
-    Listener secondListener = {};
 
     bool isReply() const { return direction == Direction::FromController && pairedWith != 0; }
 };

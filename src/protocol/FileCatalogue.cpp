@@ -14,7 +14,7 @@ constexpr Direction Out = Direction::ToController;
 // The file connection (port 5000): codes that never travel on the main link
 // and are read by the file transfer alone (0x5502 is also the main link's
 // receiveUploadAnswer). Named here for the readers of names (the dissector).
-#define fileCode(n, direction) {code::n, direction, #n, nullptr, Delivery::None, Listener{}, Listener{}, false, 0, nullptr, nullptr, Listener{}}
+#define fileCode(n, direction) {code::n, direction, #n, Delivery::None, 0}
 constexpr Message kFileConnection[] = {
     fileCode(AnnounceUpload, Out),
     fileCode(UploadAnswer, In),

@@ -1,5 +1,5 @@
 #pragma once
-// Log lines of the parameter, frame and process handlers: a translated text
+// Log lines of the decoders: a translated text
 // of the Robot context whose placeholders take the values of payload
 // members in turn. Members are read as reals (a missing one reads 0) and
 // written as QString::arg writes a double, so an integer shows as "6".

@@ -3,8 +3,10 @@
 #include "common/Logging.h"
 #include "link/IoThreads.h"
 #include "link/TcpConnectModule.h"
-#include "robot/RobotWiring.h"
+#include "protocol/Catalogue.h"
 #include "protocol/Codes.h"
+#include "robot/HandlerLines.h"
+#include "robot/ReportTable.h"
 
 #include <QAbstractEventDispatcher>
 #include <QElapsedTimer>
@@ -51,20 +53,10 @@ void Robot::setMessageSink(MessageSink sink)
     m_messageSink = std::move(sink);
 }
 
-void Robot::setReportSink(std::function<void()> sink)
+void Robot::setReportSink(ReportSink sink)
 {
     std::lock_guard<std::mutex> lock(m_sinkMutex);
     m_reportSink = std::move(sink);
-}
-
-void Robot::forceModeNotification()
-{
-    m_forceModeNotification.store(true);
-}
-
-bool Robot::takeForceModeNotification()
-{
-    return m_forceModeNotification.exchange(false);
 }
 
 Robot::Robot(const QString &ip, QObject *parent)
@@ -90,7 +82,59 @@ Robot::Robot(const QString &ip, quint16 port, IoThread io, QObject *parent)
         m_link->useSharedIoThread();
     m_link->setParent(this);
     m_link->setCurrentRobotSource([this] { return currentRobot(); });
-    qrx::wireRobot(m_link, this);
+    m_link->setFrameSink([this](quint16 command, const QByteArray &payload) { take(command, payload); });
+    connect(m_link, &LinkNotifications::connectSucceed, this, &Robot::robot_net_slot_connectSucceed,
+            Qt::DirectConnection);
+    // Notifications without a code of their own, relayed for whoever emits
+    // them on the link.
+    connect(m_link, &LinkNotifications::receivedRunningMode, this, &RobotSignals::robot_running_status_changed,
+            Qt::DirectConnection);
+    connect(m_link, &LinkNotifications::receivedDragSwitch, this, &RobotSignals::robot_DragSwitch,
+            Qt::DirectConnection);
+    connect(m_link, &LinkNotifications::receivePayloadNumPara, this, &RobotSignals::robot_receivePayloadNumPara,
+            Qt::DirectConnection);
+}
+
+void Robot::robot_net_slot_connectSucceed(int status)
+{
+    connected.store(status != 0 ? 1 : 0);
+    emit robot_connect_succeed(status);
+}
+
+void Robot::take(quint16 command, const QByteArray &payload)
+{
+    MessageSink messageSink;
+    ReportSink reportSink;
+    {
+        std::lock_guard<std::mutex> lock(m_sinkMutex);
+        messageSink = m_messageSink;
+        reportSink = m_reportSink;
+    }
+    const qrx::ReportRow *row = qrx::findReportRow(command);
+    bool woke = false;
+    if (!row) {
+        if (!qrx::protocol::find(command))
+            emit robot_received_data(command, payload);
+    } else {
+        qrx::Change change;
+        {
+            std::lock_guard<std::recursive_mutex> lock(cacheMutex);
+            change = qrx::decodeReport(*row, payload, *this);
+        }
+        for (const QString &line : qAsConst(change.lines))
+            qrx::writeRobotLine(line);
+        if (change.request)
+            send(change.request, change.requestPayload);
+        if (change.messageLevel >= 0 && messageSink)
+            messageSink(change.messageLevel, change.message); // NUL-terminated, alive during the call
+        woke = qrx::notifyReport(*row, change, *this, payload);
+        if (change.settleMs)
+            waitingPause(change.settleMs);
+        if (woke)
+            wakeWaiters();
+    }
+    if (reportSink)
+        reportSink(command, woke);
 }
 
 Robot::~Robot()
@@ -140,43 +184,28 @@ bool Robot::isClosed() const
     return m_link->isStopped();
 }
 
-int Robot::currentRobot() const
-{
-    const int override = m_overrideRobot.load();
-    return override != 0 ? override : m_defaultRobot.load();
-}
-
 void Robot::setCurrentRobot(int robot)
 {
-    m_overrideRobot.store(robot);
-    m_defaultRobot.store(robot);
+    robotOverride.store(robot);
+    robotDefault.store(robot);
 }
 
 std::string Robot::lastMessage() const
 {
-    std::lock_guard<std::mutex> lock(m_messageMutex);
-    return m_lastMessage;
-}
-
-void Robot::storeMessage(const std::string &text)
-{
-    std::lock_guard<std::mutex> lock(m_messageMutex);
-    m_lastMessage = text;
+    std::lock_guard<std::recursive_mutex> lock(cacheMutex);
+    return lastMessageText;
 }
 
 void Robot::wakeWaiters()
 {
-    {
-        std::lock_guard<std::mutex> lock(replyMutex);
-        replyCondition.notify_all();
-    }
-    std::function<void()> sink;
-    {
-        std::lock_guard<std::mutex> lock(m_sinkMutex);
-        sink = m_reportSink;
-    }
-    if (sink)
-        sink();
+    std::lock_guard<std::mutex> lock(replyMutex);
+    replyCondition.notify_all();
+}
+
+// The catalogue is chosen by the robot count held (0x2E06).
+QString Robot::configFileDescription(const QString &fileName) const
+{
+    return configCatalogue.describe(fileName, robotCount);
 }
 
 void Robot::waitingPause(int ms)

@@ -4,15 +4,15 @@
 // by SIGNAL() strings or member pointers on a Robot work as they are). The
 // names keep the program's own irregular spellings.
 //
-// Most of them are relays: the protocol catalogue (protocol/Catalogue.cpp)
-// joins a link notification straight to the signal, which then carries the
-// payload exactly as received and wakes nobody. The others are emitted by
-// the handler slots of Robot (StatusHandlers.cpp, RecordHandlers.cpp, ...).
+// Most of them are relays: a row of the report table (ReportTable.cpp)
+// emits the signal with the payload exactly as received and wakes nobody.
+// The others are emitted by the notifiers of the decoders (Decoders.h).
 
 #include "link/LinkTypes.h"
 #include "robot/RobotTypes.h"
 
 #include <QByteArray>
+#include <QMetaMethod>
 #include <QObject>
 #include <QString>
 #include <QVector>
@@ -25,6 +25,10 @@ class RobotSignals : public QObject
     Q_OBJECT
 public:
     using QObject::QObject;
+
+    // True when something listens to the signal (a notifier skips work
+    // that only a listener would use).
+    bool isListened(const QMetaMethod &signal) const { return isSignalConnected(signal); }
 
 Q_SIGNALS:
     // ---- core: signals, in their order ------------------------------------
@@ -109,7 +113,7 @@ Q_SIGNALS:
     void robot_rec_globalPosition(QByteArray);
     void receivePresentRobotList(QStringList robots);
     void signal_updateRobotServoList();
-    // relays: the payload as received (RobotWiring.cpp, families rows)
+    // relays: the payload as received (rows of ReportTable.cpp)
     // job and run control
     void signal_mainJob(QByteArray);
     void robot_servoerrordelete(QByteArray);

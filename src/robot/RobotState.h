@@ -1,17 +1,16 @@
 #pragma once
-// The controller's state as the host sees it: the caches the handlers of
-// Robot fill on the link thread and the host API copies out after a wake.
-// A plain struct: no signals, no link; Robot derives from it, so a getter
-// reads robot->servoStatus as before.
+// The controller's state as the host sees it: the caches the decoders of
+// the report table (ReportTable.h) fill on the link thread and the host API
+// copies out after a wake. A plain struct: no signals, no link; Robot
+// derives from it, so a getter reads robot->servoStatus as before.
 //
-// Threads: every field is written on the link thread by one handler (or,
+// Threads: every field is written on the link thread by one decoder (or,
 // where noted, by the host API) and read on host threads after the request
 // that asked for it was woken. Scalars are atomic, so a read beside a write
-// is defined; arrays are written by the handlers and copied by the host API
+// is defined; arrays are written by the decoders and copied by the host API
 // under the Robot's cacheMutex, so a copy never mixes two reports.
-// Each field's layout is documented here and beside the handler that fills
-// it (StatusHandlers.cpp, RecordHandlers.cpp, RobotTypeHandlers.cpp,
-// ToolFrameHandlers.cpp, ProcessRelays.cpp).
+// Each field's layout is documented here and beside the decoder that fills
+// it (the *Decoders.cpp files, Decoders.h).
 
 #include <QDateTime>
 #include <QStringList>
@@ -19,14 +18,32 @@
 
 #include <atomic>
 #include <mutex>
+#include <string>
 
 namespace qrx {
 
 struct RobotState
 {
-    // Held by a handler while it reads a report into the caches, and by the
-    // host API only while it copies cached array values out.
+    // Held while a report is decoded into the caches, and by the host API
+    // only while it copies cached array values out.
     mutable std::recursive_mutex cacheMutex;
+
+    // The robot that "robot" keys address: the override if non-zero, else
+    // the default. Both start at 1; the current-robot report (0x5003) sets both.
+    std::atomic<int> robotOverride{1};
+    std::atomic<int> robotDefault{1};
+    int currentRobot() const
+    {
+        const int override = robotOverride.load();
+        return override != 0 ? override : robotDefault.load();
+    }
+    // Mode reports are taken only while ready (the link is about to connect
+    // or is connected); modeNotificationForced makes the next one notify
+    // even when the mode did not change.
+    std::atomic<bool> ready{false};
+    std::atomic<bool> modeNotificationForced{false};
+    // 0x2B03/0x2B04/0x2B05 "data" of the last error, warning or information.
+    std::string lastMessageText;
 
     // 0x2003 servo report {"mode","robot","status"}
     std::atomic<int> servoStatus{0};                // "status" of the robot shown
@@ -80,7 +97,7 @@ struct RobotState
     double globalReal[kGlobalVarCount] = {};     // varType 3 ("GD...")
     quint8 globalBool[kGlobalVarCount] = {};     // varType 1 ("GB..."), 0 or 1
     // 0x5606 one global position {"robot","posName","posValue"[14]}
-    // (filled by the families' global-position handler)
+    // (filled by the global-position decoder)
     double globalPosition[14] = {};     // robot axes [0..6], synchronous axes [7..13]
     // 0x2A05 motor speed {"vel"[7],"maxVel"[7],"velSync"[5],"maxVelSync"[5]}
     double motorVel[2][7] = {};         // [0] "vel", [1] "maxVel"
@@ -125,7 +142,7 @@ struct RobotState
 
     // ---- families: state ---------------------------------------------------
     // (robot type and kinematics, tools and frames, catalogue, relays)
-    // Caches filled by ToolFrameHandlers.cpp:
+    // Caches filled by ToolFrameDecoders.cpp:
     //   toolParameters[toolNum]  0x3807 "toolDeg"[0..5] (x, y, z, A, B, C),
     //                            toolNum 0..kToolCount-1; lastToolNum = "toolNum"
     //   fourPointData[9]         0x7208: "status"[0..3], "result",

@@ -1,7 +1,8 @@
 // The robot model and its kinematic parameters, through the link from
-// qrx-sim: every wire code of the robot type report, the DH lines of each
-// model, DH messages ignored by the one-axis model, and the parameter
-// reports with their log lines and notifications.
+// qrx-sim: the type the controller starts with and answers a query with,
+// the type names, the DH lines of each model, and the configuration files
+// by robot count. What each report does to the state, its lines and its
+// signals is tst_decoders' part, without a socket.
 
 #include "RobotFixture.h"
 #include "ThreadSpy.h"
@@ -12,7 +13,6 @@
 
 namespace {
 
-const QString kTypeLinePrefix = QStringLiteral("接收机器人型号");
 const QString kDhLinePrefix = QStringLiteral("接收DH参数数据");
 
 QByteArray typeReport(int wire)
@@ -75,83 +75,6 @@ private Q_SLOTS:
     {
         QCOMPARE(robot->robotType, 1);
         QCOMPARE(robot->axisCount, 6);
-    }
-
-    void robotType_data()
-    {
-        QTest::addColumn<int>("wire");
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<int>("axes"); // after a seven-axis robot
-        QTest::addColumn<QString>("line");
-
-        QTest::newRow("1") << 1 << 1 << "R_GENERAL_6S" << 6 << "接收机器人型号 六轴机器人";
-        QTest::newRow("2") << 2 << 6 << "R_SCARA" << 4 << "接收机器人型号四轴SCARA机器人";
-        QTest::newRow("3") << 3 << 8 << "R_FOURAXIS_PALLET" << 4 << "接收机器人型号四轴码垛机器人";
-        QTest::newRow("4") << 4 << 10 << "R_FOURAXIS" << 4 << "接收机器人型号四轴机器人";
-        QTest::newRow("5") << 5 << 18 << "R_GENERAL_1S" << 1 << "接收机器人型号一轴机器人";
-        QTest::newRow("6") << 6 << 5 << "R_GENERAL_5S" << 5 << "接收机器人型号五轴机器人";
-        QTest::newRow("7") << 7 << 2 << "R_GENERAL_6S_1" << 6 << "接收机器人型号UR机器人";
-        QTest::newRow("8") << 8 << 16 << "R_SCARA_TWOAXIS" << 2 << "接收机器人型号二轴SCARA机器人";
-        QTest::newRow("9") << 9 << 13 << "R_SCARA_THREEAXIS" << 3 << QString();
-        QTest::newRow("10") << 10 << 14 << "R_THREE_CARTESIAN_COORDINATE" << 3 << QString();
-        QTest::newRow("11") << 11 << 15 << "R_THREE_CARTESIAN_COORDINATE_1" << 3 << QString();
-        QTest::newRow("12") << 12 << 17 << "R_GENERAL_7S" << 7 << QString();
-        QTest::newRow("13") << 13 << 7 << "R_SCARA_1" << 4 << "接收机器人型号SCARA异型一机器人";
-        QTest::newRow("14") << 14 << 9 << "R_FOURAXIS_PALLET_1" << 4 << "接收机器人型号四轴码垛异形一机器人";
-        QTest::newRow("15") << 15 << 3 << "R_SIXAXIS_SPRAY_BBR" << 6 << "接收机器人型号六轴喷涂机器人";
-        QTest::newRow("16") << 16 << 11 << "R_FOUR_CARTESIAN_COORDINATE" << 4 << "接收机器人型号四轴直角机器人";
-        QTest::newRow("17") << 17 << 12 << "R_FOUR_POLAR_COORDINATE_1" << 4
-                            << "接收机器人型号四轴极坐标异型机器人";
-        QTest::newRow("18") << 18 << 4 << "R_GENERAL_6S_2" << 6 << "接收机器人型号 六轴异型一";
-        QTest::newRow("19") << 19 << 19 << "R_GANTRY_WELD" << 5 << "接收机器人型号龙门焊接机器人";
-        QTest::newRow("20 delta keeps the axes") << 20 << 20 << "R_DELTA" << 7 << "接收机器人型号delta机器人";
-        QTest::newRow("0 unknown") << 0 << 0 << "R_NULL" << 7 << QString();
-        QTest::newRow("21 unknown") << 21 << 0 << "R_NULL" << 7 << QString();
-        QTest::newRow("-1 unknown") << -1 << 0 << "R_NULL" << 7 << QString();
-        QTest::newRow("1000 unknown") << 1000 << 0 << "R_NULL" << 7 << QString();
-    }
-
-    void robotType()
-    {
-        QFETCH(int, wire);
-        QFETCH(int, type);
-        QFETCH(QString, name);
-        QFETCH(int, axes);
-        QFETCH(QString, line);
-
-        holdType(12); // seven axes: no other model has as many
-        QCOMPARE(robot->axisCount, 7);
-
-        LogCapture log;
-        ThreadSpy changed(robot, SIGNAL(robot_change_CurRobotType(RobotType)));
-        QVERIFY(changed.isValid());
-        QVERIFY(fixture.sendWaking(0x2E03, typeReport(wire)));
-        QVERIFY(fixture.flush());
-
-        QCOMPARE(robot->robotType, type);
-        QCOMPARE(robot->axisCount, axes);
-        QCOMPARE(changed.count(), 1);
-        QCOMPARE(int(changed.at(0).value(0).value<RobotType>()), type);
-        QCOMPARE(qrx::robotTypeName(type), name);
-
-        const QStringList typeLines = log.lines().filter(kTypeLinePrefix);
-        if (line.isEmpty())
-            QVERIFY2(typeLines.isEmpty(), qPrintable(typeLines.join('|')));
-        else
-            QCOMPARE(typeLines, QStringList{line});
-    }
-
-    // A report that is not JSON changes nothing but still ends a wait.
-    void robotTypeGarbage()
-    {
-        holdType(3);
-        ThreadSpy changed(robot, SIGNAL(robot_change_CurRobotType(RobotType)));
-        QVERIFY(fixture.sendWaking(0x2E03, "type=7", true));
-        QVERIFY(fixture.flush());
-        QCOMPARE(robot->robotType, 8);
-        QCOMPARE(robot->axisCount, 4);
-        QCOMPARE(changed.count(), 0);
     }
 
     void typeNames_data()
@@ -259,106 +182,6 @@ private Q_SLOTS:
                      "接收DH参数数据 a1=1 a2=0 a3=0 a4=0 d4=0 couple_2_3=0 couple_3_4=0")});
     }
 
-    void dhIgnoredForOneAxis_data()
-    {
-        QTest::addColumn<quint16>("code");
-        QTest::addColumn<QByteArray>("payload");
-        QTest::newRow("values") << quint16(0x3E05) << kDhPayload;
-        QTest::newRow("state") << quint16(0x3A03) << kDhPayload;
-        QTest::newRow("values, not JSON") << quint16(0x3E05) << QByteArray("Link=1");
-    }
-
-    // With the wait lock held here, a DH handler that tried to wake would
-    // stall the link thread and the marker behind it would never arrive.
-    void dhIgnoredForOneAxis()
-    {
-        QFETCH(quint16, code);
-        QFETCH(QByteArray, payload);
-
-        holdType(5);
-        QCOMPARE(robot->robotType, 18);
-        LogCapture log;
-        ThreadSpy state(robot, SIGNAL(robot_user_dhParaState(QStringList)));
-        ThreadSpy finished(robot, SIGNAL(signal_DHreviewFinish()));
-
-        QVERIFY(fixture.sendWithoutWake(code, payload));
-
-        QVERIFY(log.lines().filter(kDhLinePrefix).isEmpty());
-        QCOMPARE(state.count(), 0);
-        QCOMPARE(finished.count(), 0);
-        QCOMPARE(robot->robotType, 18);
-    }
-
-    void parameterReports_data()
-    {
-        QTest::addColumn<quint16>("code");
-        QTest::addColumn<QByteArray>("payload");
-        QTest::addColumn<QString>("line"); // empty: none
-        QTest::addColumn<QByteArray>("signal");
-        QTest::addColumn<int>("number"); // the int argument, or -1 when there is none
-
-        QTest::newRow("joint parameters")
-            << quint16(0x3B03)
-            << QByteArray("{\"Joint\":{\"AxisDirection\":-1,\"AxisNum\":3,\"BackLash\":0.01,\"DeRatedVel\":2500,"
-                          "\"Direction\":1,\"EncoderResolution\":17,\"MaxAcc\":2.5,\"MaxDeRotSpeed\":3400,"
-                          "\"MaxDecel\":3.5,\"MaxRotSpeed\":3500,\"NegSWLimit\":-170,\"PosSWLimit\":170,"
-                          "\"RatedDeRotSpeed\":2900,\"RatedRotSpeed\":3000,\"RatedVel\":3000,"
-                          "\"ReducRatio\":101,\"reduce_ratio_enable\":1}}")
-            << QStringLiteral("接收关节参数数据 joint=3 posSWLimit=170 negSWLimit=-170 ratedvel=3000 "
-                              "DeRatedVel=2500 maxRotSpeed=3500 maxDeRotSpeed=3400 maxAcc=2.5 maxDecel=3.5 "
-                              "reducRatio=101 encoderResolution=17 ratedrotspeed=3000 ratedderotspeed=2900 "
-                              "backlash=0.01 direction=1 AxisDirection=-1")
-            << QByteArray(SIGNAL(robot_joint_para(int, QByteArray))) << 3;
-        // {"AxisNum":3} without "Joint" lacks the report's key: tst_keyless.
-        QTest::newRow("joint jog limits")
-            << quint16(0x2606) << QByteArray("{\"AxisNum\":2,\"MaxAcc\":1.5,\"MaxSpeed\":30}")
-            << QStringLiteral("接收关节轴最大点动速度 AxisNum=2 MaxSpeed=30 MaxAcc=1.5")
-            << QByteArray(SIGNAL(robot_jointInchSpeed_data_check(int, QByteArray))) << 2;
-        QTest::newRow("Cartesian jog limits")
-            << quint16(0x2609) << QByteArray("{\"MaxAcc\":100,\"MaxSpeed\":250}") << QString()
-            << QByteArray(SIGNAL(robot_rectInchSpeed_data_check(QByteArray))) << -1;
-        QTest::newRow("interpolation")
-            << quint16(0x2803)
-            << QByteArray("{\"absolutePosResolution\":0.01,\"interpolationMethod\":1,\"runDelayTime\":5,"
-                          "\"stopTime\":10}")
-            << QStringLiteral("接收机器人插补方式 interpolationMethod=1")
-            << QByteArray(SIGNAL(robot_interpolationMode_data_check(QByteArray))) << -1;
-        QTest::newRow("sensitivity")
-            << quint16(0x260C) << QByteArray("{\"Sensitivity\":3}") << QStringLiteral("接收点动灵敏度 Sensitivity=3")
-            << QByteArray(SIGNAL(robot_sensitivity_data_check(QByteArray))) << -1;
-        QTest::newRow("positioner axes")
-            << quint16(0x700B) << QByteArray("{\"AxisNum\":2}") << QStringLiteral("接收变位机轴数 2")
-            << QByteArray(SIGNAL(robot_tool_receiveOutterAxisCount(int))) << 2;
-    }
-
-    void parameterReports()
-    {
-        QFETCH(quint16, code);
-        QFETCH(QByteArray, payload);
-        QFETCH(QString, line);
-        QFETCH(QByteArray, signal);
-        QFETCH(int, number);
-
-        LogCapture log;
-        ThreadSpy spy(robot, signal.constData());
-        QVERIFY(spy.isValid());
-        QVERIFY(fixture.sendWaking(code, payload));
-        QVERIFY(fixture.flush());
-
-        QCOMPARE(spy.count(), 1);
-        const QList<QVariant> args = spy.at(0);
-        if (number >= 0)
-            QCOMPARE(args.value(0).toInt(), number);
-        // The payload, where the notification carries it, is the one received.
-        for (const QVariant &arg : args)
-            if (arg.userType() == QMetaType::QByteArray)
-                QCOMPARE(arg.toByteArray(), payload + '\n');
-        if (!line.isEmpty())
-            QCOMPARE(log.count(line), 1);
-        if (code == 0x700B)
-            QCOMPARE(robot->positionerAxisCount, number);
-    }
-
     // The controller answers the type query with the model it drives.
     void typeQueryAnswered()
     {
@@ -392,16 +215,6 @@ private Q_SLOTS:
         QVERIFY(fixture.flush());
         QCOMPARE(robot->robotCount, sum);
         QCOMPARE(robot->configFileDescription(file), description);
-    }
-
-    // The positioner axis count also travels on as the raw report.
-    void positionerCountRelayed()
-    {
-        ThreadSpy relayed(robot, SIGNAL(signal_syncPositionerNum(QByteArray)));
-        fixture.send(0x700B, "{\"AxisNum\":1}");
-        QVERIFY(fixture.flush());
-        QCOMPARE(relayed.count(), 1);
-        QCOMPARE(relayed.at(0).value(0).toByteArray(), QByteArray("{\"AxisNum\":1}\n"));
     }
 };
 
