@@ -164,12 +164,16 @@ void Robot::storeMessage(const std::string &text)
     m_lastMessage = text;
 }
 
+void Robot::wakeReplyWaiters()
+{
+    std::lock_guard<std::mutex> lock(replyMutex);
+    replyWakes.fetch_add(1);
+    replyCondition.notify_all();
+}
+
 void Robot::wakeWaiters()
 {
-    {
-        std::lock_guard<std::mutex> lock(replyMutex);
-        replyCondition.notify_all();
-    }
+    wakeReplyWaiters();
     std::function<void()> sink;
     {
         std::lock_guard<std::mutex> lock(m_sinkMutex);
