@@ -6,9 +6,9 @@
 //
 // The writer holds a duplicate of the socket's descriptor, so the socket
 // it writes on stays the same socket even when the socket's thread closes
-// its own descriptor meanwhile: a write then fails, and never reaches
-// another file that took the number. The kernel ends the connection once
-// both descriptors are closed: the socket closes its writer whenever it
+// its own descriptor meanwhile: a write never reaches another file that
+// took the number. The kernel ends the connection only once both
+// descriptors are closed, so the socket closes its writer whenever it
 // leaves the connected state (TcpSocket).
 //
 // Any thread; a close() waits for a write in progress.
