@@ -2,11 +2,16 @@
 // controller that streams position reports costs the library.
 //
 //  - BM_RoundTrip: get_current_position() against a minimal peer that
-//    answers 0x2F07 with a 0x2F08 report at once, and its baseline, a
-//    blocking socket that sends the very same 0x2F07 frame to a peer of the
-//    same kind and reads the 0x2F08 frame back. The two alternate, one of
-//    each per iteration; the medians are "getter_median_us" and
-//    "raw_median_us", and "ratio" should stay at most 3.
+//    answers 0x2F07 with a 0x2F08 report at once, the same through a handle
+//    of its own (qrxc_get_current_position, a link on the library's shared
+//    threads, to a peer of its own), and their baseline, a blocking socket
+//    that sends the very same 0x2F07 frame to a peer of the same kind and
+//    reads the 0x2F08 frame back. The three alternate, one of each per
+//    iteration. Medians and 99th percentiles: "raw_median_us",
+//    "raw_p99_us", "getter_median_us", "getter_p99_us", "handle_median_us",
+//    "handle_p99_us"; the goal is a median at most 1.5 times the raw one
+//    ("getter_ratio", "handle_ratio") and a 99th percentile at most twice
+//    the raw one ("getter_p99_ratio", "handle_p99_ratio").
 //  - BM_MatchedRoundTrip: the same getter with matched replies on (its wait
 //    ends only on the 0x2F08 answer) beside the default (any waking reply),
 //    alternating, one of each per iteration: "matched_median_us" and
@@ -174,6 +179,7 @@ private:
 
 const char kLibraryPeer[] = "127.4.0.1";
 const char kRawPeer[] = "127.4.0.2";
+const char kHandlePeer[] = "127.41.0.1";
 
 // One library connection for the whole run.
 Peer &libraryPeer()
@@ -187,12 +193,27 @@ Peer &libraryPeer()
     return peer;
 }
 
-double median(std::vector<double> values)
+// A handle of its own, to a peer of its own, for the whole run.
+qrx_controller *handle()
+{
+    static Peer peer(kHandlePeer);
+    static qrx_controller *const c = qrxc_open(kHandlePeer, 6001);
+    return c;
+}
+
+// The value below which the share q of the samples lies.
+double percentile(std::vector<double> values, double q)
 {
     if (values.empty())
         return 0.0;
-    std::nth_element(values.begin(), values.begin() + long(values.size() / 2), values.end());
-    return values[values.size() / 2];
+    const auto at = values.begin() + long(double(values.size() - 1) * q);
+    std::nth_element(values.begin(), at, values.end());
+    return *at;
+}
+
+double median(std::vector<double> values)
+{
+    return percentile(std::move(values), 0.5);
 }
 
 // A blocking client of its own peer: the same query frame out, the same
@@ -243,31 +264,44 @@ double microseconds(F &&f)
     return std::chrono::duration<double, std::micro>(Clock::now() - start).count();
 }
 
-// Each iteration times one raw ping-pong and one getter round trip, one
-// right after the other, so that both see the same load of the machine.
+// Each iteration times one raw ping-pong and one round trip of each
+// getter, one right after the other, so that all see the same load of the
+// machine.
 void BM_RoundTrip(benchmark::State &state)
 {
     libraryPeer();
     RawClient raw(kRawPeer);
-    if (!connection_status() || !raw.ok()) {
+    qrx_controller *const c = handle();
+    if (!connection_status() || !c || !raw.ok()) {
         state.SkipWithError("peers not reachable");
         return;
     }
     double pos[6] = {};
+    double handlePos[6] = {};
     std::vector<double> rawSamples;
     std::vector<double> getterSamples;
+    std::vector<double> handleSamples;
     for (auto _ : state) {
         rawSamples.push_back(microseconds([&] { raw.pingPong(); }));
         getterSamples.push_back(microseconds([&] { get_current_position(pos, 0); }));
+        handleSamples.push_back(microseconds([&] { qrxc_get_current_position(c, handlePos, 0); }));
     }
     benchmark::DoNotOptimize(pos);
+    benchmark::DoNotOptimize(handlePos);
     const double rawMedian = median(rawSamples);
-    const double getterMedian = median(getterSamples);
+    const double rawP99 = percentile(rawSamples, 0.99);
+    const auto report = [&](const std::string &name, const std::vector<double> &samples) {
+        state.counters[name + "_median_us"] = median(samples);
+        state.counters[name + "_p99_us"] = percentile(samples, 0.99);
+        state.counters[name + "_ratio"] = median(samples) / rawMedian;
+        state.counters[name + "_p99_ratio"] = percentile(samples, 0.99) / rawP99;
+    };
     state.counters["raw_median_us"] = rawMedian;
-    state.counters["getter_median_us"] = getterMedian;
-    state.counters["ratio"] = getterMedian / rawMedian;
-    if (pos[0] != 100.0)
-        state.SkipWithError("the getter did not return the peer's position");
+    state.counters["raw_p99_us"] = rawP99;
+    report("getter", getterSamples);
+    report("handle", handleSamples);
+    if (pos[0] != 100.0 || handlePos[0] != 100.0)
+        state.SkipWithError("a getter did not return the peer's position");
 }
 
 // Matched replies beside the default, on the same connection and peer.

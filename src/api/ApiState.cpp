@@ -273,24 +273,50 @@ ReplyTicket replyTicket(quint16 query)
     return ticket;
 }
 
+namespace {
+
+// How long a waiting thread looks for the wake before it sleeps on the
+// condition. A controller on the same host or network answers a query
+// within a few tens of microseconds, less than a sleeping thread takes to
+// be woken and scheduled again; a slower answer costs the looking thread
+// this much processor time, given up to any other runnable thread between
+// looks.
+constexpr auto kWakeLookMicros = std::chrono::microseconds(100);
+
+// The reply mutex released: returns once the waiters of robot are woken
+// after the wake count seen, or after kWakeLookMicros.
+void lookForWake(const Robot *robot, quint64 seen)
+{
+    const auto until = std::chrono::steady_clock::now() + kWakeLookMicros;
+    while (robot->replyWakes.load() == seen && std::chrono::steady_clock::now() < until)
+        std::this_thread::yield();
+}
+
+} // namespace
+
 void awaitReply(Robot *robot, const ReplyTicket &ticket)
 {
     const int bound = waitBoundMs();
-    if (bound <= 0 && !ticket.reply) {
-        robot->replyCondition.wait(robot->replyMutex);
-        setLastCallTimedOut(false);
-        return;
-    }
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(bound);
     if (ticket.reply)
         beginMatchedWait();
+    const auto answered = [&] { return !ticket.reply || replyCount(ticket.reply) != ticket.seen; };
+    // A wake that comes while this thread looks for it, the mutex released,
+    // ends the wait as one that comes while it sleeps would. The mutex is
+    // held on entry, so no wake comes before the count is read.
+    const quint64 seen = robot->replyWakes.load();
+    robot->replyMutex.unlock();
+    lookForWake(robot, seen);
+    robot->replyMutex.lock();
     bool timedOut = false;
-    do {
-        if (bound > 0)
-            timedOut = robot->replyCondition.wait_until(robot->replyMutex, deadline) == std::cv_status::timeout;
-        else
-            robot->replyCondition.wait(robot->replyMutex);
-    } while (!timedOut && ticket.reply && replyCount(ticket.reply) == ticket.seen);
+    if (robot->replyWakes.load() == seen || !answered()) {
+        do {
+            if (bound > 0)
+                timedOut = robot->replyCondition.wait_until(robot->replyMutex, deadline) == std::cv_status::timeout;
+            else
+                robot->replyCondition.wait(robot->replyMutex);
+        } while (!timedOut && !answered());
+    }
     if (ticket.reply)
         endMatchedWait();
     setLastCallTimedOut(timedOut);

@@ -136,7 +136,8 @@ ReplyTicket replyTicket(quint16 query);
 
 // The wait of request-and-wait, with the reply mutex held: by default one
 // wait on the reply condition without a time-out, ended by any waking
-// reply. The host may bound it and may ask for the reply that answers the
+// reply (a wake that comes within 100 µs is caught before the
+// thread goes to sleep, the mutex released meanwhile). The host may bound it and may ask for the reply that answers the
 // query (see the qrx_ extensions); the calling thread then learns whether
 // the bound ran out.
 void awaitReply(Robot *robot, const ReplyTicket &ticket);

@@ -70,10 +70,7 @@ void shutDown(Controller &controller)
         robot->send(qrx::protocol::code::Farewell, QByteArray());
     robot->close();
     robot->link()->shutdown();
-    {
-        std::lock_guard<std::mutex> lock(robot->replyMutex);
-        robot->replyCondition.notify_all();
-    }
+    robot->wakeReplyWaiters();
     freeRobot(controller.attach(nullptr, nullptr));
 }
 

@@ -70,6 +70,7 @@ void FramedConnection::replaceSocket()
 {
     QSharedPointer<TcpSocket> socket(new TcpSocket, deleteSocketLater);
     socket->setReadBufferSize(m_options.readBufferSize);
+    socket->setDirectWrites(m_options.directWrites);
     connect(socket.data(), &QAbstractSocket::stateChanged, this, &FramedConnection::onStateChanged,
             Qt::DirectConnection);
     connect(socket.data(), &QIODevice::readyRead, this, &FramedConnection::onReadyRead, Qt::DirectConnection);
@@ -80,6 +81,7 @@ void FramedConnection::replaceSocket()
         m_socket->disconnect(this);
         m_socket->abort();
     }
+    std::lock_guard<std::recursive_mutex> sending(m_sendMutex);
     std::unique_lock<std::mutex> lock(m_contextMutex);
     m_socket = socket;
     ++m_socketGeneration;
@@ -118,11 +120,7 @@ bool FramedConnection::write(const QByteArray &frame)
     std::lock_guard<std::recursive_mutex> lock(m_sendMutex);
     if (state() != State::Connected || !m_socket)
         return false;
-    TcpSocket *socket = m_socket.data();
-    if (QThread::currentThread() == socket->thread())
-        socket->write(frame);
-    else
-        QMetaObject::invokeMethod(socket, "write", Qt::QueuedConnection, Q_ARG(QByteArray, frame));
+    m_socket->send(frame);
     return isConnected();
 }
 

@@ -22,8 +22,9 @@
 //                     ignored from now on
 // state() may be read from any thread. open(), the socket slots and the
 // decoding run in the thread that owns the socket (the context thread);
-// write() and drop() may be called from any thread: the socket itself is
-// only touched in its own thread.
+// write() and drop() may be called from any thread: apart from what
+// TcpSocket::send() writes on its descriptor, the socket is only touched in
+// its own thread.
 //
 // The receive buffer is kept across a reconnect: bytes of a frame that
 // arrived before the loss are completed by the bytes that follow.
@@ -62,8 +63,16 @@ public:
         bool logHeadErrors = true;  // "onTcpSocketReadyRead: head error" per skipped byte
         bool logClose = true;       // "关闭网络连接" when the socket is closed
         qint64 readBufferSize = 0;  // the socket's read buffer (0: unlimited)
+        bool directWrites = false;  // writers write on the descriptor themselves (TcpSocket.h)
     };
-    static Options mainLinkOptions() { return {}; }
+    // The controller link's frames leave from the thread that sends them: a
+    // request does not wait for the link thread to pass them on.
+    static Options mainLinkOptions()
+    {
+        Options options;
+        options.directWrites = true;
+        return options;
+    }
     // The file connection's socket reads up to 64 KiB per pass of the event
     // loop: 4096 bytes (two chunks) per pass made a download cost the host a
     // poll, an ioctl and a read every two frames, half its CPU time. The
@@ -92,8 +101,8 @@ public:
     void waitForConnection(int msecs);
     bool isWaitingForConnection() const { return m_waiting; }
 
-    // Writes frame bytes if Connected (queued into the socket's thread when
-    // called from another one); false, and nothing written, otherwise.
+    // Writes frame bytes if Connected, in the order of the calls (see
+    // TcpSocket::send); false, and nothing written, otherwise.
     bool write(const QByteArray &frame);
     // Serialises writes; the owner holds it for anything that must not
     // interleave with a write (the controller link's periodic check).

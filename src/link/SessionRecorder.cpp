@@ -27,13 +27,6 @@ qint64 nowUs()
         .count();
 }
 
-pcap::Endpoint endpoint(const QHostAddress &address, quint16 port)
-{
-    bool ok = false;
-    const quint32 ipv4 = address.toIPv4Address(&ok);
-    return {ok ? ipv4 : 0, port};
-}
-
 // The two ends of the socket a thread last recorded a frame of: a link
 // thread records many frames of one socket in a row. A socket is known by
 // its address and its two ports (a new socket at a freed address has new
@@ -51,7 +44,8 @@ const Ends &endsOf(const QAbstractSocket &socket)
     const quint16 local = socket.localPort();
     const quint16 peer = socket.peerPort();
     if (ends.socket != &socket || ends.host.port != local || ends.controller.port != peer)
-        ends = {&socket, endpoint(socket.localAddress(), local), endpoint(socket.peerAddress(), peer)};
+        ends = {&socket, SessionRecorder::endpoint(socket.localAddress(), local),
+                SessionRecorder::endpoint(socket.peerAddress(), peer)};
     return ends;
 }
 
@@ -169,6 +163,18 @@ void SessionRecorder::sentToAll(const QAbstractSocket &socket, const QByteArray 
         toAll(socket, pcap::Sender::Host, 0, frame);
 }
 
+void SessionRecorder::sentToAll(pcap::Endpoint host, pcap::Endpoint controller, const QByteArray &frame)
+{
+    toAll(host, controller, pcap::Sender::Host, 0, frame);
+}
+
+pcap::Endpoint SessionRecorder::endpoint(const QHostAddress &address, quint16 port)
+{
+    bool ok = false;
+    const quint32 ipv4 = address.toIPv4Address(&ok);
+    return {ok ? ipv4 : 0, port};
+}
+
 void SessionRecorder::receivedByAll(const QAbstractSocket &socket, quint16 command, const QByteArray &payload)
 {
     toAll(socket, pcap::Sender::Controller, command, payload);
@@ -178,11 +184,17 @@ void SessionRecorder::toAll(const QAbstractSocket &socket, pcap::Sender sender, 
                             const QByteArray &bytes)
 {
     const Ends &ends = endsOf(socket);
+    toAll(ends.host, ends.controller, sender, command, bytes);
+}
+
+void SessionRecorder::toAll(pcap::Endpoint host, pcap::Endpoint controller, pcap::Sender sender, quint16 command,
+                            const QByteArray &bytes)
+{
     Registry &all = registry();
     std::lock_guard<std::mutex> lock(all.mutex);
     for (SessionRecorder *recorder : all.recorders) {
-        if (recorder->isOn() && recorder->m_filter.takes(ends.controller))
-            recorder->append(sender, command, ends.host, ends.controller, bytes);
+        if (recorder->isOn() && recorder->m_filter.takes(controller))
+            recorder->append(sender, command, host, controller, bytes);
     }
 }
 

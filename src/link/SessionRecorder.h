@@ -30,6 +30,7 @@
 #include <vector>
 
 class QAbstractSocket;
+class QHostAddress;
 
 namespace qrx {
 
@@ -65,6 +66,10 @@ public:
     // The socket's thread: a frame as written, and a frame as decoded,
     // handed to every running recorder that takes the socket's link.
     static void sentToAll(const QAbstractSocket &socket, const QByteArray &frame);
+    // Any thread: a frame as written on the link between host and controller.
+    static void sentToAll(pcap::Endpoint host, pcap::Endpoint controller, const QByteArray &frame);
+    // An end of a link as recorded (IPv4 only; other addresses read as 0).
+    static pcap::Endpoint endpoint(const QHostAddress &address, quint16 port);
     static void receivedByAll(const QAbstractSocket &socket, quint16 command, const QByteArray &payload);
 
     bool isOn() const { return m_on.load(std::memory_order_relaxed); }
@@ -89,6 +94,8 @@ private:
         QByteArray bytes; // the frame (sent) or the payload (received)
     };
     static void toAll(const QAbstractSocket &socket, pcap::Sender sender, quint16 command, const QByteArray &bytes);
+    static void toAll(pcap::Endpoint host, pcap::Endpoint controller, pcap::Sender sender, quint16 command,
+                      const QByteArray &bytes);
     void stopLocked(); // m_control held
     void setOn(bool on);
     void append(pcap::Sender sender, quint16 command, pcap::Endpoint host, pcap::Endpoint controller,
@@ -119,6 +126,12 @@ inline void recordSent(const QAbstractSocket &socket, const QByteArray &frame)
 {
     if (SessionRecorder::anyOn())
         SessionRecorder::sentToAll(socket, frame);
+}
+
+inline void recordSent(pcap::Endpoint host, pcap::Endpoint controller, const QByteArray &frame)
+{
+    if (SessionRecorder::anyOn())
+        SessionRecorder::sentToAll(host, controller, frame);
 }
 
 inline void recordReceived(const QAbstractSocket &socket, quint16 command, const QByteArray &payload)

@@ -196,10 +196,16 @@ std::string Robot::lastMessage() const
     return lastMessageText;
 }
 
-void Robot::wakeWaiters()
+void Robot::wakeReplyWaiters()
 {
     std::lock_guard<std::mutex> lock(replyMutex);
+    replyWakes.fetch_add(1);
     replyCondition.notify_all();
+}
+
+void Robot::wakeWaiters()
+{
+    wakeReplyWaiters();
 }
 
 // The catalogue is chosen by the robot count held (0x2E06).

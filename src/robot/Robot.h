@@ -122,6 +122,11 @@ public:
     std::atomic<quint8> connected{0};
     std::mutex replyMutex;
     std::condition_variable_any replyCondition;
+    // Wakes of replyCondition so far: a waiter that looks before it sleeps
+    // sees a wake it would otherwise sleep through. Changed under replyMutex.
+    std::atomic<quint64> replyWakes{0};
+    // Counts a wake and wakes every thread waiting on replyCondition.
+    void wakeReplyWaiters();
 
     // The configuration-file catalogue, filled once at construction.
     const qrx::ConfigCatalogue configCatalogue;

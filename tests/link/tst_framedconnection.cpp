@@ -4,17 +4,20 @@
 // line, the state follows the socket, and drop() is the one way down; a
 // sender sees its backlog, and an orderly release delivers the last frame.
 
+#include "link/FrameCodec.h"
 #include "link/FramedConnection.h"
 #include "support/LogCapture.h"
 #include "support/Loopback.h"
 
 #include <QElapsedTimer>
+#include <QThread>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
 
 #include <memory>
+#include <vector>
 
 using qrx::FramedConnection;
 using State = FramedConnection::State;
@@ -183,6 +186,58 @@ private Q_SLOTS:
         }
         QCOMPARE(connection->bytesToWrite(), qint64(0));
         QCOMPARE(read, written);
+    }
+
+    // The main link's frames written from the socket's thread and from
+    // others at once, more than the kernel's buffers hold: every frame
+    // arrives whole, in the order its writer wrote it.
+    void writersOnEveryThreadKeepTheirOrder()
+    {
+        QVERIFY(openConnection(FramedConnection::mainLinkOptions()));
+        constexpr int kWriters = 4; // writer 0 is the socket's thread
+        constexpr int kFrames = 100;
+        const auto payload = [](int writer, int n) {
+            return QByteArray::number(writer) + ':' + QByteArray::number(n) + ':' + QByteArray(60000, char('a' + writer));
+        };
+        const auto write = [&](int writer, int n) {
+            QVERIFY(connection->write(qrx::encodeFrame(0x5511, payload(writer, n))));
+        };
+        std::vector<std::unique_ptr<QThread>> threads;
+        for (int writer = 1; writer < kWriters; ++writer) {
+            threads.emplace_back(QThread::create([&write, writer] {
+                for (int n = 0; n < kFrames; ++n)
+                    write(writer, n);
+            }));
+            threads.back()->start();
+        }
+        qrx::FrameDecoder decoder;
+        QVector<int> next(kWriters, 0);
+        const auto take = [&] {
+            for (const qrx::Frame &frame : decoder.feed(peer->readAll())) {
+                const int writer = frame.payload.left(1).toInt();
+                QVERIFY(writer >= 0 && writer < kWriters);
+                QCOMPARE(frame.payload, payload(writer, next[writer]));
+                ++next[writer];
+            }
+        };
+        // The peer reads while frames are written, so that the kernel takes
+        // some of a frame while others wait behind it.
+        for (int n = 0; n < kFrames && !QTest::currentTestFailed(); ++n) {
+            write(0, n);
+            // Writes queued into this thread, and the socket's own backlog.
+            QCoreApplication::processEvents();
+            take();
+        }
+        for (auto &thread : threads)
+            QVERIFY(thread->wait(30000));
+        QElapsedTimer clock;
+        clock.start();
+        while (next != QVector<int>(kWriters, kFrames) && !QTest::currentTestFailed() && clock.elapsed() < 30000) {
+            QCoreApplication::processEvents();
+            if (peer->bytesAvailable() || peer->waitForReadyRead(10))
+                take();
+        }
+        QCOMPARE(next, QVector<int>(kWriters, kFrames));
     }
 
     // An orderly release delivers what was written last, then the end.

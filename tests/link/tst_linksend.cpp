@@ -31,6 +31,7 @@ private Q_SLOTS:
     void payloadSizes_data();
     void payloadSizes();
     void sendBytesWritesFrameAsIs();
+    void concurrentSendersKeepFramesWhole_data();
     void concurrentSendersKeepFramesWhole();
     void hostileBytes_data();
     void hostileBytes();
@@ -141,28 +142,40 @@ void tst_LinkSend::sendBytesWritesFrameAsIs()
     QCOMPARE(m_sim->lastFrame(kProbe).payload, QByteArray("x\0y", 3));
 }
 
+void tst_LinkSend::concurrentSendersKeepFramesWhole_data()
+{
+    QTest::addColumn<int>("frames");
+    QTest::addColumn<int>("padding");
+    // Small frames leave at once; large ones fill the socket, so that
+    // frames wait behind the rest of a frame the kernel took in part.
+    QTest::newRow("small") << 150 << 0;
+    QTest::newRow("filling the socket") << 40 << 60000;
+}
+
 void tst_LinkSend::concurrentSendersKeepFramesWhole()
 {
+    QFETCH(int, frames);
+    QFETCH(int, padding);
     Link link(m_address);
     link.module.start();
     QVERIFY(waitUp(link));
     constexpr int kThreads = 4;
-    constexpr int kFrames = 150;
+    const QString pad = padding ? QStringLiteral("\"pad\":\"%1\",").arg(QString(padding, QLatin1Char('x'))) : QString();
     std::vector<std::unique_ptr<QThread>> threads;
     for (int t = 0; t < kThreads; ++t) {
-        threads.emplace_back(QThread::create([&link, t] {
-            for (int n = 0; n < kFrames; ++n)
-                link.module.sendData(kProbe, QStringLiteral("{\"n\":%1,\"t\":%2}\n").arg(n).arg(t).toUtf8());
+        threads.emplace_back(QThread::create([&link, &pad, frames, t] {
+            for (int n = 0; n < frames; ++n)
+                link.module.sendData(kProbe, QStringLiteral("{\"n\":%1,%2\"t\":%3}\n").arg(n).arg(pad).arg(t).toUtf8());
         }));
         threads.back()->start();
     }
     for (auto &thread : threads)
         QVERIFY(thread->wait(20000));
 
-    QTRY_COMPARE_WITH_TIMEOUT(m_sim->received(kProbe).size(), kThreads * kFrames, 10000);
+    QTRY_COMPARE_WITH_TIMEOUT(m_sim->received(kProbe).size(), kThreads * frames, 10000);
     // Every frame whole and, per sender, in the order sent.
     QVector<int> next(kThreads, 0);
-    const QRegularExpression shape(QStringLiteral("^\\{\"n\":(\\d+),\"t\":(\\d)\\}\n$"));
+    const QRegularExpression shape(QStringLiteral("^\\{\"n\":(\\d+),(?:\"pad\":\"x+\",)?\"t\":(\\d)\\}\n$"));
     for (const auto &f : m_sim->received(kProbe)) {
         const auto match = shape.match(QString::fromUtf8(f.payload));
         QVERIFY2(match.hasMatch(), f.payload.constData());
