@@ -59,7 +59,9 @@ void mini_controller_send(unsigned code, const char *payload)
     unsigned char out[MAX_PAYLOAD + 10];
     size_t size = wire_encode(code, payload, out);
     pthread_mutex_lock(&lock);
-    if (client >= 0 && write(client, out, size) != (ssize_t)size)
+    /* The host may have closed the connection: no SIGPIPE for the process
+     * the controller shares with it. */
+    if (client >= 0 && send(client, out, size, MSG_NOSIGNAL) != (ssize_t)size)
         fprintf(stderr, "short write\n");
     pthread_mutex_unlock(&lock);
 }
