@@ -7,7 +7,7 @@ namespace qrx {
 
 const Json::Value &jsonMember(const Json::Value &object, const char *key)
 {
-    static const Json::Value null;
+    static const Json::Value &null = *new Json::Value; // never destroyed: read by link threads at exit
     if (!object.isObject())
         return null;
     const Json::Value *found = object.find(key, key + std::char_traits<char>::length(key));

@@ -13,14 +13,16 @@ bool parsePayload(const QByteArray &payload, Json::Value &out)
     const void *nul = std::memchr(begin, '\0', static_cast<std::size_t>(payload.size()));
     const char *end = nul ? static_cast<const char *>(nul) : begin + payload.size();
 
-    static const Json::CharReaderBuilder builder = [] {
+    // Never destroyed: a link thread may still parse a report while the
+    // process exits.
+    static const Json::CharReaderBuilder &builder = *new Json::CharReaderBuilder([] {
         Json::CharReaderBuilder b;
         b["collectComments"] = false;
         // The CharReader's defaults take "[1,2,]" and "{\"a\":1,}"; neither
         // JSON nor Json::Reader does.
         b["allowTrailingCommas"] = false;
         return b;
-    }();
+    }());
     // One reader per thread: building one reads a dozen settings by name,
     // which costs more than parsing a short report. A parse never starts
     // another on the same thread, so the reader is never shared.

@@ -22,7 +22,9 @@ quint16 replyCodeFor(quint16 query)
 
 bool isAnsweringReply(quint16 code)
 {
-    static const std::vector<quint16> codes = [] {
+    // Never destroyed: a link thread may still count a reply while the
+    // process exits.
+    static const std::vector<quint16> &codes = *new std::vector<quint16>([] {
         std::vector<quint16> all;
         for (const protocol::Message &request : protocol::outgoing()) {
             if (request.pairedWith)
@@ -30,7 +32,7 @@ bool isAnsweringReply(quint16 code)
         }
         std::sort(all.begin(), all.end());
         return all;
-    }();
+    }());
     return std::binary_search(codes.begin(), codes.end(), code);
 }
 

@@ -46,8 +46,10 @@ struct NamedSignals
 
 const NamedSignals &namedSignals()
 {
-    static const NamedSignals table;
-    return table;
+    // Never destroyed: a link thread may still deliver a frame while the
+    // process exits.
+    static const NamedSignals *const table = new NamedSignals;
+    return *table;
 }
 
 } // namespace

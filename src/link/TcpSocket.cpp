@@ -43,11 +43,15 @@ void TcpSocket::send(const QByteArray &frame)
     // Counted before it is queued and uncounted after the bytes are in the
     // socket's buffer (m_backlog set first): a later send() finds one or
     // the other.
+    // The queued bytes are a copy that only the queued call holds: the
+    // sender's frame is never shared with the socket's thread, whose write
+    // may keep a reference inside Qt (its last release could otherwise come
+    // on either side, through a reference count ThreadSanitizer cannot see).
     ++m_queued;
     qrx::handOff(this);
-    QMetaObject::invokeMethod(this, [this, rest, record] {
+    QMetaObject::invokeMethod(this, [this, owned = QByteArray(rest.constData(), rest.size()), record] {
         qrx::takeOver(this);
-        writeHere(rest, record);
+        writeHere(owned, record);
         --m_queued;
     }, Qt::QueuedConnection);
 }

@@ -37,7 +37,9 @@ struct FormRow
 // blanks are the controller's own and stay.
 const std::vector<FormRow> &formRows()
 {
-    static const std::vector<FormRow> rows = {
+    // Never destroyed: a link thread may still decode a report while the
+    // process exits.
+    static const std::vector<FormRow> &rows = *new std::vector<FormRow>{
         {DhForm::SixAxis,
          QT_TRANSLATE_NOOP("Robot", "接收DH参数数据 d1=%1 a2=%2 a3=%3 d4=%4 d6=%5 a1=%6 1-2=%11  2-3=%12  "
                                     "3-2=%13  3-4=%14  4-5=%7 4-6=%8 5-6=%9 theta=%10"),
