@@ -6,9 +6,36 @@
 // process messages (ProcessDecoders.cpp). Each decoder's comment says which
 // members of Change its notifier reads.
 
+#include "common/JsonRead.h"
 #include "robot/ReportTable.h"
 
+#include <initializer_list>
+
 namespace qrx::decoders {
+
+// A report taken, nothing else said yet.
+inline Change taken()
+{
+    Change change;
+    change.taken = true;
+    return change;
+}
+
+// A report that only hands its integer keys on: taken when any of them is
+// there, values in the order of the keys (at most as many as Change holds).
+inline Change integersOf(const Json::Value &report, std::initializer_list<const char *> keys)
+{
+    if (!hasAnyKey(report, keys))
+        return {};
+    Change change = taken();
+    int at = 0;
+    for (const char *key : keys) {
+        if (at == int(sizeof change.values / sizeof change.values[0]))
+            break;
+        change.values[at++] = jsonInt(report, key);
+    }
+    return change;
+}
 
 // Status: servo, mode, coordinate, speed, tool, deadman, teach type, robots.
 Change servo(const Json::Value &report, RobotState &state);

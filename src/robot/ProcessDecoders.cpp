@@ -22,13 +22,6 @@ namespace qrx::decoders {
 
 namespace {
 
-Change taken()
-{
-    Change change;
-    change.taken = true;
-    return change;
-}
-
 // "自定义" (user-defined) is the pendant's entry for a robot model of the
 // user's own; it always closes the robot list.
 const char kUserDefined[] = "自定义";
@@ -68,11 +61,7 @@ Change weldEquipment(const Json::Value &report, RobotState &)
 // 0x5719 {"ModbusConnect"}. values: "ModbusConnect".
 Change modbusState(const Json::Value &report, RobotState &)
 {
-    if (!hasAnyKey(report, {"ModbusConnect"}))
-        return {};
-    Change change = taken();
-    change.values[0] = jsonInt(report, "ModbusConnect");
-    return change;
+    return integersOf(report, {"ModbusConnect"});
 }
 
 void notifyModbusState(RobotSignals &to, const Change &change, const QByteArray &)
@@ -83,12 +72,7 @@ void notifyModbusState(RobotSignals &to, const Change &change, const QByteArray 
 // 0x5033 {"ModbusConnect","ExternIOConnect"}. values: the two.
 Change modbusIoState(const Json::Value &report, RobotState &)
 {
-    if (!hasAnyKey(report, {"ModbusConnect", "ExternIOConnect"}))
-        return {};
-    Change change = taken();
-    change.values[0] = jsonInt(report, "ModbusConnect");
-    change.values[1] = jsonInt(report, "ExternIOConnect");
-    return change;
+    return integersOf(report, {"ModbusConnect", "ExternIOConnect"});
 }
 
 void notifyModbusIoState(RobotSignals &to, const Change &change, const QByteArray &)
@@ -99,11 +83,7 @@ void notifyModbusIoState(RobotSignals &to, const Change &change, const QByteArra
 // 0x7017 {"cooperativeRobot"}. values: the robot.
 Change cooperativeRobot(const Json::Value &report, RobotState &)
 {
-    if (!hasAnyKey(report, {"cooperativeRobot"}))
-        return {};
-    Change change = taken();
-    change.values[0] = jsonInt(report, "cooperativeRobot");
-    return change;
+    return integersOf(report, {"cooperativeRobot"});
 }
 
 void notifyCooperativeRobot(RobotSignals &to, const Change &change, const QByteArray &)

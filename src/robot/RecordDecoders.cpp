@@ -22,13 +22,6 @@ namespace qrx::decoders {
 
 namespace {
 
-Change taken()
-{
-    Change change;
-    change.taken = true;
-    return change;
-}
-
 // Fills cache arrays, element by element (at most count each), once the
 // report holds at least one of their members.
 struct CacheArray
@@ -277,12 +270,7 @@ void notifyStepEnd(RobotSignals &to, const Change &change, const QByteArray &)
 // 0x3502 {"robot","num"}: no state. values: robot, line.
 Change bwbCommand(const Json::Value &report, RobotState &)
 {
-    if (!hasAnyKey(report, {"robot", "num"}))
-        return {};
-    Change change = taken();
-    change.values[0] = jsonInt(report, "robot");
-    change.values[1] = jsonInt(report, "num");
-    return change;
+    return integersOf(report, {"robot", "num"});
 }
 
 void notifyBwbCommand(RobotSignals &to, const Change &change, const QByteArray &)
@@ -302,13 +290,7 @@ Change jobLine(const Json::Value &report, RobotState &state)
 // 0x5013 {"robot","count","index"}: no state. values: robot, count, index.
 Change cycleIndex(const Json::Value &report, RobotState &)
 {
-    if (!hasAnyKey(report, {"robot", "count", "index"}))
-        return {};
-    Change change = taken();
-    change.values[0] = jsonInt(report, "robot");
-    change.values[1] = jsonInt(report, "count");
-    change.values[2] = jsonInt(report, "index");
-    return change;
+    return integersOf(report, {"robot", "count", "index"});
 }
 
 void notifyCycleIndex(RobotSignals &to, const Change &change, const QByteArray &)

@@ -20,13 +20,6 @@ namespace qrx::decoders {
 
 namespace {
 
-Change taken()
-{
-    Change change;
-    change.taken = true;
-    return change;
-}
-
 // The members of a DH message; one of them makes it a DH report.
 const char *const kDhKeys[] = {"Link",   "CoupleCoe", "theta",   "upsideDown", "pitch",
                                "dynamicLimit", "x_ratio", "y_ratio", "z_ratio",    "conversionRatio"};

@@ -23,12 +23,6 @@ namespace {
 
 constexpr int kModeSettlePauseMs = 200;
 
-Change taken()
-{
-    Change change;
-    change.taken = true;
-    return change;
-}
 
 } // namespace
 

@@ -32,13 +32,6 @@ namespace qrx::decoders {
 
 namespace {
 
-Change taken()
-{
-    Change change;
-    change.taken = true;
-    return change;
-}
-
 bool succeeded(const Json::Value &report, const char *key)
 {
     return jsonInt(report, key) != 0;
